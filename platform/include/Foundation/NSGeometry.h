@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace platform {
+
+struct NSPoint {
+    double x = 0;
+    double y = 0;
+    bool operator==(const NSPoint&) const = default;
+};
+
+struct NSSize {
+    double width = 0;
+    double height = 0;
+    bool operator==(const NSSize&) const = default;
+};
+
+struct NSRect {
+    NSPoint origin;
+    NSSize size;
+    bool operator==(const NSRect&) const = default;
+};
+
+} // namespace platform
