@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// What a toolkit provides for each kind of view: it shows what it is told and tells the view what the user did, nothing
+// else. A setter here never leads to a message back.
+
+#include <AppKit/NSAlert.h>
+#include <AppKit/NSColor.h>
+#include <AppKit/NSView.h>
+#include <AppKit/NSWindow.h>
+#include <Foundation/NSIndexSet.h>
+
+namespace platform {
+
+class NSMatrix;
+
+class ViewPeer {
+public:
+    virtual ~ViewPeer() = default;
+    virtual void setHidden(bool hidden) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual std::shared_ptr<NSWindow> window() = 0;
+    /// Takes the focus; a text field selects all of its text.
+    virtual void focus() = 0;
+    virtual void setMenu(const std::shared_ptr<NSMenu>&) {}
+    virtual void setDraggedTypes(const std::vector<std::u16string>&) {}
+};
+
+class WindowPeer {
+public:
+    virtual ~WindowPeer() = default;
+    /// Takes the focus from whatever has it. NO where a field refused to end its editing.
+    virtual bool clearFocus() = 0;
+    /// Whether the view whose peer this is stands in the window.
+    virtual bool contains(ViewPeer& peer) = 0;
+};
+
+class ButtonPeer : public virtual ViewPeer {
+public:
+    virtual void setTitle(const std::u16string& title) = 0;
+    virtual void setOn(bool on) = 0;
+};
+
+class TextPeer : public virtual ViewPeer {
+public:
+    /// Shows `text`. While the field has the focus it keeps it, and the caret its distance from the end; the text
+    /// already shown leaves the caret alone.
+    virtual void setText(const std::u16string& text) = 0;
+    virtual void setWraps(bool) {}
+};
+
+class MatrixPeer : public virtual ViewPeer {
+public:
+    /// Titles and the selected one of the matrix's cells.
+    virtual void showCells(const NSMatrix& matrix) = 0;
+};
+
+class SegmentedPeer : public virtual ViewPeer {
+public:
+    virtual void setSelected(NSInteger segment, bool selected) = 0;
+};
+
+class ColorWellPeer : public virtual ViewPeer {
+public:
+    virtual void setColor(const NSColor& color) = 0;
+};
+
+class TabPeer : public virtual ViewPeer {
+public:
+    virtual void setLabel(NSInteger index, const std::u16string& label) = 0;
+    virtual void select(NSInteger index) = 0;
+};
+
+class TablePeer : public virtual ViewPeer {
+public:
+    virtual void setColumnTitle(NSInteger column, const std::u16string& title) = 0;
+    virtual void setHeader(bool visible, bool bottomBorder) = 0;
+    virtual void reload(NSInteger rows) = 0;
+    virtual void setSelection(const NSIndexSet& rows, NSInteger current) = 0;
+    /// Commits the cell being edited. NO where it refused to end.
+    virtual bool commitEditing() = 0;
+    virtual void abandonEditing() = 0;
+};
+
+/// The toolkit's side of the things that are not views.
+NSInteger runAlertModally(const NSAlert& alert);
+
+} // namespace platform

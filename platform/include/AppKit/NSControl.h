@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <AppKit/NSView.h>
+#include <Foundation/NSKeyValueCoding.h>
+
+namespace platform {
+
+class NSCell;
+
+/// A view with a value and an action.
+///
+/// The action is sent for user input only, never by a setter. A number set and not edited since is read back exactly,
+/// not through its text.
+class NSControl : public NSView {
+public:
+    NSControl();
+    ~NSControl() override;
+    std::u16string_view className() const override;
+
+    NSInteger tag() const override { return m_tag; }
+    void setTag(NSInteger tag) { m_tag = tag; }
+
+    bool isEnabled() const { return m_enabled; }
+    /// NO also ends an edit in progress.
+    void setEnabled(bool enabled);
+    bool acceptsFirstResponder() const override { return m_enabled && !isHidden(); }
+
+    /// The object that gets the action; null gets none.
+    std::shared_ptr<NSObject> target() const { return m_target.lock(); }
+    void setTarget(const std::shared_ptr<NSObject>& target) { m_target = target; }
+    /// A selector of the target's class table, such as "onPreview:"; empty sends nothing.
+    const std::u16string& action() const { return m_action; }
+    void setAction(const std::u16string& selector) { m_action = selector; }
+
+    /// Getters take over the text being edited; setters abandon it.
+    std::u16string stringValue();
+    NSInteger integerValue();
+    float floatValue();
+    double doubleValue();
+    void setStringValue(const std::u16string& text);
+    void setIntegerValue(NSInteger number);
+    void setFloatValue(float number);
+    void setDoubleValue(double number);
+
+    /// Takes over the text being edited, if any.
+    virtual void validateEditing() {}
+
+    const std::shared_ptr<NSCell>& cell() const { return m_cell; }
+
+    /// Sends the action to the target, with this control as sender.
+    void sendAction();
+
+protected:
+    const NSValue& value() const { return m_value; }
+    /// Sets without sending anything, and shows it.
+    virtual void setValue(NSValue value);
+    virtual void abandonEditing() {}
+    /// Shows the value in the peer.
+    virtual void showValue() {}
+    virtual void cellChanged() {}
+    void showAll() override;
+
+private:
+    NSValue m_value;
+    std::weak_ptr<NSObject> m_target;
+    std::u16string m_action;
+    std::shared_ptr<NSCell> m_cell;
+    NSInteger m_tag = 0;
+    bool m_enabled = true;
+};
+
+/// A number as a field without formatter shows it: whole numbers plain, single precision with seven significant digits,
+/// double with sixteen, "." as separator, no grouping.
+std::u16string textOfValue(const NSValue& value);
+
+} // namespace platform
