@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include <AppKit/NSPopUpButton.h>
+
+namespace platform {
+
+std::u16string_view NSPopUpButton::className() const {
+    return u"NSPopUpButton";
+}
+
+} // namespace platform
