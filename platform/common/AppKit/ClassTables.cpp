@@ -28,6 +28,7 @@ const ClassRegistration registrations[] = {
     ClassRegistration(ClassTable<NSSegmentedControl>(u"NSSegmentedControl", u"NSControl")),
     ClassRegistration(ClassTable<NSColorWell>(u"NSColorWell", u"NSControl")),
     ClassRegistration(ClassTable<NSPopUpButton>(u"NSPopUpButton", u"NSControl")),
+    ClassRegistration(ClassTable<NSPopUpButtonCell>(u"NSPopUpButtonCell")),
     ClassRegistration(ClassTable<NSTableView>(u"NSTableView", u"NSControl")),
     ClassRegistration(ClassTable<NSTabView>(u"NSTabView", u"NSView")),
     ClassRegistration(ClassTable<NSViewController>(u"NSViewController")),

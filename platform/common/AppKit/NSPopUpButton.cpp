@@ -3,6 +3,10 @@
 
 namespace platform {
 
+std::u16string_view NSPopUpButtonCell::className() const {
+    return u"NSPopUpButtonCell";
+}
+
 std::u16string_view NSPopUpButton::className() const {
     return u"NSPopUpButton";
 }

@@ -95,7 +95,13 @@ std::shared_ptr<NSTableCellView> NSTableView::makeViewWithIdentifierOwner(const 
     return cell;
 }
 
+void NSTableView::loadIfNeeded() {
+    if (!m_loaded && m_dataSource.lock())
+        reloadData();
+}
+
 void NSTableView::reloadData() {
+    m_loaded = true;
     const auto self = std::static_pointer_cast<NSTableView>(shared_from_this());
     auto* shown = dynamic_cast<TablePeer*>(peer());
     if (shown)
@@ -111,6 +117,7 @@ void NSTableView::reloadData() {
 }
 
 void NSTableView::selectRowIndexesByExtendingSelection(const NSIndexSet& rows, bool extend) {
+    loadIfNeeded();
     auto there = rows;
     there.removeIndexesFrom(static_cast<NSUInteger>(m_rows));
     const auto last = there.lastIndex();

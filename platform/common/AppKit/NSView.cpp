@@ -33,6 +33,18 @@ void NSView::setMenu(const std::shared_ptr<NSMenu>& menu) {
         m_peer->setMenu(menu);
 }
 
+void NSView::setToolTip(const std::u16string& text) {
+    m_toolTip = text;
+    if (m_peer)
+        m_peer->setToolTip(text);
+}
+
+void NSView::setAccessibilityLabel(const std::u16string& text) {
+    m_accessibilityLabel = text;
+    if (m_peer)
+        m_peer->setAccessibilityLabel(text);
+}
+
 void NSView::registerForDraggedTypes(std::vector<std::u16string> types) {
     m_draggedTypes = std::move(types);
     if (m_peer)
@@ -48,6 +60,8 @@ void NSView::setPeer(std::unique_ptr<ViewPeer> peer) {
 void NSView::showAll() {
     m_peer->setHidden(m_hidden);
     m_peer->setMenu(m_menu);
+    m_peer->setToolTip(m_toolTip);
+    m_peer->setAccessibilityLabel(m_accessibilityLabel);
     m_peer->setDraggedTypes(m_draggedTypes);
 }
 
