@@ -46,13 +46,8 @@ std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() c
     return object ? std::dynamic_pointer_cast<host::ImprinterConfiguration>(*object) : nullptr;
 }
 
-void PaneHost::didShow() {
-    m_pane->didSelect();
-    m_selected = true;
-}
-
 bool PaneHost::leave() {
-    if (!m_selected)
+    if (!m_pane->isSelected())
         return true;
     const auto window = view()->window();
     if (window && !window->makeFirstResponder(nullptr))
@@ -60,7 +55,6 @@ bool PaneHost::leave() {
     if (m_pane->shouldUnselect() == NSPreferencePaneUnselectReply::cancel)
         return false;
     m_pane->willUnselect();
-    m_selected = false;
     return true;
 }
 

@@ -22,7 +22,7 @@ public:
 
     /// Around putting the view into a window.
     void willShow() { m_pane->willSelect(); }
-    void didShow();
+    void didShow() { m_pane->didSelect(); }
 
     /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO where an edit or the
     /// pane refused.
@@ -39,7 +39,6 @@ public:
 private:
     PaneHost() = default;
     std::shared_ptr<platform::NSPreferencePane> m_pane;
-    bool m_selected = false;
 };
 
 } // namespace app
