@@ -1,0 +1,5 @@
+# The stand-alone host's configurations in memory and on disk.
+
+add_executable(unit_model model_configuration.cpp model_font_run.cpp model_host_classes.cpp model_list.cpp)
+target_link_libraries(unit_model PRIVATE model GTest::gtest_main)
+gtest_discover_tests(unit_model PROPERTIES LABELS unit)
