@@ -65,10 +65,7 @@ Title copyOfTitle(const Title& title, const std::shared_ptr<Configuration>& owne
 } // namespace
 
 Configuration::Configuration(std::u16string uniqueID, bool combined)
-    : m_uniqueID(std::move(uniqueID)), m_combined(combined) {
-    if (combined)
-        m_members = std::make_shared<const std::vector<Member>>();
-}
+    : m_uniqueID(std::move(uniqueID)), m_combined(combined) {}
 
 std::shared_ptr<Configuration> Configuration::make(bool combined) {
     return makeWithID(newIdentifier(), combined);
@@ -95,21 +92,24 @@ void Configuration::setName(const std::u16string& name) {
     set(m_values.name, name);
 }
 
+ConfigurationArray Configuration::configurations() const {
+    if (m_combined && !m_handedOut)
+        m_handedOut = std::make_shared<const std::vector<Member>>(m_members);
+    return m_handedOut;
+}
+
 void Configuration::addConfiguration(const Member& member) {
     if (!m_combined || !member || member->combinedConfiguration())
         return;
-    auto members = std::make_shared<std::vector<Member>>(*m_members);
-    members->push_back(member);
-    m_members = std::move(members);
+    m_members.push_back(member);
+    m_handedOut = nullptr;
     changed();
 }
 
 void Configuration::deleteConfiguration(const Member& member) {
-    if (!m_combined || std::find(m_members->begin(), m_members->end(), member) == m_members->end())
+    if (std::erase(m_members, member) == 0)
         return;
-    auto members = std::make_shared<std::vector<Member>>(*m_members);
-    std::erase(*members, member);
-    m_members = std::move(members);
+    m_handedOut = nullptr;
     changed();
 }
 

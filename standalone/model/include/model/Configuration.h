@@ -32,7 +32,7 @@ public:
     void setName(const std::u16string& name) override;
     bool combinedConfiguration() const override { return m_combined; }
 
-    host::ConfigurationArray configurations() const override { return m_members; }
+    host::ConfigurationArray configurations() const override;
     /// A member may be appended more than once. Null, a combined configuration, and whatever is sent to an ordinary one
     /// is ignored.
     void addConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& member) override;
@@ -105,7 +105,8 @@ private:
 
     std::u16string m_uniqueID;
     bool m_combined;
-    host::ConfigurationArray m_members; // nil for an ordinary one
+    std::vector<std::shared_ptr<host::ImprinterConfiguration>> m_members;
+    mutable host::ConfigurationArray m_handedOut; // made when first asked for after a change of the members
     Values m_values;
     std::shared_ptr<const ChangeNotice> m_notice;
 };
