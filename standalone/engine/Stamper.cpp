@@ -2,6 +2,7 @@
 #include <engine/Stamper.h>
 
 #include "OutputFile.h"
+#include "PdfStamper.h"
 #include "PictureFile.h"
 #include "StampPlan.h"
 
@@ -105,7 +106,8 @@ Outcome stampFile(const StampJob& job) {
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
-        outcome.pagesStamped = stampPicture(job, kind, report);
+        outcome.pagesStamped =
+            kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
         outcome.path = job.output;
         outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
                                                      : std::to_string(outcome.pagesStamped) + " pages were stamped.";
