@@ -23,6 +23,8 @@ public:
     /// Takes the focus; a text field selects all of its text.
     virtual void focus() = 0;
     virtual void setMenu(const std::shared_ptr<NSMenu>&) {}
+    virtual void setToolTip(const std::u16string&) {}
+    virtual void setAccessibilityLabel(const std::u16string&) {}
     virtual void setDraggedTypes(const std::vector<std::u16string>&) {}
 };
 

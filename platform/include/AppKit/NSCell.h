@@ -8,7 +8,7 @@ namespace platform {
 class NSMenu;
 
 /// The part of a control that shows its value; in a matrix, one of the choices.
-class NSCell final : public NSObject {
+class NSCell : public NSObject {
 public:
     /// `changed` runs after each change, so that the control can show it.
     explicit NSCell(std::function<void()> changed = {}) : m_changed(std::move(changed)) {}

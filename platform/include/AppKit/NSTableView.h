@@ -97,8 +97,10 @@ public:
     bool allowsMultipleSelection() const { return m_multiple; }
     void setAllowsMultipleSelection(bool allows) { m_multiple = allows; }
 
-    /// The number of rows at the last reload.
+    /// The number of rows at the last reload; 0 before the first.
     NSInteger numberOfRows() const { return m_rows; }
+    /// Reads the number of rows for the first time: when rows are first selected or the table is first seen.
+    void loadIfNeeded();
     /// Reads the number of rows and drops all cell views. Selected row numbers that still exist stay selected; if some
     /// were dropped, that is posted once before this returns. An edit in progress is abandoned.
     void reloadData();
@@ -143,6 +145,7 @@ private:
     NSIndexSet m_selection;
     NSInteger m_selectedRow = -1;
     NSInteger m_rows = 0;
+    bool m_loaded = false;
     bool m_multiple = false;
 };
 

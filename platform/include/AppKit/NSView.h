@@ -40,6 +40,13 @@ public:
     const std::shared_ptr<NSMenu>& menu() const { return m_menu; }
     virtual void setMenu(const std::shared_ptr<NSMenu>& menu);
 
+    /// What is shown while the pointer rests on the view; empty shows nothing.
+    const std::u16string& toolTip() const { return m_toolTip; }
+    void setToolTip(const std::u16string& text);
+    /// What assistive technology calls the view; empty leaves it to the view's title.
+    const std::u16string& accessibilityLabel() const { return m_accessibilityLabel; }
+    void setAccessibilityLabel(const std::u16string& text);
+
     /// Only drags that carry one of these types are asked about.
     void registerForDraggedTypes(std::vector<std::u16string> types);
     const std::vector<std::u16string>& registeredDraggedTypes() const { return m_draggedTypes; }
@@ -61,6 +68,8 @@ private:
     std::unique_ptr<ViewPeer> m_peer;
     std::shared_ptr<NSMenu> m_menu;
     std::vector<std::u16string> m_draggedTypes;
+    std::u16string m_toolTip;
+    std::u16string m_accessibilityLabel;
     bool m_hidden = false;
 };
 

@@ -17,7 +17,8 @@ namespace platform {
 /// when the bundle is opened, answers every look-up.
 class NSBundle final : public NSObject {
 public:
-    /// Null, with a line in the log, where the folder has no readable information list.
+    /// The bundle in a folder; the very same object once its library is loaded. Null, with a line in the log, where the
+    /// folder has no readable information list.
     static std::shared_ptr<NSBundle> bundleWithPath(const std::filesystem::path& path);
     /// The bundle whose loading registered the class; null for classes of the program.
     static std::shared_ptr<NSBundle> bundleForClass(const NSClass* cls);

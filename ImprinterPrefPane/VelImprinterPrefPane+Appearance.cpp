@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "VelImprinterPrefPane.h"
+
+using namespace platform;
+
+namespace pane {
+
+void VelImprinterPrefPane::initAppearance() {}
+void VelImprinterPrefPane::translateAppearanceUI() {}
+void VelImprinterPrefPane::enableAppearenceControls(bool) {}
+void VelImprinterPrefPane::updateAppearance() {}
+void VelImprinterPrefPane::saveAppearance() {}
+void VelImprinterPrefPane::onFontColourChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onFontAttributeSegChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onBorderStyleChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onBorderChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onBorderColourChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onBorderThicknessChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onFillChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::onFillColourChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::fontPopuWillBeDisplayed(const NSNotification&) {}
+
+double VelImprinterPrefPane::fontSizeValue() const {
+    return tell(m_currentFont, &host::ImprinterFont::fontSize);
+}
+
+void VelImprinterPrefPane::setFontSizeValue(double points) {
+    tell(m_currentFont, &host::ImprinterFont::setFontSize, points);
+    updatePreview();
+}
+
+double VelImprinterPrefPane::fontStrokeWidthValue() const {
+    return tell(m_currentFont, &host::ImprinterFont::strokeWidth);
+}
+
+void VelImprinterPrefPane::setFontStrokeWidthValue(double points) {
+    tell(m_currentFont, &host::ImprinterFont::setStrokeWidth, points);
+    updatePreview();
+}
+
+double VelImprinterPrefPane::borderThicknessValue() const {
+    return tell(m_currentConfiguration, &host::ImprinterConfiguration::borderThickness);
+}
+
+void VelImprinterPrefPane::setBorderThicknessValue(double points) {
+    if (!m_currentConfiguration)
+        return;
+    m_currentConfiguration->setBorderThickness(points);
+    updatePreview();
+}
+
+double VelImprinterPrefPane::fillOpacityValue() const {
+    return m_currentConfiguration ? m_currentConfiguration->fillOpacity() : 1.0;
+}
+
+void VelImprinterPrefPane::setfillOpacityValue(double opacity) {
+    tell(m_currentConfiguration, &host::ImprinterConfiguration::setFillOpacity, opacity);
+}
+
+} // namespace pane

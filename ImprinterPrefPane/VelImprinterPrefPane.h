@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <AppKit/NSTabView.h>
+#include <AppKit/NSTableView.h>
+#include <Foundation/NSURL.h>
+#include <PreferencePanes/NSPreferencePane.h>
+#include <host/Imprinter.h>
+
+#include <optional>
+
+namespace platform {
+class NSButton;
+class NSColorWell;
+class NSMatrix;
+class NSPopUpButton;
+class NSSegmentedControl;
+class NSStepper;
+class NSTokenField;
+} // namespace platform
+
+namespace pane {
+
+class VelCombinedViewController;
+class VelIFontAttributePopupButton;
+class VelIFontPopupButton;
+class VelPreviewViewController;
+
+/// The pasteboard type under which rows of the configuration table are dropped: a keyed archive whose root is an index
+/// set.
+extern "C" __attribute__((visibility("default"))) const char16_t* const VelImprintPasteboardType;
+
+/// The settings pane in which imprint configurations are listed and edited.
+///
+/// It keeps no configuration of its own: every value is read from the host's model when it is shown and written to it
+/// at once when the user changes it; the model is stored when the pane is left. A missing host, a missing configuration
+/// and a nil answer are normal states that empty or disable what depends on them.
+///
+/// Three units share the class: the shell, the Location editor and the Appearance editor. Messages are virtual because
+/// whoever loads the pane's bundle does not link it.
+class VelImprinterPrefPane final : public platform::NSPreferencePane,
+                                   public platform::NSTableViewDataSource,
+                                   public platform::NSTableViewDelegate,
+                                   public platform::NSTabViewDelegate,
+                                   public platform::NSControlTextEditingDelegate {
+public:
+    using NSObject = platform::NSObject;
+    using NSInteger = platform::NSInteger;
+    using ConfigurationPointer = std::shared_ptr<host::ImprinterConfiguration>;
+
+    VelImprinterPrefPane();
+    ~VelImprinterPrefPane() override;
+    std::u16string_view className() const override;
+    /// The class's table: outlets, actions and keys.
+    static platform::NSClass describeClass();
+
+    // Life of the pane
+
+    void mainViewDidLoad() override;
+    void didSelect() override;
+    /// Always lets the user go; a custom page list left blank falls back to every page.
+    platform::NSPreferencePaneUnselectReply shouldUnselect() override;
+    void willUnselect() override;
+
+    // State
+
+    std::shared_ptr<host::Imprinter> imprinter() const { return m_imprinter; }
+    ConfigurationPointer currentConfiguration() const { return m_currentConfiguration; }
+    /// Switches the editors; null shows the empty page. Does nothing for the configuration already shown.
+    virtual void setCurrentConfiguration(const ConfigurationPointer& configuration);
+    const std::optional<platform::NSURL>& previewURL() const { return m_previewURL; }
+    virtual void setPreviewURL(const std::optional<platform::NSURL>& url);
+
+    // Shell
+
+    virtual void translateUI();
+    virtual void updateDuplicateRecord();
+    virtual void onDuplicateRecord(const std::shared_ptr<NSObject>& sender);
+    virtual void enableControls(bool enable);
+    /// Null for a row the list does not have.
+    virtual ConfigurationPointer configuarationAtIndex(NSInteger row) const; // sic
+    virtual void saveConfiguration();
+
+    NSInteger numberOfRowsInTableView(const std::shared_ptr<platform::NSTableView>& table) override;
+    std::shared_ptr<platform::NSTableCellView>
+    tableViewViewForTableColumnRow(const std::shared_ptr<platform::NSTableView>& table,
+                                   const std::shared_ptr<platform::NSTableColumn>& column, NSInteger row) override;
+    bool tableViewShouldSelectRow(const std::shared_ptr<platform::NSTableView>& table, NSInteger row) override;
+    void tableViewSelectionDidChange(const platform::NSNotification& notification) override;
+    bool tabViewShouldSelectTabViewItem(const std::shared_ptr<platform::NSTabView>& tabView,
+                                        const std::shared_ptr<platform::NSTabViewItem>& item) override;
+
+    // Commands on configurations: entry points of the interface file
+
+    virtual std::shared_ptr<platform::NSMenu> buildActionMenu();
+    virtual void deleteConfiguration(const std::shared_ptr<NSObject>& sender);
+    virtual void onConfigurationNameChanged(const std::shared_ptr<NSObject>& sender);
+
+    // Preview
+
+    /// Has the host stamp the sample page with the current configuration; a nil answer leaves the picture on show.
+    virtual void updatePreview();
+    virtual void onPreview(const std::shared_ptr<NSObject>& sender);
+
+    // Location editor
+
+    virtual void translateLocationUI();
+    virtual void enableLocationControls(bool enable);
+    virtual void updateLocation();
+    virtual void saveLocation();
+    virtual void onChangePosition(const std::shared_ptr<NSObject>& sender);
+    virtual void onRotationChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onOccuranceChanged(const std::shared_ptr<NSObject>& sender); // sic
+    double xOffsetValue() const;
+    void setXOffsetValue(double x);
+    double yOffsetValue() const;
+    void setYOffsetValue(double y);
+    double rotationValue() const;
+    void setRotationValue(double degrees);
+
+    // Appearance editor
+
+    virtual void initAppearance();
+    virtual void translateAppearanceUI();
+    virtual void enableAppearenceControls(bool enable); // sic
+    virtual void updateAppearance();
+    virtual void saveAppearance();
+    virtual void onFontColourChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onFontAttributeSegChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onBorderStyleChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onBorderChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onBorderColourChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onBorderThicknessChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onFillChanged(const std::shared_ptr<NSObject>& sender);
+    virtual void onFillColourChanged(const std::shared_ptr<NSObject>& sender);
+    /// The run's menu is about to open.
+    virtual void fontPopuWillBeDisplayed(const platform::NSNotification& notification); // sic
+    double fontSizeValue() const;
+    void setFontSizeValue(double points);
+    double fontStrokeWidthValue() const;
+    void setFontStrokeWidthValue(double points);
+    double borderThicknessValue() const;
+    void setBorderThicknessValue(double points);
+    double fillOpacityValue() const;
+    /// The only setter; the key has none of the usual form. Leaves the preview as it is.
+    void setfillOpacityValue(double opacity); // sic
+
+private:
+    std::shared_ptr<VelImprinterPrefPane> self();
+    /// The text of the pane's own bundle for an English one.
+    std::u16string localized(const std::u16string& english) const;
+    /// The host's list, asked for afresh; nil without a host.
+    host::ConfigurationArray configurations() const;
+    void selectRowOf(const ConfigurationPointer& configuration);
+    void askForPageList();
+
+    std::shared_ptr<host::Imprinter> m_imprinter;
+    ConfigurationPointer m_currentConfiguration;
+    std::shared_ptr<host::ImprinterFont> m_currentFont;
+    std::shared_ptr<NSObject> tokenChangeObserver;
+    std::optional<platform::NSURL> m_previewURL;
+    std::shared_ptr<VelPreviewViewController> m_popoverViewController;
+    std::shared_ptr<VelCombinedViewController> m_combinedVC;
+
+    // Outlets: frame and lists
+    std::weak_ptr<platform::NSWindow> m_theWindow;
+    std::weak_ptr<platform::NSTableView> m_tableView;
+    std::weak_ptr<platform::NSPopUpButton> m_actionPopupMenu;
+    std::weak_ptr<platform::NSTabView> m_mainTabView;
+    std::weak_ptr<platform::NSTabView> m_tabView;
+    std::weak_ptr<platform::NSTableView> m_combinedTableView;
+    std::weak_ptr<platform::NSTableView> m_allConfigsTableView;
+    std::weak_ptr<platform::NSTextField> m_noConfigurationsLabel;
+    std::weak_ptr<platform::NSButton> m_previewBtn;
+    std::weak_ptr<platform::NSButton> m_duplicateRecBtn;
+    std::weak_ptr<platform::NSButton> m_deleteConfigurationBtn;
+
+    // Outlets: Location editor
+    std::weak_ptr<platform::NSButton> m_topLeftBtn;
+    std::weak_ptr<platform::NSButton> m_topCenterBtn;
+    std::weak_ptr<platform::NSButton> m_topRightBtn;
+    std::weak_ptr<platform::NSButton> m_centerLeftBtn;
+    std::weak_ptr<platform::NSButton> m_centerBtn;
+    std::weak_ptr<platform::NSButton> m_centerRightBtn;
+    std::weak_ptr<platform::NSButton> m_bottomLeftBtn;
+    std::weak_ptr<platform::NSButton> m_bottomCenterBtn;
+    std::weak_ptr<platform::NSButton> m_bottomRightBtn;
+    std::weak_ptr<platform::NSMatrix> m_positionMatrix;
+    std::weak_ptr<platform::NSMatrix> m_occuranceMatrix;
+    std::weak_ptr<platform::NSTextField> m_xOffset;
+    std::weak_ptr<platform::NSTextField> m_yOffset;
+    std::weak_ptr<platform::NSTextField> m_rotation;
+    std::weak_ptr<platform::NSTextField> m_customOccurance;
+    std::weak_ptr<platform::NSStepper> m_xOffsetStepper;
+    std::weak_ptr<platform::NSStepper> m_yOffsetStepper;
+    std::weak_ptr<platform::NSStepper> m_rotationStepper;
+    std::weak_ptr<platform::NSTextField> m_positionLabel;
+    std::weak_ptr<platform::NSTextField> m_offsetLabel;
+    std::weak_ptr<platform::NSTextField> m_rotationLabel;
+    std::weak_ptr<platform::NSTextField> m_occuranceLabel;
+    std::weak_ptr<platform::NSTextField> m_pixelsXLabel;
+    std::weak_ptr<platform::NSTextField> m_pixelsYLabel;
+    std::weak_ptr<platform::NSTextField> m_degreesLabel;
+
+    // Outlets: Appearance editor
+    std::weak_ptr<platform::NSTokenField> m_titleTokenField;
+    std::weak_ptr<VelIFontPopupButton> m_fontPopup;
+    std::weak_ptr<VelIFontAttributePopupButton> m_fontAttributePopup;
+    std::weak_ptr<platform::NSPopUpButton> m_fontTokensPopup;
+    std::weak_ptr<platform::NSPopUpButton> m_borderStylePopup;
+    std::weak_ptr<platform::NSSegmentedControl> m_fontAttributesSegCtrl;
+    std::weak_ptr<platform::NSColorWell> m_fontColour;
+    std::weak_ptr<platform::NSColorWell> m_borderColourWell;
+    std::weak_ptr<platform::NSColorWell> m_fillColourWell;
+    std::weak_ptr<platform::NSTextField> m_fontSizeField;
+    std::weak_ptr<platform::NSTextField> m_outlineTextThickness;
+    std::weak_ptr<platform::NSTextField> m_borderThickness;
+    std::weak_ptr<platform::NSStepper> m_fontSizeStepper;
+    std::weak_ptr<platform::NSStepper> m_outlineTextThicknessStepper;
+    std::weak_ptr<platform::NSStepper> m_borderThicknessStepper;
+    std::weak_ptr<platform::NSButton> m_borderEnableBtn;
+    std::weak_ptr<platform::NSButton> m_fillEnableBtn;
+    std::weak_ptr<platform::NSTextField> m_titleLabel;
+    std::weak_ptr<platform::NSTextField> m_styleLabel;
+    std::weak_ptr<platform::NSTextField> m_borderLabel;
+    std::weak_ptr<platform::NSTextField> m_fillLabel;
+    std::weak_ptr<platform::NSTextField> m_borderThicknessLabel;
+    std::weak_ptr<platform::NSTextField> m_borderColourLabel;
+    std::weak_ptr<platform::NSTextField> m_fillColourLabel;
+    std::weak_ptr<platform::NSTextField> m_thicknessLabel;
+    std::weak_ptr<platform::NSTextField> m_fontSizeLabel;
+    std::weak_ptr<platform::NSTextField> m_fontColourLabel;
+};
+
+} // namespace pane

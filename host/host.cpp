@@ -1,2 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include <host/VelImprinterPlugin.h>

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include <AppKit/NSControl.h>
+
+#include <AppKit/NSCell.h>
+#include <Foundation/NSClass.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
+
+#include "Peers.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace platform {
+
+namespace {
+
+/// What `%.*g` prints in the classic locale.
+std::u16string textOfReal(double number, int digits) {
+    if (std::isnan(number))
+        return u"nan";
+    if (std::isinf(number))
+        return number < 0 ? u"-inf" : u"inf";
+    std::array<char, 48> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%.*g", digits, number);
+    std::u16string out(text.data(), text.data() + length);
+    for (auto& character : out)
+        if (character == u',')
+            character = u'.';
+    return out;
+}
+
+NSInteger towardZero(double number) {
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    if (std::isnan(number))
+        return 0;
+    if (number >= limit)
+        return std::numeric_limits<NSInteger>::max();
+    if (number < -limit)
+        return std::numeric_limits<NSInteger>::min();
+    return static_cast<NSInteger>(number);
+}
+
+} // namespace
+
+NSControl::NSControl() : m_cell(std::make_shared<NSCell>([this] { cellChanged(); })) {}
+
+NSControl::~NSControl() = default;
+
+std::u16string_view NSControl::className() const {
+    return u"NSControl";
+}
+
+void NSControl::setEnabled(bool enabled) {
+    if (!enabled)
+        abandonEditing();
+    m_enabled = enabled;
+    if (peer())
+        peer()->setEnabled(enabled);
+}
+
+std::u16string NSControl::stringValue() {
+    validateEditing();
+    return textOfValue(m_value);
+}
+
+NSInteger NSControl::integerValue() {
+    validateEditing();
+    if (const auto* whole = std::get_if<NSInteger>(&m_value))
+        return *whole;
+    if (const auto* text = std::get_if<std::u16string>(&m_value))
+        return platform::integerValue(*text);
+    return towardZero(platform::doubleValue(m_value));
+}
+
+float NSControl::floatValue() {
+    return static_cast<float>(doubleValue());
+}
+
+double NSControl::doubleValue() {
+    validateEditing();
+    return platform::doubleValue(m_value);
+}
+
+void NSControl::setStringValue(const std::u16string& text) {
+    setValue(text);
+}
+void NSControl::setIntegerValue(NSInteger number) {
+    setValue(number);
+}
+void NSControl::setFloatValue(float number) {
+    setValue(number);
+}
+void NSControl::setDoubleValue(double number) {
+    setValue(number);
+}
+
+void NSControl::setValue(NSValue value) {
+    m_value = std::move(value);
+    showValue();
+}
+
+void NSControl::sendAction() {
+    const auto receiver = m_target.lock();
+    if (!receiver || m_action.empty())
+        return;
+    const auto* table = receiver->classTable();
+    const auto* handler = table ? table->action(m_action) : nullptr;
+    if (handler)
+        (*handler)(*receiver, shared_from_this());
+    else
+        NSLog(toUtf8(receiver->className()) + " has no action " + toUtf8(m_action));
+}
+
+void NSControl::showAll() {
+    NSView::showAll();
+    peer()->setEnabled(m_enabled);
+    showValue();
+}
+
+std::u16string textOfValue(const NSValue& value) {
+    if (const auto* text = std::get_if<std::u16string>(&value))
+        return *text;
+    if (const auto* whole = std::get_if<NSInteger>(&value))
+        return fromUtf8(std::to_string(*whole));
+    if (const auto* flag = std::get_if<bool>(&value))
+        return *flag ? u"1" : u"0";
+    if (const auto* single = std::get_if<float>(&value))
+        return textOfReal(static_cast<double>(*single), 7);
+    if (const auto* real = std::get_if<double>(&value))
+        return textOfReal(*real, 16);
+    return {};
+}
+
+} // namespace platform

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include <AppKit/NSWindow.h>
+
+#include "Peers.h"
+
+namespace platform {
+
+NSWindow::NSWindow(std::shared_ptr<NSView> contentView) : m_contentView(std::move(contentView)) {}
+NSWindow::~NSWindow() = default;
+
+std::u16string_view NSWindow::className() const {
+    return u"NSWindow";
+}
+
+bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
+    if (!m_peer)
+        return false;
+    if (!view)
+        return m_peer->clearFocus();
+    if (!view->acceptsFirstResponder() || !view->peer() || !m_peer->contains(*view->peer()))
+        return false;
+    view->peer()->focus();
+    return true;
+}
+
+void NSWindow::setPeer(std::unique_ptr<WindowPeer> peer) {
+    m_peer = std::move(peer);
+}
+
+} // namespace platform
