@@ -358,11 +358,12 @@ NSPreferencePaneUnselectReply VelImprinterPrefPane::shouldUnselect() {
 }
 
 void VelImprinterPrefPane::willUnselect() {
+    const auto alive = self(); // the observer may be the last that holds the pane
     saveConfiguration();
     auto& center = NSNotificationCenter::defaultCenter();
     // The token is kept, and the inherited message is not sent: a second leave removes the same observer again.
     center.removeObserver(tokenChangeObserver);
-    center.removeObserverNameObject(self(), NSPopUpButtonWillPopUpNotification, m_fontTokensPopup.lock());
+    center.removeObserverNameObject(alive, NSPopUpButtonWillPopUpNotification, m_fontTokensPopup.lock());
 }
 
 std::shared_ptr<NSMenu> VelImprinterPrefPane::buildActionMenu() {

@@ -34,11 +34,11 @@ std::shared_ptr<NSView> NSPreferencePane::loadMainView() {
 
 void NSPreferencePane::mainViewDidLoad() {}
 void NSPreferencePane::willSelect() {}
-void NSPreferencePane::didSelect() {}
+void NSPreferencePane::didSelect() { m_selected = true; }
 NSPreferencePaneUnselectReply NSPreferencePane::shouldUnselect() {
     return NSPreferencePaneUnselectReply::now;
 }
 void NSPreferencePane::willUnselect() {}
-void NSPreferencePane::didUnselect() {}
+void NSPreferencePane::didUnselect() { m_selected = false; }
 
 } // namespace platform

@@ -30,6 +30,9 @@ public:
     /// What was wrong with the interface file; empty where all is connected.
     const std::vector<std::string>& interfaceProblems() const { return m_problems; }
 
+    /// YES from the inherited `didSelect` to the inherited `didUnselect`.
+    bool isSelected() const { return m_selected; }
+
     virtual void mainViewDidLoad();
     virtual void willSelect();
     virtual void didSelect();
@@ -42,6 +45,7 @@ private:
     std::shared_ptr<NSWindow> m_window;
     std::shared_ptr<NSView> m_mainView;
     std::vector<std::string> m_problems;
+    bool m_selected = false;
 };
 
 } // namespace platform

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "PaneHost.h"
+
+#include <AppKit/NSTableView.h>
+#include <Foundation/NSException.h>
+
+namespace app {
+
+using namespace platform;
+
+namespace {
+
+constexpr char16_t currentKey[] = u"currentConfiguration";
+
+} // namespace
+
+std::unique_ptr<PaneHost> PaneHost::load(const std::filesystem::path& path, std::string& error) {
+    const auto bundle = NSBundle::bundleWithPath(path);
+    if (!bundle) {
+        error = path.string() + " is no bundle of a settings pane";
+        return nullptr;
+    }
+    if (!bundle->load(error))
+        return nullptr;
+    const auto* cls = bundle->principalClass();
+    auto pane = cls && cls->make ? std::dynamic_pointer_cast<NSPreferencePane>(cls->make()) : nullptr;
+    if (!pane) {
+        error = path.string() + " names no settings pane as its principal class";
+        return nullptr;
+    }
+    pane->setBundle(bundle);
+    bool loaded = false;
+    runGuarded([&] { loaded = pane->loadMainView() != nullptr; });
+    if (!loaded) {
+        error = path.string() + ": the pane's interface could not be loaded";
+        return nullptr;
+    }
+    auto host = std::unique_ptr<PaneHost>(new PaneHost);
+    host->m_pane = std::move(pane);
+    return host;
+}
+
+std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() const {
+    const auto value = valueForKey(*m_pane, currentKey);
+    const auto* object = std::get_if<std::shared_ptr<NSObject>>(&value);
+    return object ? std::dynamic_pointer_cast<host::ImprinterConfiguration>(*object) : nullptr;
+}
+
+bool PaneHost::leave() {
+    if (!m_pane->isSelected())
+        return true;
+    const auto window = view()->window();
+    if (window && !window->makeFirstResponder(nullptr))
+        return false;
+    if (m_pane->shouldUnselect() == NSPreferencePaneUnselectReply::cancel)
+        return false;
+    m_pane->willUnselect();
+    return true;
+}
+
+void PaneHost::refresh(const host::Imprinter& imprinter) {
+    const auto current = currentConfiguration();
+    const auto list = table();
+    tell(list, &NSTableView::reloadData);
+    setValueForKey(*m_pane, std::monostate(), currentKey);
+    setValueForKey(*m_pane, std::shared_ptr<NSObject>(current), currentKey);
+    tell(list, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(imprinter.indexOfConfiguration(current)),
+         false);
+}
+
+std::shared_ptr<NSTableView> PaneHost::table() const {
+    const auto* cls = m_pane->classTable();
+    const auto* outlet = cls ? cls->outlet(u"tableView") : nullptr;
+    return outlet ? std::dynamic_pointer_cast<NSTableView>(outlet->object(*m_pane)) : nullptr;
+}
+
+} // namespace app

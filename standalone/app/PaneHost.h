@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <AppKit/NSTableView.h>
+#include <PreferencePanes/NSPreferencePane.h>
+#include <host/Imprinter.h>
+
+namespace app {
+
+/// Loads a settings pane from its bundle and sends it the messages of its life, in their order.
+///
+/// It knows the pane by the vocabulary alone: the messages of NSPreferencePane, and the outlets and keys of its class
+/// table.
+class PaneHost {
+public:
+    /// Null, with the reason in `error`, where the bundle cannot be loaded.
+    static std::unique_ptr<PaneHost> load(const std::filesystem::path& bundle, std::string& error);
+
+    const std::shared_ptr<platform::NSView>& view() const { return m_pane->mainView(); }
+    platform::NSPreferencePane& pane() { return *m_pane; }
+    std::shared_ptr<host::ImprinterConfiguration> currentConfiguration() const;
+
+    /// Around putting the view into a window.
+    void willShow() { m_pane->willSelect(); }
+    void didShow() { m_pane->didSelect(); }
+
+    /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO where an edit or the
+    /// pane refused.
+    bool leave();
+    /// After the view was taken out.
+    void didLeave() { m_pane->didUnselect(); }
+
+    /// After the model was changed under the open pane: shows the list anew and reads the current configuration again.
+    void refresh(const host::Imprinter& imprinter);
+
+    /// The pane's table of configurations, or null.
+    std::shared_ptr<platform::NSTableView> table() const;
+
+private:
+    PaneHost() = default;
+    std::shared_ptr<platform::NSPreferencePane> m_pane;
+};
+
+} // namespace app

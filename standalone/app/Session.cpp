@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "Session.h"
+
+#include <Foundation/NSUserDefaults.h>
+
+namespace app {
+
+Session::Session(const std::filesystem::path& store)
+    : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model) {
+    m_model->setConfigurations(m_loaded.configurations);
+    m_model->setSaver([this](const model::ImprinterModel& saved) {
+        const auto failure = m_store.save(saved);
+        m_saveFailed = failure.has_value();
+        if (failure && m_onSaveFailure)
+            m_onSaveFailure(*failure);
+    });
+    m_model->setStamper([this](const std::optional<host::NSURL>& sample,
+                               const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                               host::NSInteger) -> std::optional<host::NSURL> {
+        if (!m_previews || !sample || !configuration)
+            return std::nullopt;
+        const auto picture = m_preview.stamp(sample->path(), configuration);
+        return picture ? std::optional(host::NSURL::fileURLWithPath(*picture)) : std::nullopt;
+    });
+
+    // Nothing is stamped in place unless somebody chose it.
+    auto& defaults = platform::NSUserDefaults::standardUserDefaults();
+    if (!defaults.stringForKey(u"ImprinterDuplicateRecord"))
+        defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
+}
+
+} // namespace app

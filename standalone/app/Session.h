@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <engine/Preview.h>
+#include <model/HostClasses.h>
+#include <store/Store.h>
+
+#include <QString>
+
+namespace app {
+
+/// The model of one run of the program, tied to its store and to the preview.
+class Session {
+public:
+    explicit Session(const std::filesystem::path& store);
+
+    model::ImprinterModel& model() { return *m_model; }
+    const std::vector<store::Failure>& messages() const { return m_loaded.messages; }
+
+    /// Told about a save that failed; the pane's own messages carry no errors.
+    void setOnSaveFailure(std::function<void(const store::Failure&)> tell) { m_onSaveFailure = std::move(tell); }
+    /// Whether the last save failed.
+    bool hasUnsaved() const { return m_saveFailed; }
+
+    /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
+    void allowPreviews() { m_previews = true; }
+
+private:
+    store::Store m_store;
+    store::LoadResult m_loaded;
+    std::shared_ptr<model::ImprinterModel> m_model;
+    model::HostClasses m_classes;
+    engine::Preview m_preview;
+    std::function<void(const store::Failure&)> m_onSaveFailure;
+    bool m_previews = false;
+    bool m_saveFailed = false;
+};
+
+} // namespace app

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+
+namespace app {
+
+/// Opens the window on the configurations in `store` and runs until it is closed. Answers the program's exit status.
+int runWindow(int& argc, char** argv, const std::filesystem::path& store);
+
+/// Leaves pictures in `folder`, made if it is not there: each page of the pane, the stamped sample page and a stamped
+/// PDF; prints their paths. Answers the program's exit status.
+int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder);
+
+} // namespace app

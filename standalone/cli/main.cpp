@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "Commands.h"
+
+#include <app/Window.h>
+#include <store/Store.h>
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::filesystem::path store = store::Store::defaultPath();
+    if (arguments.size() >= 2 && arguments[0] == "--store") {
+        store = arguments[1];
+        arguments.erase(arguments.begin(), arguments.begin() + 2);
+    }
+    try {
+        if (arguments.empty())
+            return app::runWindow(argc, argv, store);
+        const auto command = arguments.front();
+        arguments.erase(arguments.begin());
+        if (command == "list")
+            return cli::list(store, arguments);
+        if (command == "stamp")
+            return cli::stamp(store, arguments);
+        if (command == "pictures" && arguments.size() == 1)
+            return app::drawPictures(argc, argv, store, arguments.front());
+        if (command == "--help" || command == "-h" || command == "help") {
+            std::cout << cli::helpText;
+            return cli::done;
+        }
+        if (command == "--version") {
+            std::cout << "imprinter " IMPRINTER_VERSION "\n";
+            return cli::done;
+        }
+        std::cerr << "imprinter: unknown command \"" << command << "\"; `imprinter --help` shows what there is\n";
+        return cli::usage;
+    } catch (const std::exception& exception) {
+        std::cerr << "imprinter: " << exception.what() << '\n';
+        return cli::failed;
+    }
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace engine {
+
+/// What a page's content leaves open at its end, and what it closes without having opened it.
+struct ContentBalance {
+    std::size_t openStates = 0;               ///< `q` without `Q`
+    std::vector<std::size_t> surplusRestores; ///< Offsets of each `Q` without `q`.
+    bool openText = false;                    ///< `BT` without `ET`
+    std::size_t openMarks = 0;                ///< `BMC` or `BDC` without `EMC`
+};
+
+/// Counts the operators of a decoded content stream. Strings, comments and the data of inline images are passed over.
+ContentBalance scanContent(std::string_view content);
+
+} // namespace engine

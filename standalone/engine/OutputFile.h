@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+
+namespace engine {
+
+/// A file written aside, in the folder of its final place, under a name nobody else uses; it takes its place when it is
+/// whole and on the disk. Without `commit` nothing of it remains. Errors are std::system_error.
+class OutputFile {
+public:
+    /// `target` may be a symbolic link, whose file is then replaced. A replaced file's permissions are kept.
+    explicit OutputFile(const std::filesystem::path& target);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// For writers that want a stream. Stays with this object.
+    std::FILE* stream() const { return m_stream; }
+    void write(std::string_view bytes);
+
+    /// With `durable` the file is on the disk before it takes its place.
+    void commit(bool durable = true);
+
+private:
+    std::filesystem::path m_target;
+    std::filesystem::path m_aside;
+    std::FILE* m_stream = nullptr;
+};
+
+/// Whether both names lead to one existing file.
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
+} // namespace engine

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include "PdfFonts.h"
+
+#include "CompactFont.h"
+#include "PdfText.h"
+
+#include <harfbuzz/hb-ot.h>
+#include <harfbuzz/hb-subset.h>
+
+#include <algorithm>
+
+namespace engine {
+
+namespace {
+
+template <class T, void (*release)(T*)>
+struct Release {
+    void operator()(T* object) const { release(object); }
+};
+using Input = std::unique_ptr<hb_subset_input_t, Release<hb_subset_input_t, hb_subset_input_destroy>>;
+using Plan = std::unique_ptr<hb_subset_plan_t, Release<hb_subset_plan_t, hb_subset_plan_destroy>>;
+using FacePointer = std::unique_ptr<hb_face_t, Release<hb_face_t, hb_face_destroy>>;
+using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_t, hb_blob_destroy>>;
+
+std::string_view bytesOf(const Blob& blob) {
+    unsigned length = 0;
+    const char* const data = hb_blob_get_data(blob.get(), &length);
+    return {data, length};
+}
+
+/// The font program and the code of each glyph in it.
+struct Program {
+    std::string bytes;
+    std::map<std::uint32_t, unsigned> codes;
+};
+
+/// Fixes the axes of a variable file where the instance has them.
+void pinAxes(hb_subset_input_t* input, const Face& face) {
+    const unsigned count = hb_ot_var_get_axis_count(face.face());
+    if (count == 0)
+        return;
+    std::vector<hb_ot_var_axis_info_t> axes(count);
+    unsigned filled = count;
+    hb_ot_var_get_axis_infos(face.face(), 0, &filled, axes.data());
+    std::vector<float> coordinates(count);
+    for (unsigned i = 0; i < count; ++i)
+        coordinates[i] = axes[i].default_value;
+    filled = count;
+    if (face.isInstance())
+        hb_ot_var_named_instance_get_design_coords(face.face(), (face.index() >> 16) - 1, &filled, coordinates.data());
+    for (unsigned i = 0; i < count; ++i)
+        hb_subset_input_pin_axis_location(input, face.face(), axes[i].tag, coordinates[i]);
+}
+
+std::optional<Program> subset(const Face& face, const std::map<std::uint32_t, std::u16string>& glyphs) {
+    const Input input(hb_subset_input_create_or_fail());
+    if (!input)
+        return std::nullopt;
+    hb_set_t* const wanted = hb_subset_input_glyph_set(input.get());
+    for (const auto& [glyph, text] : glyphs)
+        hb_set_add(wanted, glyph);
+    // The document says itself what these tables know.
+    hb_set_t* const dropped = hb_subset_input_set(input.get(), HB_SUBSET_SETS_DROP_TABLE_TAG);
+    for (const char* name : {"GSUB", "GPOS", "GDEF", "BASE", "MATH", "cmap", "name", "post", "OS/2", "STAT", "meta",
+                             "kern", "gasp", "VORG", "vhea", "vmtx", "COLR", "CPAL", "DSIG"})
+        hb_set_add(dropped, hb_tag_from_string(name, 4));
+    hb_subset_input_set_flags(input.get(), HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+    pinAxes(input.get(), face);
+
+    const Plan plan(hb_subset_plan_create_or_fail(face.face(), input.get()));
+    if (!plan)
+        return std::nullopt;
+    const FacePointer small(hb_subset_plan_execute_or_fail(plan.get()));
+    if (!small)
+        return std::nullopt;
+    const hb_map_t* const numbers = hb_subset_plan_old_to_new_glyph_mapping(plan.get());
+    Program program;
+    std::vector<unsigned> identifiers;
+    if (face.isCompact()) {
+        const Blob table(hb_face_reference_table(small.get(), HB_TAG('C', 'F', 'F', ' ')));
+        program.bytes = bytesOf(table);
+        auto found = compactFontIdentifiers(program.bytes, hb_face_get_glyph_count(small.get()));
+        if (!found)
+            return std::nullopt;
+        identifiers = std::move(*found);
+    } else {
+        const Blob whole(hb_face_reference_blob(small.get()));
+        program.bytes = bytesOf(whole);
+        const Blob outlines(hb_face_reference_table(small.get(), HB_TAG('l', 'o', 'c', 'a')));
+        if (bytesOf(outlines).empty())
+            return std::nullopt;
+    }
+    for (const auto& [glyph, text] : glyphs) {
+        const auto number = hb_map_get(numbers, glyph);
+        if (number == HB_MAP_VALUE_INVALID)
+            return std::nullopt;
+        program.codes[glyph] = number < identifiers.size() ? identifiers[number] : number;
+    }
+    return program;
+}
+
+/// Six capitals that depend on face and glyphs only.
+std::string subsetTag(const PdfFonts::Font& font) {
+    std::uint64_t hash = 14695981039346656037ULL; // FNV-1a
+    const auto mix = [&](std::uint64_t value) { hash = (hash ^ value) * 1099511628211ULL; };
+    for (const char c : font.face->postScriptName())
+        mix(static_cast<unsigned char>(c));
+    for (const auto& [glyph, text] : font.glyphs)
+        mix(glyph);
+    std::string tag;
+    for (int i = 0; i < 6; ++i) {
+        tag += static_cast<char>('A' + hash % 26);
+        hash /= 26;
+    }
+    return tag;
+}
+
+std::string toUnicode(const PdfFonts::Font& font) {
+    std::map<unsigned, std::u16string_view> texts;
+    for (const auto& [glyph, text] : font.glyphs)
+        if (!text.empty())
+            texts.emplace(font.codes.at(glyph), text);
+    std::string map = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
+                      "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+                      "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
+                      "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+    std::size_t left = texts.size();
+    std::size_t inGroup = 0;
+    for (const auto& [code, text] : texts) {
+        if (inGroup == 0) {
+            inGroup = std::min<std::size_t>(left, 100); // the most a group may have
+            map += std::to_string(inGroup) + " beginbfchar\n";
+        }
+        map += '<';
+        appendCodeHex(map, code);
+        map += "> <";
+        appendUtf16Hex(map, text);
+        map += ">\n";
+        --left;
+        if (--inGroup == 0)
+            map += "endbfchar\n";
+    }
+    return map + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
+}
+
+QPDFObjectHandle real(double value) {
+    std::string text;
+    appendNumber(text, value);
+    return text.find('.') == std::string::npos ? QPDFObjectHandle::newInteger(std::stoll(text))
+                                               : QPDFObjectHandle::newReal(text);
+}
+
+QPDFObjectHandle writeFont(QPDF& document, const PdfFonts::Font& font, const std::string& program) {
+    const Face& face = *font.face;
+    const double perMille = 1000.0 / face.unitsPerEm();
+    const auto name = QPDFObjectHandle::newName("/" + subsetTag(font) + "+" + face.postScriptName());
+
+    auto file = document.newStream(program);
+    if (face.isCompact())
+        file.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/CIDFontType0C"));
+    else
+        file.getDict().replaceKey("/Length1", QPDFObjectHandle::newInteger(static_cast<long long>(program.size())));
+
+    Box bounds{0, -face.descent(), 0, face.ascent()};
+    std::map<unsigned, double> widths;
+    for (const auto& [glyph, code] : font.codes) {
+        widths[code] = face.advance(glyph) * perMille;
+        hb_glyph_extents_t extents{};
+        if (!hb_font_get_glyph_extents(face.font(), glyph, &extents))
+            continue;
+        bounds.llx = std::min(bounds.llx, static_cast<double>(extents.x_bearing));
+        bounds.urx = std::max(bounds.urx, static_cast<double>(extents.x_bearing + extents.width));
+        bounds.ury = std::max(bounds.ury, static_cast<double>(extents.y_bearing));
+        bounds.lly = std::min(bounds.lly, static_cast<double>(extents.y_bearing + extents.height));
+    }
+
+    auto descriptor = QPDFObjectHandle::parse("<< /Type /FontDescriptor /Flags 4 /StemV 80 >>");
+    descriptor.replaceKey("/FontName", name);
+    auto box = QPDFObjectHandle::newArray();
+    for (const double value : {bounds.llx, bounds.lly, bounds.urx, bounds.ury})
+        box.appendItem(real(value * perMille));
+    descriptor.replaceKey("/FontBBox", box);
+    descriptor.replaceKey("/ItalicAngle", real(hb_style_get_value(face.font(), HB_STYLE_TAG_SLANT_ANGLE)));
+    descriptor.replaceKey("/Ascent", real(face.ascent() * perMille));
+    descriptor.replaceKey("/Descent", real(-face.descent() * perMille));
+    hb_position_t capHeight = 0;
+    hb_ot_metrics_get_position_with_fallback(face.font(), HB_OT_METRICS_TAG_CAP_HEIGHT, &capHeight);
+    descriptor.replaceKey("/CapHeight", real(capHeight * perMille));
+    descriptor.replaceKey(face.isCompact() ? "/FontFile3" : "/FontFile2", file);
+
+    auto descendant = QPDFObjectHandle::parse(
+        "<< /Type /Font /CIDSystemInfo << /Registry (Adobe) /Ordering (Identity) /Supplement 0 >> /DW 0 >>");
+    descendant.replaceKey("/Subtype", QPDFObjectHandle::newName(face.isCompact() ? "/CIDFontType0" : "/CIDFontType2"));
+    descendant.replaceKey("/BaseFont", name);
+    descendant.replaceKey("/FontDescriptor", document.makeIndirectObject(descriptor));
+    if (!face.isCompact())
+        descendant.replaceKey("/CIDToGIDMap", QPDFObjectHandle::newName("/Identity"));
+    auto widthArray = QPDFObjectHandle::newArray();
+    for (auto width = widths.begin(); width != widths.end();) {
+        widthArray.appendItem(QPDFObjectHandle::newInteger(width->first));
+        auto list = QPDFObjectHandle::newArray();
+        for (unsigned code = width->first; width != widths.end() && width->first == code; ++width, ++code)
+            list.appendItem(real(width->second));
+        widthArray.appendItem(list);
+    }
+    descendant.replaceKey("/W", widthArray);
+
+    auto result = QPDFObjectHandle::parse("<< /Type /Font /Subtype /Type0 /Encoding /Identity-H >>");
+    result.replaceKey("/BaseFont", name);
+    auto descendants = QPDFObjectHandle::newArray();
+    descendants.appendItem(document.makeIndirectObject(descendant));
+    result.replaceKey("/DescendantFonts", descendants);
+    result.replaceKey("/ToUnicode", document.newStream(toUnicode(font)));
+    return document.makeIndirectObject(result);
+}
+
+} // namespace
+
+void PdfFonts::collect(const Stamp& stamp) {
+    for (const auto& shape : stamp.shapes) {
+        const auto* run = std::get_if<GlyphRun>(&shape);
+        if (!run)
+            continue;
+        auto& font = m_fonts[run->face.get()];
+        font.face = run->face;
+        const auto& glyphs = run->glyphs;
+        for (std::size_t i = 0; i < glyphs.size(); ++i) {
+            // A glyph that shares its cluster with others stands for no text of its own.
+            const bool alone = !glyphs[i].text.empty() && (i + 1 == glyphs.size() || !glyphs[i + 1].text.empty());
+            auto& text = font.glyphs[glyphs[i].glyph];
+            if (alone && text.empty())
+                text = glyphs[i].text;
+        }
+    }
+}
+
+void PdfFonts::embed(QPDF& document, std::set<std::string>& sentences) {
+    // By name, so that the same job numbers its fonts alike.
+    std::vector<Font*> order;
+    for (auto& [face, font] : m_fonts)
+        order.push_back(&font);
+    std::sort(order.begin(), order.end(), [](const Font* a, const Font* b) {
+        return std::pair(a->face->file(), a->face->index()) < std::pair(b->face->file(), b->face->index());
+    });
+    std::size_t number = 0;
+    for (auto* font : order) {
+        const auto program = font->face->mayBeEmbedded() ? subset(*font->face, font->glyphs) : std::nullopt;
+        if (!program) {
+            sentences.insert("The font \"" + font->face->postScriptName() +
+                             "\" may not be embedded; its text is drawn as outlines and cannot be searched.");
+            m_fonts.erase(font->face.get());
+            continue;
+        }
+        font->resourceName = "/F" + std::to_string(number++);
+        font->codes = program->codes;
+        font->object = writeFont(document, *font, program->bytes);
+    }
+}
+
+const PdfFonts::Font* PdfFonts::fontFor(const Face& face) const {
+    const auto found = m_fonts.find(&face);
+    return found == m_fonts.end() ? nullptr : &found->second;
+}
+
+QPDFObjectHandle PdfFonts::resources() const {
+    auto dictionary = QPDFObjectHandle::newDictionary();
+    for (const auto& [face, font] : m_fonts)
+        dictionary.replaceKey(font.resourceName, font.object);
+    return dictionary;
+}
+
+} // namespace engine

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "StampPlan.h"
+
+#include <engine/Outcome.h>
+#include <engine/Placement.h>
+
+#include <functional>
+#include <stdexcept>
+#include <string_view>
+
+namespace engine {
+
+/// What ends the work on a file: a code and a sentence for people.
+class Failure : public std::runtime_error {
+public:
+    Failure(Code code, const std::string& sentence) : std::runtime_error(sentence), m_code(code) {}
+    Code code() const { return m_code; }
+
+private:
+    Code m_code;
+};
+
+/// What a run stamps onto a picture, in order: each stamp with its way to the page as shown.
+struct PicturePart {
+    std::shared_ptr<const Stamp> stamp;
+    Matrix shownFromStamp;
+};
+using PictureParts = std::vector<PicturePart>;
+
+/// The parts for a picture of this geometry.
+using PartsFor = std::function<PictureParts(const PictureGeometry&)>;
+
+bool isPng(std::string_view bytes);
+bool isJpeg(std::string_view bytes);
+
+/// The orientation tag of a TIFF structure as Exif embeds it; 1 where it has none or is broken.
+int exifOrientation(std::string_view tiff);
+/// Its resolution in pixels an inch, horizontal and vertical; 0 where it has none.
+std::pair<double, double> exifResolution(std::string_view tiff);
+
+/// The file's bytes with the stamps painted in. A picture keeps its depth, resolution, profile, orientation and texts,
+/// and its colour model where that can show the stamps' colours. Throws `Failure`.
+std::string stampPng(std::string_view file, const PartsFor& partsFor);
+
+/// Throws `Failure` for a picture of more than `kLargestPicture` pixels or with an empty side.
+void checkSize(long long width, long long height);
+
+} // namespace engine

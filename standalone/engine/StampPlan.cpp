@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "StampPlan.h"
+
+#include <Foundation/NSString.h>
+
+#include <algorithm>
+
+namespace engine {
+
+namespace {
+
+using Configurations = std::vector<std::shared_ptr<host::ImprinterConfiguration>>;
+
+void collect(const Configurations& configurations, std::vector<const host::ImprinterConfiguration*>& above,
+             FaceLibrary& faces, Report& report, std::vector<StampPlan>& plans) {
+    for (const auto& configuration : configurations) {
+        if (!configuration)
+            continue;
+        if (!configuration->combinedConfiguration()) {
+            plans.push_back({platform::toUtf8(configuration->uniqueID()), readAppearance(*configuration, faces, report),
+                             configuration->position(), configuration->offset(), configuration->rotation(),
+                             configuration->occurance(), configuration->customOccurance()});
+            continue;
+        }
+        const auto members = configuration->configurations();
+        if (!members || std::find(above.begin(), above.end(), configuration.get()) != above.end())
+            continue;
+        above.push_back(configuration.get());
+        collect(*members, above, faces, report, plans);
+        above.pop_back();
+    }
+}
+
+} // namespace
+
+std::vector<StampPlan> planStamps(const Configurations& configurations, FaceLibrary& faces, Report& report) {
+    std::vector<StampPlan> plans;
+    std::vector<const host::ImprinterConfiguration*> above;
+    collect(configurations, above, faces, report, plans);
+    return plans;
+}
+
+const std::shared_ptr<const Stamp>& StampCache::stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,
+                                                         Report& report) {
+    auto title = resolveTitle(plan.appearance, facts, report);
+    const auto found = m_stamps.find(title);
+    if (found != m_stamps.end())
+        return found->second;
+    auto stamp = layOut(plan.appearance, title, faces, report);
+    return m_stamps.emplace(std::move(title), std::move(stamp)).first->second;
+}
+
+} // namespace engine

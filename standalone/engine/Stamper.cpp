@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include <engine/Stamper.h>
+
+#include "OutputFile.h"
+#include "PdfStamper.h"
+#include "PictureFile.h"
+#include "StampPlan.h"
+
+#include <engine/PageChoice.h>
+
+#include <Foundation/NSString.h>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <system_error>
+
+namespace engine {
+
+namespace {
+
+enum class Kind { unknown, pdf, png, jpeg };
+
+Kind kindOf(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::string head(1024, '\0');
+    stream.read(head.data(), static_cast<std::streamsize>(head.size()));
+    if (stream.bad() || !stream.is_open())
+        throw Failure(Code::unreadable, "The file cannot be read.");
+    head.resize(static_cast<std::size_t>(stream.gcount()));
+    if (isPng(head))
+        return Kind::png;
+    if (isJpeg(head))
+        return Kind::jpeg;
+    return head.find("%PDF-") != std::string::npos ? Kind::pdf : Kind::unknown;
+}
+
+std::string readWhole(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary | std::ios::ate);
+    const auto size = stream.tellg();
+    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    stream.seekg(0);
+    if (size < 0 || !stream.read(bytes.data(), size))
+        throw Failure(Code::unreadable, "The file cannot be read.");
+    return bytes;
+}
+
+std::u16string accountName() {
+    const auto* account = ::getpwuid(::getuid());
+    if (!account)
+        return {};
+    // The first of the comma-separated personal details is the full name.
+    const std::string full = account->pw_gecos ? account->pw_gecos : "";
+    const auto name = full.substr(0, full.find(','));
+    return platform::fromUtf8(name.empty() ? account->pw_name : name);
+}
+
+Facts factsOf(const StampJob& job) {
+    Facts facts;
+    facts.recordName = job.recordName.empty() ? platform::fromUtf8(job.input.stem().string()) : job.recordName;
+    facts.user = job.user.empty() ? accountName() : job.user;
+    facts.now = job.now;
+    return facts;
+}
+
+std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
+    FaceLibrary faces(job.defaultFont);
+    const auto plans = planStamps(job.configurations, faces, report);
+    const auto facts = factsOf(job);
+    const PartsFor partsFor = [&](const PictureGeometry& geometry) {
+        PictureParts parts;
+        for (const auto& plan : plans) {
+            if (choosePages(plan.occurrence, plan.customPages, 1).empty())
+                continue;
+            const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
+            if (stamp)
+                parts.push_back(
+                    {stamp, placeStamp(stamp->size, shownSize(geometry), plan.anchor, plan.offset, plan.degrees)});
+        }
+        if (parts.empty())
+            throw Failure(Code::nothingToStamp, "There is nothing to stamp on the picture.");
+        return parts;
+    };
+    const auto bytes = readWhole(job.input);
+    if (kind != Kind::png)
+        throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+    const auto stamped = stampPng(bytes, partsFor);
+    if (job.progress && !job.progress(1, 1))
+        throw Failure(Code::cancelled, "The run was cancelled.");
+    OutputFile output(job.output);
+    output.write(stamped);
+    output.commit();
+    return 1;
+}
+
+} // namespace
+
+Outcome stampFile(const StampJob& job) {
+    Report report;
+    Outcome outcome;
+    outcome.path = job.input;
+    try {
+        const auto kind = kindOf(job.input);
+        if (!job.inPlace && isSameFile(job.input, job.output))
+            throw Failure(Code::sameFile, "The output is the same file as the input.");
+        if (kind == Kind::unknown)
+            throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+        outcome.pagesStamped =
+            kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
+        outcome.path = job.output;
+        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
+                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+    } catch (const Failure& failure) {
+        outcome.code = failure.code();
+        outcome.sentence = failure.what();
+    } catch (const std::system_error& error) {
+        outcome.code = Code::cannotWrite;
+        outcome.sentence = "The output cannot be written: " + error.code().message() + ".";
+        outcome.path = job.output;
+    }
+    outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
+    return outcome;
+}
+
+} // namespace engine

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace engine {
+
+enum class Code {
+    ok,
+    unreadable,     ///< The input cannot be opened or read.
+    unsupported,    ///< The input is no kind of file that can be stamped.
+    damaged,        ///< The input is of a known kind, but broken.
+    encrypted,      ///< The password is missing or wrong.
+    notPermitted,   ///< The document forbids changes, and the owner's password was not given.
+    isSigned,       ///< Stamping would break a signature, and the job does not allow that.
+    certified,      ///< The document is certified against any change of its pages.
+    tooLarge,       ///< A picture of more than `kLargestPicture` pixels.
+    nothingToStamp, ///< No page is chosen, or the title is blank.
+    sameFile,       ///< Output and input are one file, and the job does not say in place.
+    cannotWrite,    ///< The output cannot be written.
+    cancelled,      ///< The job's progress function answered no.
+};
+
+/// Pictures of more pixels are refused: decoded with 16 bits a channel such a one takes 800 MB.
+inline constexpr long long kLargestPicture = 100'000'000;
+
+/// How a run ended. Texts are UTF-8.
+struct Outcome {
+    Code code = Code::ok;
+    std::string sentence;              ///< For people; says what went wrong, or what was done.
+    std::filesystem::path path;        ///< The file concerned: the output where all went well.
+    std::vector<std::string> warnings; ///< Sentences for people about a run that worked.
+    std::size_t pagesStamped = 0;
+
+    explicit operator bool() const { return code == Code::ok; }
+};
+
+} // namespace engine

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <engine/Outcome.h>
+#include <host/ImprinterConfiguration.h>
+
+#include <chrono>
+#include <functional>
+
+namespace engine {
+
+/// One file to stamp. Plain values; the configurations are read when the job runs.
+struct StampJob {
+    std::filesystem::path input;
+    /// In an existing folder. A file of this name is replaced, and only when the whole output is safely written.
+    std::filesystem::path output;
+    /// Stamped in order; a combined configuration stands for its members.
+    std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
+
+    std::u16string recordName; ///< What %recordName% stands for; empty: the input's file name without its extension.
+    std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
+    std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
+
+    std::string password;                   ///< The user's or owner's, as bytes; for encrypted documents.
+    bool inPlace = false;                   ///< Output and input may be one file.
+    bool breakSignatures = false;           ///< Stamp signed documents too, which makes their signatures invalid.
+    bool deterministic = false;             ///< The same job gives the same bytes (not for encrypted documents).
+    std::string defaultFont = "DejaVuSans"; ///< PostScript name; see `FaceLibrary`.
+
+    /// Called with pages done and pages in all, from time to time; answering false ends the run without output.
+    std::function<bool(std::size_t, std::size_t)> progress;
+};
+
+/// Stamps PDF documents and PNG and JPEG pictures, told apart by their content; the output is of the input's kind.
+///
+/// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
+/// std::bad_alloc.
+Outcome stampFile(const StampJob& job);
+
+} // namespace engine

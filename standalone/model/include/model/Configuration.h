@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <host/ImprinterConfiguration.h>
+#include <model/FontRun.h>
+
+namespace model {
+
+/// A configuration of the stand-alone host, ordinary or combined. The model owns it; a combined one holds its members.
+///
+/// A new ordinary one has a title of one font run, stands at the top left without offset or rotation on every page, and
+/// has border style 1, 1 point thick, with border and fill switched off, and a fill opacity of 1. A new combined one
+/// has no members and an empty title. What a combined one is told about title, place and appearance it holds as long as
+/// it lives; nothing is stamped or stored of it.
+///
+/// To be used on the main thread only, like the model.
+class Configuration final : public host::ImprinterConfiguration {
+public:
+    /// Told after a change of a value, with the configuration that changed.
+    using ChangeNotice = std::function<void(const std::shared_ptr<Configuration>& configuration)>;
+
+    /// A new one with an identifier of its own: a random UUID, in capitals.
+    static std::shared_ptr<Configuration> make(bool combined);
+    /// A new one that has this identifier already.
+    static std::shared_ptr<Configuration> makeWithID(std::u16string uniqueID, bool combined);
+
+    /// A copy with an identifier of its own. The title's font runs are copied too, the members are shared.
+    std::shared_ptr<Configuration> copy() const;
+
+    std::u16string uniqueID() const override { return m_uniqueID; }
+    std::u16string name() const override { return m_values.name; }
+    void setName(const std::u16string& name) override;
+    bool combinedConfiguration() const override { return m_combined; }
+
+    host::ConfigurationArray configurations() const override;
+    /// A member may be appended more than once. Null, a combined configuration, and whatever is sent to an ordinary one
+    /// is ignored.
+    void addConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& member) override;
+    /// Afterwards it is no member, however often it was appended.
+    void deleteConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& member) override;
+
+    /// Numbered as the last run of the title as it stands, so that its name is a new one.
+    std::shared_ptr<host::ImprinterFont> createFontToken() override;
+
+    host::NSInteger duplicateRecord() const override { return m_values.duplicateRecord; }
+    void setDuplicateRecord(host::NSInteger code) override;
+    /// What was set, nil included.
+    host::NSArray<host::TitleToken> titleTokens() const override { return m_values.titleTokens; }
+    void setTitleTokens(const host::NSArray<host::TitleToken>& tokens) override;
+
+    host::NSInteger position() const override { return m_values.position; }
+    void setPosition(host::NSInteger anchor) override;
+    host::NSPoint offset() const override { return m_values.offset; }
+    void setOffset(host::NSPoint offset) override;
+    double rotation() const override { return m_values.rotation; }
+    void setRotation(double degrees) override;
+    host::NSInteger occurance() const override { return m_values.occurance; }
+    void setOccurance(host::NSInteger code) override;
+    std::optional<std::u16string> customOccurance() const override { return m_values.customOccurance; }
+    void setCustomOccurance(const std::u16string& pages) override;
+
+    bool borderEnabled() const override { return m_values.borderEnabled; }
+    void setBorderEnabled(bool enabled) override;
+    host::NSInteger borderStyle() const override { return m_values.borderStyle; }
+    void setBorderStyle(host::NSInteger style) override;
+    double borderThickness() const override { return m_values.borderThickness; }
+    void setBorderThickness(double points) override;
+    std::shared_ptr<const host::NSColor> borderColour() const override { return m_values.borderColour; }
+    void setBorderColour(const std::shared_ptr<const host::NSColor>& colour) override;
+    bool fillEnabled() const override { return m_values.fillEnabled; }
+    void setFillEnabled(bool enabled) override;
+    std::shared_ptr<const host::NSColor> fillColour() const override { return m_values.fillColour; }
+    void setFillColour(const std::shared_ptr<const host::NSColor>& colour) override;
+    double fillOpacity() const override { return m_values.fillOpacity; }
+    void setFillOpacity(double opacity) override;
+
+    /// Sets whom changes of the configuration and of the runs it made are told to; null for nobody.
+    void setChangeNotice(std::shared_ptr<const ChangeNotice> notice) { m_notice = std::move(notice); }
+    /// Passes a change of one of its font runs on.
+    void changed();
+
+private:
+    struct Values {
+        std::u16string name;
+        host::NSInteger duplicateRecord = 0;
+        host::NSArray<host::TitleToken> titleTokens;
+        host::NSInteger position = 0;
+        host::NSPoint offset;
+        double rotation = 0;
+        host::NSInteger occurance = 0;
+        std::optional<std::u16string> customOccurance;
+        bool borderEnabled = false;
+        host::NSInteger borderStyle = 1;
+        double borderThickness = 1;
+        std::shared_ptr<const host::NSColor> borderColour;
+        bool fillEnabled = false;
+        std::shared_ptr<const host::NSColor> fillColour;
+        double fillOpacity = 1;
+    };
+
+    Configuration(std::u16string uniqueID, bool combined);
+    std::shared_ptr<Configuration> self();
+    template <class T>
+    void set(T& member, const T& value);
+
+    std::u16string m_uniqueID;
+    bool m_combined;
+    std::vector<std::shared_ptr<host::ImprinterConfiguration>> m_members;
+    mutable host::ConfigurationArray m_handedOut; // made when first asked for after a change of the members
+    Values m_values;
+    std::shared_ptr<const ChangeNotice> m_notice;
+};
+
+} // namespace model

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <Foundation/NSClass.h>
+#include <Foundation/NSString.h>
+#include <host/VelImprinterPlugin.h>
+
+#include <string>
+#include <vector>
+
+namespace testing_support {
+
+/// The messages a host has received, in order, as "receiver message argument".
+using MessageLog = std::vector<std::string>;
+
+/// A configuration that honours the contract and records every message.
+class RecordingConfiguration : public host::ImprinterConfiguration {
+public:
+    RecordingConfiguration(MessageLog& log, std::u16string id, bool combined)
+        : m_log(log), m_id(std::move(id)), m_combined(combined), m_name(m_id) {}
+
+    // What a test sets and reads without a record.
+    struct Values {
+        host::NSInteger duplicateRecord = 0;
+        host::NSInteger position = 0;
+        host::NSPoint offset;
+        double rotation = 0;
+        host::NSInteger occurance = 0;
+        std::optional<std::u16string> customOccurance;
+    };
+    Values values;
+    /// Runs when the pane asks whether this is a combined configuration, the first thing it asks on switching to it.
+    std::function<void()> onSwitch;
+
+    std::u16string uniqueID() const override { return note("uniqueID"), m_id; }
+    std::u16string name() const override { return note("name"), m_name; }
+    void setName(const std::u16string& name) override { note("setName " + platform::toUtf8(name)), m_name = name; }
+    bool combinedConfiguration() const override {
+        note("combinedConfiguration");
+        if (onSwitch)
+            onSwitch();
+        return m_combined;
+    }
+    host::ConfigurationArray configurations() const override { return note("configurations"), m_members; }
+    void addConfiguration(const std::shared_ptr<host::ImprinterConfiguration>&) override { note("addConfiguration"); }
+    void deleteConfiguration(const std::shared_ptr<host::ImprinterConfiguration>&) override {
+        note("deleteConfiguration");
+    }
+    std::shared_ptr<host::ImprinterFont> createFontToken() override { return note("createFontToken"), nullptr; }
+    host::NSInteger duplicateRecord() const override { return note("duplicateRecord"), values.duplicateRecord; }
+    void setDuplicateRecord(host::NSInteger code) override {
+        note("setDuplicateRecord " + std::to_string(code)), values.duplicateRecord = code;
+    }
+    host::NSArray<host::TitleToken> titleTokens() const override { return note("titleTokens"), m_titleTokens; }
+    void setTitleTokens(const host::NSArray<host::TitleToken>& tokens) override {
+        note("setTitleTokens"), m_titleTokens = tokens;
+    }
+    host::NSInteger position() const override { return note("position"), values.position; }
+    void setPosition(host::NSInteger anchor) override {
+        note("setPosition " + std::to_string(anchor)), values.position = anchor;
+    }
+    host::NSPoint offset() const override { return note("offset"), values.offset; }
+    void setOffset(host::NSPoint offset) override { note("setOffset"), values.offset = offset; }
+    double rotation() const override { return note("rotation"), values.rotation; }
+    void setRotation(double degrees) override { note("setRotation"), values.rotation = degrees; }
+    host::NSInteger occurance() const override { return note("occurance"), values.occurance; }
+    void setOccurance(host::NSInteger code) override {
+        note("setOccurance " + std::to_string(code)), values.occurance = code;
+    }
+    std::optional<std::u16string> customOccurance() const override {
+        return note("customOccurance"), values.customOccurance;
+    }
+    void setCustomOccurance(const std::u16string& pages) override {
+        note("setCustomOccurance " + platform::toUtf8(pages)), values.customOccurance = pages;
+    }
+    bool borderEnabled() const override { return note("borderEnabled"), false; }
+    void setBorderEnabled(bool) override { note("setBorderEnabled"); }
+    host::NSInteger borderStyle() const override { return note("borderStyle"), 1; }
+    void setBorderStyle(host::NSInteger) override { note("setBorderStyle"); }
+    double borderThickness() const override { return note("borderThickness"), 1; }
+    void setBorderThickness(double) override { note("setBorderThickness"); }
+    std::shared_ptr<const host::NSColor> borderColour() const override { return note("borderColour"), nullptr; }
+    void setBorderColour(const std::shared_ptr<const host::NSColor>&) override { note("setBorderColour"); }
+    bool fillEnabled() const override { return note("fillEnabled"), false; }
+    void setFillEnabled(bool) override { note("setFillEnabled"); }
+    std::shared_ptr<const host::NSColor> fillColour() const override { return note("fillColour"), nullptr; }
+    void setFillColour(const std::shared_ptr<const host::NSColor>&) override { note("setFillColour"); }
+    double fillOpacity() const override { return note("fillOpacity"), 1; }
+    void setFillOpacity(double) override { note("setFillOpacity"); }
+
+private:
+    void note(const std::string& message) const { m_log.push_back(platform::toUtf8(m_id) + " " + message); }
+
+    MessageLog& m_log;
+    std::u16string m_id;
+    bool m_combined;
+    std::u16string m_name;
+    host::ConfigurationArray m_members;
+    host::NSArray<host::TitleToken> m_titleTokens;
+};
+
+/// A host that honours the contract and records every message.
+class RecordingImprinter final : public host::Imprinter {
+public:
+    explicit RecordingImprinter(MessageLog& log) : m_log(log) {}
+
+    /// nil until a test sets a list.
+    void setList(std::vector<std::shared_ptr<RecordingConfiguration>> list) {
+        m_list = std::make_shared<std::vector<std::shared_ptr<host::ImprinterConfiguration>>>(list.begin(), list.end());
+    }
+    void setNilList() { m_list.reset(); }
+    void setStampResult(std::optional<host::NSURL> url) { m_stampResult = std::move(url); }
+
+    host::ConfigurationArray configurations() const override { return note("configurations"), m_list; }
+    std::shared_ptr<host::ImprinterConfiguration> configurationForID(const std::u16string& uniqueID) const override {
+        note("configurationForID " + platform::toUtf8(uniqueID));
+        const MessageLog before = m_log;
+        std::shared_ptr<host::ImprinterConfiguration> found;
+        for (std::size_t i = 0; m_list && i < m_list->size() && !found; ++i)
+            if ((*m_list)[i]->uniqueID() == uniqueID)
+                found = (*m_list)[i];
+        m_log = before;
+        return found;
+    }
+    std::shared_ptr<host::ImprinterConfiguration> createConfiguration(bool) override {
+        return note("createConfiguration"), nullptr;
+    }
+    std::shared_ptr<host::ImprinterConfiguration> duplicateConfigurationAtIndex(host::NSInteger) override {
+        return note("duplicateConfigurationAtIndex"), nullptr;
+    }
+    host::NSUInteger indexOfConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& wanted) const override {
+        note("indexOfConfiguration");
+        return platform::indexOfObject(m_list, wanted);
+    }
+    void deleteConfigurationAtIndex(host::NSUInteger) override { note("deleteConfigurationAtIndex"); }
+    void moveConfigurationAtIndexTo(host::NSUInteger, host::NSUInteger) override { note("moveConfigurationAtIndexTo"); }
+    void saveConfigurations() override { note("saveConfigurations"); }
+    host::ConfigurationArray nonCombinedConfigurations() const override {
+        return note("nonCombinedConfigurations"), m_list;
+    }
+    std::optional<host::NSURL>
+    imprintFileAtURLWithIndex(const std::optional<host::NSURL>& url,
+                              const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                              host::NSInteger index) override {
+        note("imprintFileAtURLWithIndex " + (url ? url->path().filename().string() : "nil") + " " +
+             (configuration ? nameOf(*configuration) : "nil") + " " + std::to_string(index));
+        return m_stampResult;
+    }
+
+private:
+    void note(const std::string& message) const { m_log.push_back("imprinter " + message); }
+    std::string nameOf(const host::ImprinterConfiguration& configuration) const {
+        const MessageLog before = m_log;
+        auto id = platform::toUtf8(configuration.uniqueID());
+        m_log = before;
+        return id;
+    }
+
+    MessageLog& m_log;
+    std::shared_ptr<std::vector<std::shared_ptr<host::ImprinterConfiguration>>> m_list;
+    std::optional<host::NSURL> m_stampResult;
+};
+
+/// Registers the recording host under the name that panes look up.
+class RecordingPlugin final : public host::VelImprinterPlugin {
+public:
+    explicit RecordingPlugin(std::shared_ptr<host::Imprinter> imprinter, MessageLog& log)
+        : m_imprinter(std::move(imprinter)), m_log(log) {}
+    std::shared_ptr<host::Imprinter> imprinter() override {
+        m_log.push_back("plugin imprinter");
+        return m_imprinter;
+    }
+    static platform::NSClass describe(const std::shared_ptr<RecordingPlugin>& plugin) {
+        platform::NSClass description;
+        description.name = u"VelImprinterPlugin";
+        description.classObject = plugin;
+        return description;
+    }
+
+private:
+    std::shared_ptr<host::Imprinter> m_imprinter;
+    MessageLog& m_log;
+};
+
+} // namespace testing_support

@@ -1,0 +1,9 @@
+# The stand-alone host's configurations in memory and on disk.
+
+add_executable(unit_model model_configuration.cpp model_font_run.cpp model_host_classes.cpp model_list.cpp)
+target_link_libraries(unit_model PRIVATE model GTest::gtest_main)
+gtest_discover_tests(unit_model PROPERTIES LABELS unit)
+
+add_executable(unit_store store_damage.cpp store_defaults.cpp store_round_trip.cpp store_saving.cpp store_support.cpp)
+target_link_libraries(unit_store PRIVATE store GTest::gtest_main)
+gtest_discover_tests(unit_store PROPERTIES LABELS unit)

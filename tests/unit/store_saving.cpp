@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include "model_title.h"
+#include "store_support.h"
+
+#include <csignal>
+#include <limits>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+using model::Configuration;
+using store::Code;
+
+mode_t permissionsOf(const std::filesystem::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
+}
+
+class Saving : public StoreTest {
+protected:
+    /// A store that has loaded and saved one configuration, "before".
+    Saving() {
+        configuration->setName(u"before");
+        store.load();
+        EXPECT_EQ(sentenceOf(store.save(*model)), "");
+        saved = content();
+        configuration->setName(u"after");
+    }
+
+    void expectNothingLost() const {
+        EXPECT_EQ(content(), saved);
+        EXPECT_TRUE(othersInFolder().empty()) << "nothing temporary stays behind";
+    }
+
+    const std::shared_ptr<Configuration> configuration = Configuration::make(false);
+    const std::shared_ptr<model::ImprinterModel> model = modelOf({configuration});
+    store::Store store{file};
+    std::string saved;
+};
+
+TEST_F(Saving, ReplacesTheFileAndLeavesNothingElseBehind) {
+    EXPECT_FALSE(store.save(*model));
+    EXPECT_EQ(namesOf(store::Store(file).load().configurations), std::vector<std::string>{"after"});
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(Saving, LeavesOpenReadersTheFileTheyOpened) {
+    const auto link = folder / "link";
+    std::filesystem::create_hard_link(file, link);
+    EXPECT_FALSE(store.save(*model));
+    EXPECT_EQ(readAll(link), saved) << "the old file is replaced, not written into";
+}
+
+TEST_F(Saving, MakesFileAndFoldersForTheUserAlone) {
+    const auto old = ::umask(0);
+    store::Store deep(folder / "data" / "imprinter" / "configurations.json");
+    deep.load();
+    EXPECT_EQ(sentenceOf(deep.save(*model)), "");
+    ::umask(old);
+    EXPECT_EQ(permissionsOf(deep.file()), 0600u);
+    EXPECT_EQ(permissionsOf(folder / "data" / "imprinter"), 0700u);
+    EXPECT_EQ(permissionsOf(folder / "data"), 0700u);
+}
+
+TEST_F(Saving, GoesThroughASymbolicLink) {
+    const auto elsewhere = folder / "elsewhere.json";
+    std::filesystem::rename(file, elsewhere);
+    std::filesystem::create_symlink("elsewhere.json", file);
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_NE(readAll(elsewhere).find("after"), std::string::npos);
+}
+
+TEST_F(Saving, RefusesByNameWhatHasNoFormInAFile) {
+    const auto infinity = std::numeric_limits<double>::infinity();
+    const auto nan = std::numeric_limits<double>::quiet_NaN();
+    const std::u16string half(1, u'\xD83D');
+    struct Case {
+        std::function<void(host::ImprinterConfiguration&)> make;
+        const char* told;
+    };
+    using C = host::ImprinterConfiguration;
+    for (const auto& [make, told] : std::vector<Case>{
+             {[&](C& c) { c.setRotation(nan); }, "The rotation of “x” is not a finite number"},
+             {[&](C& c) {
+                  c.setOffset({infinity, 0});
+              },
+              "The horizontal offset of “x” is not a finite number"},
+             {[&](C& c) {
+                  c.setOffset({0, -infinity});
+              },
+              "The vertical offset of “x” is not a finite number"},
+             {[&](C& c) { c.setBorderThickness(nan); }, "The border thickness of “x” is not a finite number"},
+             {[&](C& c) { c.setFillOpacity(infinity); }, "The fill opacity of “x” is not a finite number"},
+             {[&](C& c) { c.setFillColour(host::NSColor::colorWithWhite(nan, 1)); },
+              "The fill colour of “x” is not a finite number"},
+             {[&](C& c) { c.setBorderColour(host::NSColor::colorWithSRGB(0, 0, infinity, 1)); },
+              "The border colour of “x” is not a finite number"},
+             {[&](C& c) { runAt(c, 0)->setFontSize(nan); }, "The size of font 1 of “x” is not a finite number"},
+             {[&](C& c) { runAt(c, 0)->setStrokeWidth(nan); }, "The stroke width of font 1 of “x” is not a finite"},
+             {[&](C& c) { runAt(c, 0)->setFullFontName(half); }, "The name of font 1 of “x” has half a surrogate pair"},
+             {[&](C& c) { c.setCustomOccurance(half); }, "The page list of “x” has half a surrogate pair"},
+             {[&](C& c) {
+                  c.setTitleTokens(titleOf({u"good", half + u"bad"}));
+              },
+              "The title of “x” has half a surrogate pair"},
+             {[&](C& c) { c.setName(u"x" + half); }, "The name of “x\uFFFD” has half a surrogate pair"},
+             {[&](C& c) { c.setTitleTokens(titleOf(std::vector<host::TitleToken>(10001, u"t"))); },
+              "The title of “x” has more than 10000 tokens"},
+         }) {
+        const auto bad = Configuration::make(false);
+        bad->setName(u"x");
+        make(*bad);
+        const auto failure = store.save(*modelOf({configuration, bad}));
+        ASSERT_TRUE(failure) << told;
+        EXPECT_NE(sentenceOf(failure).find(told), std::string::npos) << sentenceOf(failure);
+        EXPECT_EQ(failure->file, file);
+        EXPECT_TRUE(failure->code == Code::unstorable || failure->code == Code::tooLarge);
+        expectNothingLost();
+    }
+}
+
+TEST_F(Saving, DoesNotMindWhatACombinedConfigurationKeepsInMemoryOnly) {
+    const auto combined = Configuration::make(true);
+    combined->setRotation(std::numeric_limits<double>::infinity());
+    EXPECT_FALSE(store.save(*modelOf({combined})));
+}
+
+TEST_F(Saving, RefusesIdentifiersThatCouldNotBeReadBack) {
+    const auto one = Configuration::makeWithID(u"same", false);
+    const auto other = Configuration::makeWithID(u"SAME", false);
+    for (const auto& bad : {modelOf({one, other}), modelOf({Configuration::makeWithID(u"", false)})}) {
+        const auto failure = store.save(*bad);
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->code, Code::unstorable);
+        expectNothingLost();
+    }
+}
+
+TEST_F(Saving, RefusesMoreThanAFileMayHold) {
+    // Each of them takes six bytes.
+    configuration->setName(std::u16string(std::size_t{11} << 20, u'\x01'));
+    const auto failure = store.save(*model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::tooLarge);
+    EXPECT_EQ(sentenceOf(failure), "The file of configurations would be larger than 64 MiB, and nothing was saved.");
+    expectNothingLost();
+}
+
+TEST_F(Saving, ThatFailsWhileWritingLosesNothingAndCanBeRepeated) {
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit tight{64, old.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+    const auto failure = store.save(*model);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::unwritable);
+    EXPECT_EQ(failure->file, file);
+    EXPECT_NE(sentenceOf(failure).find("could not be saved in “" + file.string() + "” (File too large)"),
+              std::string::npos)
+        << sentenceOf(failure);
+    expectNothingLost();
+    EXPECT_FALSE(store.save(*model));
+}
+
+TEST_F(Saving, IntoAFolderThatCannotBeMadeIsAFailure) {
+    store::Store blocked(folder / "configurations.json" / "imprinter" / "configurations.json");
+    const auto failure = blocked.save(*model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::unwritable);
+    expectNothingLost();
+}
+
+TEST_F(Saving, DoesNotWriteOverWhatAnotherProgramSavedSince) {
+    store::Store other(file);
+    const auto theirs = other.load().configurations;
+    theirs.at(0)->setName(u"theirs");
+    ASSERT_FALSE(other.save(*modelOf(theirs)));
+    saved = content();
+    const auto failure = store.save(*model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::changedElsewhere);
+    expectNothingLost();
+    // After having seen their file we may replace it.
+    EXPECT_EQ(namesOf(store.load().configurations), std::vector<std::string>{"theirs"});
+    EXPECT_FALSE(store.save(*model));
+}
+
+TEST_F(Saving, DoesNotWriteOverAFileThatWasNeverLoaded) {
+    const auto failure = store::Store(file).save(*model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::changedElsewhere);
+    expectNothingLost();
+}
+
+TEST_F(Saving, WritesTheFileAgainWhenItIsGone) {
+    std::filesystem::remove(file);
+    EXPECT_FALSE(store.save(*model));
+    EXPECT_EQ(namesOf(store::Store(file).load().configurations), std::vector<std::string>{"after"});
+}
+
+TEST_F(Saving, IsWhatTheModelAsksItsSaverFor) {
+    std::optional<store::Failure> failure;
+    model->setSaver([&](const model::ImprinterModel& asked) { failure = store.save(asked); });
+    model->saveConfigurations();
+    EXPECT_FALSE(failure);
+    EXPECT_NE(content().find("after"), std::string::npos);
+}
+
+} // namespace

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <store/Store.h>
+
+#include <gtest/gtest.h>
+
+using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
+
+/// A test with a folder of its own, which goes with it.
+class StoreTest : public testing::Test {
+protected:
+    StoreTest();
+    ~StoreTest() override;
+
+    /// Puts `text` in the place of the store's file.
+    void put(const std::string& text) const;
+    std::string content() const;
+    /// The names in the folder but that of the store's file, sorted.
+    std::vector<std::string> othersInFolder() const;
+
+    std::filesystem::path folder;
+    std::filesystem::path file;
+};
+
+/// A document of version 1 with these configurations, each a JSON object.
+std::string documentOf(const std::string& configurations);
+
+std::string readAll(const std::filesystem::path& path);
+
+std::shared_ptr<model::ImprinterModel> modelOf(const Configurations& configurations);
+
+/// The names of the configurations, as UTF-8.
+std::vector<std::string> namesOf(const Configurations& configurations);
+
+/// What people are told, as UTF-8; empty when there is no message.
+std::string sentenceOf(const store::LoadResult& result);
+std::string sentenceOf(const std::optional<store::Failure>& failure);
+
+extern const std::vector<std::string> suppliedNames;
