@@ -66,7 +66,8 @@ NSInteger runAlertModally(const NSAlert& alert) {
     box.setText(qt::toQt(alert.messageText()));
     box.setInformativeText(qt::toQt(alert.informativeText()));
     // Buttons of one role in this arrangement stand from right to left in the order added.
-    box.setStyleSheet(QStringLiteral("QDialogButtonBox { button-layout: 3 } QLabel#qt_msgbox_label { font-weight: bold }"));
+    box.setStyleSheet(
+        QStringLiteral("QDialogButtonBox { button-layout: 3 } QLabel#qt_msgbox_label { font-weight: bold }"));
     std::vector<QAbstractButton*> buttons;
     for (const auto& title : titles)
         buttons.push_back(box.addButton(qt::withoutShortcut(title), QMessageBox::AcceptRole));

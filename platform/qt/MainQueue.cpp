@@ -20,7 +20,8 @@ namespace {
 class EventLoopQueue final : public MainQueue {
 public:
     void async(Block block) override {
-        QMetaObject::invokeMethod(&m_context, [block = std::move(block)] { qt::enter(block); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &m_context, [block = std::move(block)] { qt::enter(block); }, Qt::QueuedConnection);
     }
 
     void after(double seconds, Block block) override {

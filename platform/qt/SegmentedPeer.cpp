@@ -1,55 +1,38 @@
 // SPDX-License-Identifier: MIT
 #include "SegmentedPeer.h"
 
-#include "ButtonPeer.h"
-
-#include <QHBoxLayout>
-
 namespace platform::qt {
-
-SegmentedWidget::SegmentedWidget(QWidget* parent) : QWidget(parent) {
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-}
-
-void SegmentedWidget::setTitles(const QStringList& titles) {
-    for (const auto& title : titles) {
-        auto* button = new ToldButton<QToolButton>(this);
-        button->setText(withoutShortcut(fromQt(title)));
-        button->setCheckable(true);
-        button->setFocusPolicy(Qt::TabFocus);
-        layout()->addWidget(button);
-        m_buttons.push_back(button);
-    }
-}
 
 namespace {
 
 class SegmentsPeer final : public WidgetPeer, public SegmentedPeer {
 public:
-    using WidgetPeer::WidgetPeer;
+    SegmentsPeer(QWidget& widget, const std::vector<QToolButton*>& buttons)
+        : WidgetPeer(widget), m_buttons(buttons.begin(), buttons.end()) {}
 
     void setSelected(NSInteger segment, bool selected) override {
-        const auto* shown = as<SegmentedWidget>();
-        if (shown && segment >= 0 && segment < static_cast<NSInteger>(shown->buttons().size()))
-            shown->buttons()[static_cast<std::size_t>(segment)]->setChecked(selected);
+        const auto& button = m_buttons.at(static_cast<std::size_t>(segment));
+        if (button)
+            button->setChecked(selected);
     }
+
+private:
+    std::vector<QPointer<QToolButton>> m_buttons;
 };
 
 } // namespace
 
-std::unique_ptr<ViewPeer> makeSegmentedPeer(const std::shared_ptr<NSSegmentedControl>& view, SegmentedWidget& widget) {
+std::unique_ptr<ViewPeer> makeSegmentedPeer(const std::shared_ptr<NSSegmentedControl>& view, QWidget& widget,
+                                            const std::vector<QToolButton*>& buttons) {
     const std::weak_ptr<NSSegmentedControl> weak = view;
     NSInteger segment = 0;
-    for (auto* button : widget.buttons()) {
+    for (auto* button : buttons) {
         QObject::connect(button, &QAbstractButton::clicked, button, [weak, segment] {
             enter([&] { tell(weak, &NSSegmentedControl::userTogglesSegment, segment); });
         });
         ++segment;
     }
-    return std::make_unique<SegmentsPeer>(widget);
+    return std::make_unique<SegmentsPeer>(widget, buttons);
 }
 
 } // namespace platform::qt

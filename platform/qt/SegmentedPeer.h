@@ -9,18 +9,8 @@
 
 namespace platform::qt {
 
-/// A row of buttons that touch each other.
-class SegmentedWidget final : public QWidget {
-public:
-    explicit SegmentedWidget(QWidget* parent);
-
-    void setTitles(const QStringList& titles);
-    const std::vector<QToolButton*>& buttons() const { return m_buttons; }
-
-private:
-    std::vector<QToolButton*> m_buttons;
-};
-
-std::unique_ptr<ViewPeer> makeSegmentedPeer(const std::shared_ptr<NSSegmentedControl>& view, SegmentedWidget& widget);
+/// `buttons` are the segments, from the first; one that is not checkable cannot show that it is on.
+std::unique_ptr<ViewPeer> makeSegmentedPeer(const std::shared_ptr<NSSegmentedControl>& view, QWidget& widget,
+                                            const std::vector<QToolButton*>& buttons);
 
 } // namespace platform::qt

@@ -37,7 +37,8 @@ QStyleOptionSpinBox StepperWidget::option() const {
 QSize StepperWidget::sizeHint() const {
     auto measured = option();
     const int height =
-        style()->sizeFromContents(QStyle::CT_SpinBox, &measured, QSize(hiddenText, fontMetrics().height()), this)
+        style()
+            ->sizeFromContents(QStyle::CT_SpinBox, &measured, QSize(hiddenText, fontMetrics().height()), this)
             .height();
     measured.rect = QRect(0, 0, 2 * hiddenText, height);
     const auto up = style()->subControlRect(QStyle::CC_SpinBox, &measured, QStyle::SC_SpinBoxUp, this);
@@ -106,9 +107,8 @@ void StepperWidget::hideEvent(QHideEvent*) {
 }
 
 std::unique_ptr<ViewPeer> makeStepperPeer(const std::shared_ptr<NSStepper>& view, StepperWidget& widget) {
-    widget.setStepped([weak = std::weak_ptr<NSStepper>(view)](int direction) {
-        tell(weak, &NSStepper::userSteps, direction);
-    });
+    widget.setStepped(
+        [weak = std::weak_ptr<NSStepper>(view)](int direction) { tell(weak, &NSStepper::userSteps, direction); });
     return std::make_unique<WidgetPeer>(widget);
 }
 

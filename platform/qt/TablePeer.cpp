@@ -12,24 +12,33 @@
 
 namespace platform::qt {
 
-TableWidget::TableWidget(QWidget* parent) : QTreeView(parent) {
-    setRootIsDecorated(false);
-    setItemsExpandable(false);
-    setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
+TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
+    setShowGrid(false);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setTabKeyNavigation(false);
     setAutoScroll(false);
     setEditTriggers(NoEditTriggers);
-    setSelectionMode(ExtendedSelection);
-    setSelectionBehavior(SelectRows);
     setItemDelegate(new CellDelegate(this));
-    header()->setStretchLastSection(true);
-    header()->setSectionsMovable(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setHighlightSections(false);
 }
 
 void TableWidget::setTable(const std::shared_ptr<NSTableView>& table) {
     m_table = table;
     m_model = new TableModel(table, this);
+    // Whatever an interface file says of these, the view alone selects.
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectRows);
     setModel(m_model);
+}
+
+void TableWidget::showEvent(QShowEvent* event) {
+    QTableView::showEvent(event);
+    enter([this] { tell(m_table, &NSTableView::loadIfNeeded); });
 }
 
 void TableWidget::reload(NSInteger rows) {
@@ -54,7 +63,7 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
 }
 
 void TableWidget::setHeaderBorder(bool border) {
-    header()->setFrameShape(border ? QFrame::StyledPanel : QFrame::NoFrame);
+    horizontalHeader()->setFrameShape(border ? QFrame::StyledPanel : QFrame::NoFrame);
 }
 
 void TableWidget::mousePressEvent(QMouseEvent* event) {
@@ -166,7 +175,8 @@ void TableWidget::step(int direction, bool extend) {
 void TableWidget::selectFromAnchor(NSInteger row) {
     const auto anchor = std::max<NSInteger>(m_anchor, 0);
     NSIndexSet rows;
-    rows.addRange({static_cast<NSUInteger>(std::min(anchor, row)), static_cast<NSUInteger>(std::abs(row - anchor) + 1)});
+    rows.addRange(
+        {static_cast<NSUInteger>(std::min(anchor, row)), static_cast<NSUInteger>(std::abs(row - anchor) + 1)});
     tell(m_table, &NSTableView::userSelects, rows, row);
     m_anchor = anchor;
 }
@@ -249,7 +259,7 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->setHeaderHidden(!visible);
+            table->horizontalHeader()->setVisible(visible);
             table->setHeaderBorder(bottomBorder);
         }
     }

@@ -3,7 +3,7 @@
 
 #include "TableModel.h"
 
-#include <QTreeView>
+#include <QTableView>
 
 namespace platform::qt {
 
@@ -11,7 +11,7 @@ class LineEdit;
 
 /// The rows of a table view. The toolkit selects nothing by itself: what the user wants goes to the view, which then
 /// says what is selected. A cell is renamed in its place.
-class TableWidget final : public QTreeView {
+class TableWidget final : public QTableView {
 public:
     explicit TableWidget(QWidget* parent);
 
@@ -36,6 +36,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyboardSearch(const QString&) override {}
+    void showEvent(QShowEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex&, const QEvent*) const override {
         return QItemSelectionModel::NoUpdate;
     }

@@ -33,6 +33,16 @@ void WidgetPeer::setEnabled(bool enabled) {
     m_widget->setEnabled(enabled);
 }
 
+void WidgetPeer::setToolTip(const std::u16string& text) {
+    if (m_widget)
+        m_widget->setToolTip(toQt(text));
+}
+
+void WidgetPeer::setAccessibilityLabel(const std::u16string& text) {
+    if (m_widget)
+        m_widget->setAccessibleName(toQt(text));
+}
+
 std::shared_ptr<NSWindow> WidgetPeer::window() {
     return m_widget ? windowShowing(*m_widget) : nullptr;
 }

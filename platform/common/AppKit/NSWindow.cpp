@@ -19,8 +19,7 @@ bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
         return m_peer->clearFocus();
     if (!view->acceptsFirstResponder() || !view->peer() || !m_peer->contains(*view->peer()))
         return false;
-    view->peer()->focus();
-    return true;
+    return view->peer()->focus();
 }
 
 void NSWindow::setPeer(std::unique_ptr<WindowPeer> peer) {

@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#include "NibWidgets.h"
+
+#include "ButtonPeer.h"
+#include "ColorWellPeer.h"
+#include "MatrixPeer.h"
+#include "PopUpPeer.h"
+#include "SegmentedPeer.h"
+#include "StepperPeer.h"
+#include "TabPeer.h"
+#include "TablePeer.h"
+#include "TextFieldPeer.h"
+#include "TokenFieldPeer.h"
+
+#include <AppKit/NSPopUpButton.h>
+#include <AppKit/NSTokenField.h>
+#include <Foundation/NSClass.h>
+
+#include <QCheckBox>
+#include <QFile>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QXmlStreamReader>
+
+namespace platform::qt {
+
+namespace {
+
+template <class Widget>
+QWidget* make(QWidget* parent) {
+    return new Widget(parent);
+}
+
+/// A kind's `show` from a function for its own types.
+template <class View, class Widget, auto function>
+void show(const std::shared_ptr<NSView>& view, QWidget& widget, NibText& text) {
+    function(std::static_pointer_cast<View>(view), dynamic_cast<Widget&>(widget), text);
+}
+
+QString withoutMarks(QString text) {
+    const QString pair(QChar(1));
+    return text.replace(QLatin1String("&&"), pair).remove(QLatin1Char('&')).replace(pair, QLatin1String("&"));
+}
+
+void showPlain(const std::shared_ptr<NSView>& view, QWidget& widget, NibText&) {
+    view->setPeer(std::make_unique<WidgetPeer>(widget));
+}
+
+void showLabel(const std::shared_ptr<NSTextField>& view, QLabel& label, NibText& text) {
+    view->setEditable(false);
+    view->setStringValue(text.localized(label.buddy() ? withoutMarks(label.text()) : label.text()));
+    view->setPeer(makeLabelPeer(label));
+}
+
+void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText&) {
+    view->setEditable(!edit.isReadOnly());
+    view->setSendsActionOnEndEditing(edit.property("sendsActionOnEndEditing").toBool());
+    view->setStringValue(fromQt(edit.text()));
+    view->setPeer(makeTextFieldPeer(view, edit));
+}
+
+void showTokens(const std::shared_ptr<NSTokenField>& view, QTextEdit& edit, NibText&) {
+    view->setStringValue(fromQt(edit.toPlainText()));
+    view->setPeer(makeTokenFieldPeer(edit));
+}
+
+void showButton(const std::shared_ptr<NSButton>& view, QAbstractButton& button, NibText& text) {
+    view->setTitle(text.localized(withoutMarks(button.text())));
+    view->setToggles(button.isCheckable());
+    view->setState(button.isChecked() ? NSControlStateValueOn : NSControlStateValueOff);
+    view->setPeer(makeButtonPeer(view, button));
+}
+
+void showStepper(const std::shared_ptr<NSStepper>& view, StepperWidget& widget, NibText&) {
+    const auto number = [&widget](const char* name, double otherwise) {
+        const auto value = widget.property(name);
+        return value.isValid() ? value.toDouble() : otherwise;
+    };
+    view->setRange(number("minValue", view->minValue()), number("maxValue", view->maxValue()));
+    view->setIncrement(number("increment", view->increment()));
+    view->setPeer(makeStepperPeer(view, widget));
+}
+
+void showMatrix(const std::shared_ptr<NSMatrix>& view, QWidget& widget, NibText& text) {
+    std::vector<ChoiceButton*> choices;
+    for (auto* button : widget.findChildren<QRadioButton*>()) {
+        auto* choice = dynamic_cast<ChoiceButton*>(button);
+        if (!choice)
+            continue;
+        const auto tag = choice->property("tag").toLongLong();
+        view->addCell(text.localized(withoutMarks(choice->text())), tag);
+        choices.push_back(choice);
+        if (choice->isChecked())
+            view->selectCellWithTag(tag);
+    }
+    view->setPeer(makeMatrixPeer(view, widget, choices));
+}
+
+void showSegments(const std::shared_ptr<NSSegmentedControl>& view, QWidget& widget, NibText& text) {
+    std::vector<QToolButton*> buttons;
+    for (auto* button : widget.findChildren<QToolButton*>()) {
+        button->setText(withoutShortcut(text.localized(withoutMarks(button->text()))));
+        button->setToolTip(toQt(text.localized(button->toolTip())));
+        button->setAccessibleName(toQt(text.localized(button->accessibleName())));
+        button->setCheckable(true);
+        buttons.push_back(button);
+    }
+    view->setSegmentCount(static_cast<NSInteger>(buttons.size()));
+    for (std::size_t i = 0; i < buttons.size(); ++i)
+        view->setSelectedForSegment(buttons[i]->isChecked(), static_cast<NSInteger>(i));
+    view->setPeer(makeSegmentedPeer(view, widget, buttons));
+}
+
+void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& widget, NibText&) {
+    view->setPeer(makeColorWellPeer(widget));
+}
+
+void showPopUp(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget, NibText&) {
+    view->setPeer(makePopUpPeer(widget));
+}
+
+std::string nameOf(const QWidget& widget) {
+    return widget.objectName().toStdString();
+}
+
+template <class Pages>
+void addPages(const std::shared_ptr<NSTabView>& view, const Pages& pages, NibText& text) {
+    for (int i = 0; i < pages.count(); ++i) {
+        const auto* page = pages.widget(i);
+        const auto identifier = page->property("identifier").toString();
+        if (identifier.isEmpty())
+            text.report(nameOf(*page) + ": the page has no identifier");
+        auto item = std::make_shared<NSTabViewItem>(fromQt(identifier), text.viewOf(page));
+        if constexpr (std::is_base_of_v<QTabWidget, Pages>)
+            item->setLabel(text.localized(withoutMarks(pages.tabText(i))));
+        view->addTabViewItem(item);
+    }
+}
+
+void showTabs(const std::shared_ptr<NSTabView>& view, AskingTabWidget& tabs, NibText& text) {
+    addPages(view, tabs, text);
+    view->setPeer(makeTabPeer(view, tabs));
+}
+
+void showStack(const std::shared_ptr<NSTabView>& view, QStackedWidget& stack, NibText& text) {
+    addPages(view, stack, text);
+    view->setPeer(makeStackPeer(stack));
+}
+
+void showTable(const std::shared_ptr<NSTableView>& view, TableWidget& table, NibText& text) {
+    for (const auto& identifier : table.property("columns").toStringList())
+        view->addTableColumn(std::make_shared<NSTableColumn>(fromQt(identifier)));
+    if (view->tableColumns().empty())
+        text.report(nameOf(table) + ": the table has no columns");
+    for (const auto& cell : table.property("cells").toStringList())
+        view->registerCell(fromQt(cell.section(QLatin1Char(' '), 0, 0)),
+                           fromQt(cell.section(QLatin1Char(' '), 1).trimmed()));
+    view->setAllowsMultipleSelection(table.property("multipleSelection").toBool());
+    if (!table.horizontalHeader()->isHidden())
+        view->setHeaderView(std::make_shared<NSTableHeaderView>());
+    view->setPeer(makeTablePeer(view, table));
+}
+
+using Role = NibKind::Role;
+
+const QHash<QString, NibKind>& kinds() {
+    static const auto table = [] {
+        const NibKind plain{u"NSView", Role::container, nullptr, showPlain};
+        const NibKind label{u"NSTextField", Role::label, nullptr, show<NSTextField, QLabel, showLabel>};
+        const NibKind field{u"NSTextField", Role::control, make<LineEdit>, show<NSTextField, LineEdit, showField>};
+        const NibKind tokens{u"NSTokenField", Role::control, make<QTextEdit>,
+                             show<NSTokenField, QTextEdit, showTokens>};
+        const auto button = [](QWidget* (*makeWidget)(QWidget*)) {
+            return NibKind{u"NSButton", Role::control, makeWidget, show<NSButton, QAbstractButton, showButton>};
+        };
+        const NibKind popUp{u"NSPopUpButton", Role::control, make<PopUpWidget>,
+                            show<NSPopUpButton, PopUpWidget, showPopUp>};
+        const NibKind rows{u"NSTableView", Role::control, make<TableWidget>, show<NSTableView, TableWidget, showTable>};
+        return QHash<QString, NibKind>{
+            {"QWidget", plain},
+            {"QFrame", plain},
+            {"Line", plain},
+            {"QGroupBox", plain},
+            {"QScrollArea", plain},
+            {"QSplitter", plain},
+            {"NSView", {u"NSView", Role::container, make<QWidget>, showPlain}},
+            {"QLabel", label},
+            {"QLineEdit", field},
+            {"NSTextField", field},
+            {"QTextEdit", tokens},
+            {"NSTokenField", tokens},
+            {"QPushButton", button(make<ToldButton<QPushButton>>)},
+            {"NSButton", button(make<ToldButton<QPushButton>>)},
+            {"QToolButton", button(make<ToldButton<QToolButton>>)},
+            {"QCheckBox", button(make<ToldButton<QCheckBox>>)},
+            {"QRadioButton", {nullptr, Role::cell, make<ChoiceButton>, nullptr}},
+            {"QComboBox", popUp},
+            {"NSPopUpButton", popUp},
+            {"QTableView", rows},
+            {"NSTableView", rows},
+            {"NSStepper",
+             {u"NSStepper", Role::control, make<StepperWidget>, show<NSStepper, StepperWidget, showStepper>}},
+            {"NSMatrix", {u"NSMatrix", Role::control, make<QWidget>, show<NSMatrix, QWidget, showMatrix>}},
+            {"NSSegmentedControl",
+             {u"NSSegmentedControl", Role::control, make<QWidget>, show<NSSegmentedControl, QWidget, showSegments>}},
+            {"NSColorWell",
+             {u"NSColorWell", Role::control, make<ColorWellWidget>, show<NSColorWell, ColorWellWidget, showColorWell>}},
+            {"QTabWidget",
+             {u"NSTabView", Role::container, make<AskingTabWidget>, show<NSTabView, AskingTabWidget, showTabs>}},
+            {"QStackedWidget", {u"NSTabView", Role::container, nullptr, show<NSTabView, QStackedWidget, showStack>}},
+        };
+    }();
+    return table;
+}
+
+} // namespace
+
+const NibKind* NibWidgetLoader::kindOf(const QString& className) const {
+    auto name = className;
+    for (int ancestors = 0; ancestors < 16 && !name.isEmpty(); ++ancestors) {
+        if (const auto known = kinds().constFind(name); known != kinds().constEnd())
+            return &*known;
+        const auto* cls = NSClassFromString(fromQt(name));
+        name = cls && !cls->superclassName.empty() ? toQt(cls->superclassName) : m_extends.value(name);
+    }
+    return nullptr;
+}
+
+QWidget* NibWidgetLoader::createWidget(const QString& className, QWidget* parent, const QString& name) {
+    const auto* kind = kindOf(className);
+    QWidget* widget = nullptr;
+    if (kind && kind->makeWidget) {
+        widget = kind->makeWidget(parent);
+        widget->setObjectName(name);
+    } else {
+        widget = QUiLoader::createWidget(className, parent, name);
+    }
+    if (widget)
+        m_classes.insert(widget, className);
+    else
+        m_unknown.push_back(className);
+    return widget;
+}
+
+void NibWidgetLoader::readCustomClasses(QIODevice& file) {
+    QXmlStreamReader xml(&file);
+    QString className;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == QLatin1String("customwidget"))
+            className.clear();
+        else if (xml.name() == QLatin1String("class"))
+            className = xml.readElementText();
+        else if (xml.name() == QLatin1String("extends"))
+            m_extends.insert(className, xml.readElementText());
+    }
+}
+
+QWidget* NibWidgetLoader::loadFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return nullptr;
+    readCustomClasses(file);
+    file.seek(0);
+    clearPluginPaths();
+    setTranslationEnabled(false);
+    return load(&file);
+}
+
+} // namespace platform::qt
