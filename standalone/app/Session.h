@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "PlaceholderTokenField.h"
+
 #include <engine/Preview.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
@@ -30,6 +32,7 @@ private:
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
+    platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     engine::Preview m_preview;
     std::function<void(const store::Failure&)> m_onSaveFailure;
     bool m_previews = false;
