@@ -2,8 +2,9 @@
 #pragma once
 
 #include "PlaceholderTokenField.h"
+#include "PrivateFolder.h"
 
-#include <engine/Preview.h>
+#include <engine/PreviewStamper.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -28,12 +29,16 @@ public:
     void allowPreviews() { m_previews = true; }
 
 private:
+    std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
+                                           const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+
     store::Store m_store;
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
-    engine::Preview m_preview;
+    std::optional<PrivateFolder> m_previewFolder;
+    std::optional<engine::PreviewStamper> m_previewStamper;
     std::function<void(const store::Failure&)> m_onSaveFailure;
     bool m_previews = false;
     bool m_saveFailed = false;
