@@ -38,11 +38,11 @@ extern "C" __attribute__((visibility("default"))) const char16_t* const VelImpri
 ///
 /// Three units share the class: the shell, the Location editor and the Appearance editor. Messages are virtual because
 /// whoever loads the pane's bundle does not link it.
-class VelImprinterPrefPane final : public platform::NSPreferencePane,
-                                   public platform::NSTableViewDataSource,
-                                   public platform::NSTableViewDelegate,
-                                   public platform::NSTabViewDelegate,
-                                   public platform::NSControlTextEditingDelegate {
+class VelImprinterPrefPane : public platform::NSPreferencePane,
+                             public platform::NSTableViewDataSource,
+                             public platform::NSTableViewDelegate,
+                             public platform::NSTabViewDelegate,
+                             public platform::NSControlTextEditingDelegate {
 public:
     using NSObject = platform::NSObject;
     using NSInteger = platform::NSInteger;

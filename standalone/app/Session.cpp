@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include <Foundation/NSException.h>
 #include <Foundation/NSUserDefaults.h>
 
 namespace app {
@@ -19,14 +20,26 @@ Session::Session(const std::filesystem::path& store)
                                host::NSInteger) -> std::optional<host::NSURL> {
         if (!m_previews || !sample || !configuration)
             return std::nullopt;
-        const auto picture = m_preview.stamp(sample->path(), configuration);
-        return picture ? std::optional(host::NSURL::fileURLWithPath(*picture)) : std::nullopt;
+        return stampSample(sample->path(), configuration);
     });
 
     // Nothing is stamped in place unless somebody chose it.
     auto& defaults = platform::NSUserDefaults::standardUserDefaults();
     if (!defaults.stringForKey(u"ImprinterDuplicateRecord"))
         defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
+}
+
+std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,
+                                                const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
+    if (!m_previewStamper) {
+        m_previewFolder.emplace();
+        m_previewStamper.emplace(m_previewFolder->path());
+    }
+    const auto outcome = m_previewStamper->stamp(sample, configuration);
+    if (outcome)
+        return host::NSURL::fileURLWithPath(outcome.path);
+    platform::NSLog(outcome.sentence);
+    return std::nullopt;
 }
 
 } // namespace app

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <engine/Preview.h>
+#include "PlaceholderTokenField.h"
+#include "PrivateFolder.h"
+
+#include <engine/PreviewStamper.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -26,11 +29,16 @@ public:
     void allowPreviews() { m_previews = true; }
 
 private:
+    std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
+                                           const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+
     store::Store m_store;
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
-    engine::Preview m_preview;
+    platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
+    std::optional<PrivateFolder> m_previewFolder;
+    std::optional<engine::PreviewStamper> m_previewStamper;
     std::function<void(const store::Failure&)> m_onSaveFailure;
     bool m_previews = false;
     bool m_saveFailed = false;

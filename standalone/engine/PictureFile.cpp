@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PictureFile.h"
 
+#include <fstream>
 #include <optional>
 
 namespace engine {
@@ -52,6 +53,16 @@ private:
 };
 
 } // namespace
+
+std::string readWhole(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary | std::ios::ate);
+    const auto size = stream.tellg();
+    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    stream.seekg(0);
+    if (size < 0 || !stream.read(bytes.data(), size))
+        throw Failure(Code::unreadable, "The file cannot be read.");
+    return bytes;
+}
 
 bool isPng(std::string_view bytes) {
     return bytes.starts_with("\x89PNG\r\n\x1a\n");

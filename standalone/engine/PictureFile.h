@@ -32,6 +32,9 @@ using PictureParts = std::vector<PicturePart>;
 /// The parts for a picture of this geometry.
 using PartsFor = std::function<PictureParts(const PictureGeometry&)>;
 
+/// The bytes of a file. Throws `Failure`.
+std::string readWhole(const std::filesystem::path& path);
+
 bool isPng(std::string_view bytes);
 bool isJpeg(std::string_view bytes);
 
@@ -43,6 +46,11 @@ std::pair<double, double> exifResolution(std::string_view tiff);
 /// The file's bytes with the stamps painted in. A picture keeps its depth, resolution, profile, orientation and texts,
 /// and its colour model where that can show the stamps' colours. Throws `Failure`.
 std::string stampPng(std::string_view file, const PartsFor& partsFor);
+
+/// The same for JPEG, without encoding anew what no stamp touches: only the coefficients of the touched units (8 by 8
+/// pixels times the file's largest sampling factors) are replaced. With subsampled colour a pixel beside such a unit
+/// may be decoded slightly differently, since decoders smooth across its edge.
+std::string stampJpeg(std::string_view file, const PartsFor& partsFor);
 
 /// Throws `Failure` for a picture of more than `kLargestPicture` pixels or with an empty side.
 void checkSize(long long width, long long height);

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "DecodedPicture.h"
 #include "PictureFile.h"
-
 #include "RasterPainter.h"
 
 #include <QBuffer>
 #include <QImageReader>
 #include <QImageWriter>
+#include <QPainter>
 
 #include <algorithm>
 #include <unordered_map>
@@ -102,6 +103,18 @@ QImage withPalette(const QImage& image) {
     return result;
 }
 
+QImage decode(std::string_view file) {
+    // The limit of our own is the one that counts; the reader's would refuse pictures well below it.
+    QImageReader::setAllocationLimit(1024);
+    QByteArray bytes = QByteArray::fromRawData(file.data(), static_cast<qsizetype>(file.size()));
+    QBuffer source(&bytes);
+    source.open(QIODevice::ReadOnly);
+    QImage image = QImageReader(&source, "png").read();
+    if (image.isNull())
+        throw Failure(Code::damaged, "The picture is damaged.");
+    return image;
+}
+
 /// What may be copied although pixels and colour type changed.
 bool staysTrue(std::string_view type, bool sameColourType) {
     static const std::string_view pixels[] = {"IHDR", "PLTE", "tRNS", "IDAT", "IEND", "hIST"};
@@ -114,20 +127,22 @@ bool staysTrue(std::string_view type, bool sameColourType) {
 
 } // namespace
 
+DecodedPicture decodePng(std::string_view file) {
+    const auto chunks = chunksOf(file);
+    const auto geometry = geometryOf(chunks);
+    const QImage decoded = decode(file);
+    QImage image(decoded.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter(&image).drawImage(0, 0, decoded);
+    return {image, geometry};
+}
+
 std::string stampPng(std::string_view file, const PartsFor& partsFor) {
     const auto chunks = chunksOf(file);
     const auto geometry = geometryOf(chunks);
     if (chunks.back().type != "IEND")
         throw Failure(Code::damaged, "The picture breaks off before its end.");
-    // The limit above is the one that counts; the reader's own would refuse pictures well below it.
-    QImageReader::setAllocationLimit(1024);
-    QByteArray bytes = QByteArray::fromRawData(file.data(), static_cast<qsizetype>(file.size()));
-    QBuffer source(&bytes);
-    source.open(QIODevice::ReadOnly);
-    QImageReader reader(&source, "png");
-    QImage image = reader.read();
-    if (image.isNull())
-        throw Failure(Code::damaged, "The picture is damaged.");
+    QImage image = decode(file);
 
     const auto parts = partsFor(geometry);
     const bool paletted = image.format() == QImage::Format_Mono || image.format() == QImage::Format_MonoLSB ||

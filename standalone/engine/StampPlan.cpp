@@ -3,6 +3,9 @@
 
 #include <Foundation/NSString.h>
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <algorithm>
 
 namespace engine {
@@ -38,6 +41,16 @@ std::vector<StampPlan> planStamps(const Configurations& configurations, FaceLibr
     std::vector<const host::ImprinterConfiguration*> above;
     collect(configurations, above, faces, report, plans);
     return plans;
+}
+
+std::u16string accountName() {
+    const auto* account = ::getpwuid(::getuid());
+    if (!account)
+        return {};
+    // The first of the comma-separated personal details is the full name.
+    const std::string full = account->pw_gecos ? account->pw_gecos : "";
+    const auto name = full.substr(0, full.find(','));
+    return platform::fromUtf8(name.empty() ? account->pw_name : name);
 }
 
 const std::shared_ptr<const Stamp>& StampCache::stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,

@@ -23,6 +23,9 @@ struct StampPlan {
 std::vector<StampPlan> planStamps(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations,
                                   FaceLibrary& faces, Report& report);
 
+/// What the account calls its user: the full name, else the short one.
+std::u16string accountName();
+
 /// The laid-out titles of one plan, each distinct one made once.
 class StampCache {
 public:

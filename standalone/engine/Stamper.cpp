@@ -10,9 +10,6 @@
 
 #include <Foundation/NSString.h>
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <fstream>
 #include <system_error>
 
@@ -34,26 +31,6 @@ Kind kindOf(const std::filesystem::path& path) {
     if (isJpeg(head))
         return Kind::jpeg;
     return head.find("%PDF-") != std::string::npos ? Kind::pdf : Kind::unknown;
-}
-
-std::string readWhole(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary | std::ios::ate);
-    const auto size = stream.tellg();
-    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
-    stream.seekg(0);
-    if (size < 0 || !stream.read(bytes.data(), size))
-        throw Failure(Code::unreadable, "The file cannot be read.");
-    return bytes;
-}
-
-std::u16string accountName() {
-    const auto* account = ::getpwuid(::getuid());
-    if (!account)
-        return {};
-    // The first of the comma-separated personal details is the full name.
-    const std::string full = account->pw_gecos ? account->pw_gecos : "";
-    const auto name = full.substr(0, full.find(','));
-    return platform::fromUtf8(name.empty() ? account->pw_name : name);
 }
 
 Facts factsOf(const StampJob& job) {
@@ -83,9 +60,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         return parts;
     };
     const auto bytes = readWhole(job.input);
-    if (kind != Kind::png)
-        throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
-    const auto stamped = stampPng(bytes, partsFor);
+    const auto stamped = kind == Kind::png ? stampPng(bytes, partsFor) : stampJpeg(bytes, partsFor);
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
     OutputFile output(job.output);

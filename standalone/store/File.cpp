@@ -148,13 +148,17 @@ bool replaceFile(const fs::path& file, std::string_view bytes, std::optional<Fin
     const Descriptor folder(::open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     TemporaryFile temporary(target);
     const auto written = temporary.write(bytes);
-    // Two of our own programs take turns here, so that neither replaces what it has not seen.
-    checked(::flock(folder.number(), LOCK_EX));
+    // Two of our own programs take turns here, so that neither replaces what it has not seen. Network file systems do
+    // not lock folders; there a small gap remains.
+    while (::flock(folder.number(), LOCK_EX) != 0 && errno == EINTR)
+        continue;
     if (const auto found = fingerprintOf(target); found && found != seen)
         return false;
     temporary.renameTo(target);
     seen = written;
-    checked(::fsync(folder.number()));
+    // Not every file system can do that with a folder.
+    if (::fsync(folder.number()) != 0 && errno != EINVAL)
+        fail(errno);
     return true;
 }
 

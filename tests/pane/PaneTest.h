@@ -9,7 +9,7 @@
 
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSButton.h>
-#include <AppKit/NSTextField.h>
+#include <AppKit/NSTokenField.h>
 #include <PlatformQt/Bridge.h>
 
 #include <QApplication>
@@ -19,6 +19,12 @@
 #include <gtest/gtest.h>
 
 namespace testing_support {
+
+/// The title field of a host that has one of its own.
+class HostTokenField final : public platform::NSTokenField {
+public:
+    std::u16string_view className() const override { return u"PlaceholderTokenField"; }
+};
 
 /// The real bundle with its real interface file in an offscreen window, on a host that records.
 class PaneTest : public ::testing::Test {
@@ -40,7 +46,8 @@ protected:
     void TearDown() override {
         if (pane) {
             pane->willUnselect();
-            window->takeCentralWidget();
+            if (window)
+                window->takeCentralWidget();
         }
         window.reset();
         pane.reset();
@@ -116,6 +123,8 @@ protected:
     }
 
     MessageLog log;
+    platform::ClassRegistration tokenField{
+        platform::ClassTable<HostTokenField>(u"PlaceholderTokenField", u"NSTokenField")};
     std::shared_ptr<MemoryDefaults> defaults;
     std::shared_ptr<FakeQueue> queue;
     std::shared_ptr<RecordingImprinter> imprinter;

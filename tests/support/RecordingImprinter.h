@@ -130,7 +130,7 @@ public:
     }
     host::NSUInteger indexOfConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& wanted) const override {
         note("indexOfConfiguration");
-        return platform::indexOfObject(m_list, wanted);
+        return platform::indexOfObject(host::ConfigurationArray(m_list), wanted);
     }
     void deleteConfigurationAtIndex(host::NSUInteger) override { note("deleteConfigurationAtIndex"); }
     void moveConfigurationAtIndexTo(host::NSUInteger, host::NSUInteger) override { note("moveConfigurationAtIndexTo"); }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace {
 
 using host::ImprinterConfiguration;
@@ -152,6 +154,54 @@ TEST(ConfigurationList, KnowsTheRowOfEachOfTenThousand) {
     for (const auto& configuration : many)
         sum += model->indexOfConfiguration(configuration) + model->configurations()->size();
     EXPECT_EQ(sum, 10000u * 9999u / 2 + 10000u * 10000u);
+}
+
+TEST(ConfigurationList, StaysInStepWithAPlainListThroughAnyCommands) {
+    std::mt19937 random{20240301};
+    const auto below = [&random](std::size_t end) {
+        return std::uniform_int_distribution<std::size_t>(0, end - 1)(random);
+    };
+    ImprinterModel model;
+    std::vector<std::shared_ptr<ImprinterConfiguration>> plain;
+    for (int step = 0; step < 2000; ++step) {
+        // Now and then an index or a row that is not there.
+        const auto index = below(plain.size() + 2);
+        const auto row = below(plain.size() + 3);
+        switch (below(plain.size() > 20 ? 6 : 4)) {
+        case 0:
+            plain.push_back(model.createConfiguration(step % 3 == 0));
+            break;
+        case 1:
+            if (const auto copy = model.duplicateConfigurationAtIndex(static_cast<host::NSInteger>(index)))
+                plain.insert(plain.begin() + static_cast<std::ptrdiff_t>(index) + 1, copy);
+            break;
+        case 2:
+            model.moveConfigurationAtIndexTo(index, row);
+            if (index < plain.size() && row <= plain.size()) {
+                const auto moved = plain[index];
+                plain.insert(plain.begin() + static_cast<std::ptrdiff_t>(row), moved);
+                plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(index + (row <= index ? 1 : 0)));
+            }
+            break;
+        case 3:
+            if (index < plain.size() && row < plain.size())
+                plain[index]->addConfiguration(plain[row]);
+            break;
+        default:
+            model.deleteConfigurationAtIndex(index);
+            if (index < plain.size())
+                plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(index));
+        }
+        ASSERT_EQ(*model.configurations(), plain) << step;
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            ASSERT_EQ(model.indexOfConfiguration(plain[i]), i) << step;
+            ASSERT_EQ(model.configurationForID(plain[i]->uniqueID()), plain[i]) << step;
+            if (!plain[i]->combinedConfiguration())
+                continue;
+            for (const auto& member : *plain[i]->configurations())
+                ASSERT_NE(model.indexOfConfiguration(member), platform::NSNotFound) << step;
+        }
+    }
 }
 
 TEST(MovingAConfiguration, PutsItAboveTheTargetRowCountedBeforeTheMove) {

@@ -4,6 +4,7 @@
 
 #include <Foundation/NSString.h>
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cmath>
@@ -297,6 +298,27 @@ TEST_F(RoundTrip, NumbersTheRunsOfATitleInTheirOrder) {
     EXPECT_EQ(runAt(*configuration, 1)->name(), u"Font 1");
     EXPECT_EQ(runAt(*configuration, 2)->name(), u"Font 2");
     EXPECT_EQ(runAt(*configuration, 4)->name(), u"Font 3");
+}
+
+TEST_F(RoundTrip, ReadsTheExampleOfTheDocumentation) {
+    const auto page = readAll(FORMAT_DOCUMENT);
+    const auto start = page.find("```json") + 7;
+    put(page.substr(start, page.find("```", start) - start));
+    const auto result = store::Store(file).load();
+    ASSERT_EQ(sentenceOf(result), "");
+    ASSERT_EQ(namesOf(result.configurations), (std::vector<std::string>{"Page of Pages", "Numbered twice"}));
+    EXPECT_EQ(result.configurations[1]->configurations()->at(0), result.configurations[0]);
+    EXPECT_EQ(runAt(*result.configurations[0], 0)->fontSize(), 10);
+    // The example has every key that is written, and no other.
+    const auto example = content();
+    store::Store again(file);
+    ASSERT_EQ(sentenceOf(again.save(*modelOf(again.load().configurations))), "");
+    const auto squeezed = [](std::string text) {
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+        std::sort(text.begin(), text.end());
+        return text;
+    };
+    EXPECT_EQ(squeezed(content()), squeezed(example));
 }
 
 TEST_F(RoundTrip, GivesMissingKeysTheValuesOfANewConfiguration) {

@@ -7,6 +7,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -166,6 +168,34 @@ TEST_F(Saving, ThatFailsWhileWritingLosesNothingAndCanBeRepeated) {
         << sentenceOf(failure);
     expectNothingLost();
     EXPECT_FALSE(store.save(*model));
+}
+
+TEST_F(Saving, ThatIsKilledAtAnyMomentLeavesAWholeFile) {
+    for (int round = 0; round < 6; ++round) {
+        int ends[2];
+        ASSERT_EQ(::pipe(ends), 0);
+        const auto child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            // One byte for each save, without end; the file grows and shrinks by turns.
+            for (bool large = true;; large = !large) {
+                configuration->setName(std::u16string(large ? 100000 : 3, u'x'));
+                if (store.save(*model) || ::write(ends[1], "", 1) != 1)
+                    ::_exit(1);
+            }
+        }
+        ::close(ends[1]);
+        char byte = 0;
+        for (int saves = 0; saves < 1 + round; ++saves)
+            EXPECT_EQ(::read(ends[0], &byte, 1), 1);
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        ::close(ends[0]);
+        const auto result = store.load();
+        ASSERT_EQ(sentenceOf(result), "");
+        const auto length = result.configurations.at(0)->name().size();
+        ASSERT_TRUE(length == 3 || length == 100000) << length;
+    }
 }
 
 TEST_F(Saving, IntoAFolderThatCannotBeMadeIsAFailure) {

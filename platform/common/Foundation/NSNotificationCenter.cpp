@@ -24,7 +24,8 @@ NSOperationQueue& NSOperationQueue::mainQueue() {
 }
 
 NSNotificationCenter& NSNotificationCenter::defaultCenter() {
-    static NSNotificationCenter center;
+    // Never destroyed: an observer left registered may hold views, which must not outlive the toolkit.
+    static auto& center = *new NSNotificationCenter;
     return center;
 }
 

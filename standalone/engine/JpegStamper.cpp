@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: MIT
+#include "DecodedPicture.h"
+#include "PictureFile.h"
+#include "RasterPainter.h"
+
+#include <algorithm>
+#include <cstdio> // libjpeg's header needs it first
+#include <cstdlib>
+#include <cstring>
+
+#include <jpeglib.h>
+
+namespace engine {
+
+namespace {
+
+[[noreturn]] void failJpeg(j_common_ptr) {
+    throw Failure(Code::damaged, "The picture is damaged.");
+}
+
+void ignoreMessage(j_common_ptr, int) {}
+
+jpeg_error_mgr* quietErrors(jpeg_error_mgr& errors) {
+    jpeg_std_error(&errors);
+    errors.error_exit = failJpeg;
+    errors.emit_message = ignoreMessage;
+    return &errors;
+}
+
+class Decompressor {
+public:
+    explicit Decompressor(std::string_view file) {
+        info.err = quietErrors(m_errors);
+        jpeg_create_decompress(&info);
+        jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(file.data()), file.size());
+    }
+    ~Decompressor() { jpeg_destroy_decompress(&info); }
+    Decompressor(const Decompressor&) = delete;
+    Decompressor& operator=(const Decompressor&) = delete;
+
+    jpeg_decompress_struct info{};
+
+private:
+    jpeg_error_mgr m_errors{};
+};
+
+/// Compresses into memory.
+class Compressor {
+public:
+    Compressor() {
+        info.err = quietErrors(m_errors);
+        jpeg_create_compress(&info);
+        jpeg_mem_dest(&info, &m_bytes, &m_size);
+    }
+    ~Compressor() {
+        jpeg_destroy_compress(&info);
+        std::free(m_bytes); // as jpeg_mem_dest asks
+    }
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    std::string bytes() const { return {reinterpret_cast<const char*>(m_bytes), m_size}; }
+
+    jpeg_compress_struct info{};
+
+private:
+    jpeg_error_mgr m_errors{};
+    unsigned char* m_bytes = nullptr;
+    unsigned long m_size = 0;
+};
+
+constexpr int kFirstApplicationMarker = JPEG_APP0;
+constexpr int kLastApplicationMarker = JPEG_APP0 + 15;
+
+std::string_view dataOf(const jpeg_marker_struct& marker) {
+    return {reinterpret_cast<const char*>(marker.data), marker.data_length};
+}
+
+void readHeader(jpeg_decompress_struct& info) {
+    jpeg_save_markers(&info, JPEG_COM, 0xFFFF);
+    for (int marker = kFirstApplicationMarker; marker <= kLastApplicationMarker; ++marker)
+        jpeg_save_markers(&info, marker, 0xFFFF);
+    jpeg_read_header(&info, TRUE);
+    checkSize(info.image_width, info.image_height);
+    if (info.jpeg_color_space == JCS_UNKNOWN)
+        throw Failure(Code::unsupported, "The picture's colour model cannot be stamped.");
+}
+
+PictureGeometry geometryOf(const jpeg_decompress_struct& info) {
+    PictureGeometry geometry;
+    geometry.width = static_cast<int>(info.image_width);
+    geometry.height = static_cast<int>(info.image_height);
+    const double unit = info.density_unit == 1 ? 1 : info.density_unit == 2 ? 2.54 : 0;
+    double horizontal = info.saw_JFIF_marker ? info.X_density * unit : 0;
+    double vertical = info.saw_JFIF_marker ? info.Y_density * unit : 0;
+    for (auto* marker = info.marker_list; marker; marker = marker->next) {
+        const auto data = dataOf(*marker);
+        if (marker->marker != JPEG_APP0 + 1 || !data.starts_with(std::string_view("Exif\0\0", 6)))
+            continue;
+        geometry.orientation = exifOrientation(data.substr(6));
+        if (horizontal <= 0 || vertical <= 0)
+            std::tie(horizontal, vertical) = exifResolution(data.substr(6));
+        break;
+    }
+    if (horizontal > 0 && vertical > 0) {
+        geometry.horizontalResolution = horizontal;
+        geometry.verticalResolution = vertical;
+    }
+    return geometry;
+}
+
+bool hasFourInks(const jpeg_decompress_struct& info) {
+    return info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
+}
+
+/// Decodes into RGB32, Grayscale8, or for four inks a 32-bit image whose bytes are the inks as the file has them.
+QImage decode(jpeg_decompress_struct& info) {
+    const bool grey = info.jpeg_color_space == JCS_GRAYSCALE;
+    info.out_color_space = grey ? JCS_GRAYSCALE : hasFourInks(info) ? JCS_CMYK : JCS_EXT_BGRX;
+    jpeg_start_decompress(&info);
+    QImage image(static_cast<int>(info.output_width), static_cast<int>(info.output_height),
+                 grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    if (image.isNull())
+        throw Failure(Code::tooLarge, "There is not enough memory for the picture.");
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = image.scanLine(static_cast<int>(info.output_scanline));
+        jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    return image;
+}
+
+/// Inks that the file stores the other way round: Adobe's 0 is full ink, otherwise 255 is.
+bool storesInverseInks(const jpeg_decompress_struct& info) {
+    return info.saw_Adobe_marker;
+}
+
+/// As `blend`, for four inks.
+void blendInks(const Patch& patch, QImage& target, bool inverse) {
+    for (int row = 0; row < patch.area.height(); ++row) {
+        const auto* above = reinterpret_cast<const QRgb*>(patch.pixels.constScanLine(row));
+        auto* below = target.scanLine(patch.area.top() + row) + 4 * patch.area.left();
+        for (int i = 0; i < patch.area.width(); ++i, below += 4) {
+            const int alpha = qAlpha(above[i]);
+            if (alpha == 0)
+                continue;
+            // Colours without black ink: light of each primary is the lack of its ink.
+            const int light[] = {qRed(above[i]), qGreen(above[i]), qBlue(above[i]), alpha};
+            for (int ink = 0; ink < 4; ++ink) {
+                const int old = inverse ? below[ink] : 255 - below[ink];
+                const int value = std::min(255, light[ink] + (old * (255 - alpha) + 127) / 255);
+                below[ink] = static_cast<uchar>(inverse ? value : 255 - value);
+            }
+        }
+    }
+}
+
+/// The smallest units a file can be patched in, and which of them stamps touched.
+struct Grid {
+    int width; ///< Of a unit, in pixels.
+    int height;
+    int columns;
+    int rows;
+    std::vector<bool> touched;
+
+    void touch(const Patch& patch) {
+        for (int row = 0; row < patch.area.height(); ++row) {
+            const auto* above = reinterpret_cast<const QRgb*>(patch.pixels.constScanLine(row));
+            const int line = (patch.area.top() + row) / height * columns;
+            for (int i = 0; i < patch.area.width(); ++i)
+                if (qAlpha(above[i]))
+                    touched[static_cast<std::size_t>(line + (patch.area.left() + i) / width)] = true;
+        }
+    }
+
+    /// In units; empty where nothing was touched.
+    QRect bounds() const {
+        QRect result;
+        for (int row = 0; row < rows; ++row)
+            for (int column = 0; column < columns; ++column)
+                if (touched[static_cast<std::size_t>(row * columns + column)])
+                    result |= QRect(column, row, 1, 1);
+        return result;
+    }
+};
+
+/// Encodes the pixels of `units` as the file itself is encoded; what lies beyond the picture repeats its edge.
+std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image, const Grid& grid, const QRect& units) {
+    Compressor compressor;
+    auto& info = compressor.info;
+    info.image_width = static_cast<JDIMENSION>(units.width() * grid.width);
+    info.image_height = static_cast<JDIMENSION>(units.height() * grid.height);
+    const bool grey = file.jpeg_color_space == JCS_GRAYSCALE;
+    info.in_color_space = grey ? JCS_GRAYSCALE : hasFourInks(file) ? JCS_CMYK : JCS_EXT_BGRX;
+    info.input_components = grey ? 1 : 4;
+    jpeg_set_defaults(&info);
+    jpeg_set_colorspace(&info, file.jpeg_color_space);
+    for (int i = 0; i < NUM_QUANT_TBLS; ++i) {
+        if (!file.quant_tbl_ptrs[i])
+            continue;
+        if (!info.quant_tbl_ptrs[i])
+            info.quant_tbl_ptrs[i] = jpeg_alloc_quant_table(reinterpret_cast<j_common_ptr>(&info));
+        std::memcpy(info.quant_tbl_ptrs[i]->quantval, file.quant_tbl_ptrs[i]->quantval,
+                    sizeof info.quant_tbl_ptrs[i]->quantval);
+    }
+    for (int i = 0; i < info.num_components; ++i) {
+        info.comp_info[i].h_samp_factor = file.comp_info[i].h_samp_factor;
+        info.comp_info[i].v_samp_factor = file.comp_info[i].v_samp_factor;
+        info.comp_info[i].quant_tbl_no = file.comp_info[i].quant_tbl_no;
+    }
+    info.optimize_coding = TRUE; // tables for every value, whatever the quantization
+    jpeg_start_compress(&info, TRUE);
+    const int bytesPerPixel = info.input_components;
+    std::vector<JSAMPLE> line(std::size_t(info.image_width) * static_cast<std::size_t>(bytesPerPixel));
+    const int left = units.left() * grid.width;
+    const int top = units.top() * grid.height;
+    while (info.next_scanline < info.image_height) {
+        const int y = std::min(top + static_cast<int>(info.next_scanline), image.height() - 1);
+        const uchar* const from = image.constScanLine(y);
+        for (int i = 0; i < static_cast<int>(info.image_width); ++i) {
+            const int x = std::min(left + i, image.width() - 1);
+            std::memcpy(&line[static_cast<std::size_t>(i * bytesPerPixel)], from + x * bytesPerPixel,
+                        static_cast<std::size_t>(bytesPerPixel));
+        }
+        JSAMPROW row = line.data();
+        jpeg_write_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_compress(&info);
+    return compressor.bytes();
+}
+
+/// Puts the touched units of the patch in place of the file's.
+void replaceBlocks(Decompressor& file, jvirt_barray_ptr* blocks, Decompressor& patch, jvirt_barray_ptr* patchBlocks,
+                   const Grid& grid, const QRect& units) {
+    auto* const fileInfo = reinterpret_cast<j_common_ptr>(&file.info);
+    auto* const patchInfo = reinterpret_cast<j_common_ptr>(&patch.info);
+    for (int component = 0; component < file.info.num_components; ++component) {
+        const int across = file.info.comp_info[component].h_samp_factor;
+        const int down = file.info.comp_info[component].v_samp_factor;
+        for (int row = units.top() * down; row < (units.bottom() + 1) * down; ++row) {
+            JBLOCKROW to = file.info.mem->access_virt_barray(fileInfo, blocks[component], static_cast<JDIMENSION>(row),
+                                                             1, TRUE)[0];
+            JBLOCKROW from = patch.info.mem->access_virt_barray(
+                patchInfo, patchBlocks[component], static_cast<JDIMENSION>(row - units.top() * down), 1, FALSE)[0];
+            for (int column = units.left() * across; column < (units.right() + 1) * across; ++column)
+                if (grid.touched[static_cast<std::size_t>(row / down * grid.columns + column / across)])
+                    std::memcpy(to[column], from[column - units.left() * across], sizeof(JBLOCK));
+        }
+    }
+}
+
+void writeMarkers(jpeg_compress_struct& out, const jpeg_decompress_struct& file) {
+    for (auto* marker = file.marker_list; marker; marker = marker->next) {
+        const auto data = dataOf(*marker);
+        // These two the library writes itself.
+        if (out.write_JFIF_header && marker->marker == JPEG_APP0 && data.starts_with(std::string_view("JFIF\0", 5)))
+            continue;
+        if (out.write_Adobe_marker && marker->marker == JPEG_APP0 + 14 && data.starts_with("Adobe"))
+            continue;
+        jpeg_write_marker(&out, marker->marker, marker->data, marker->data_length);
+    }
+}
+
+} // namespace
+
+DecodedPicture decodeJpeg(std::string_view file) {
+    Decompressor decompressor(file);
+    readHeader(decompressor.info);
+    const auto geometry = geometryOf(decompressor.info);
+    QImage image = decode(decompressor.info);
+    if (hasFourInks(decompressor.info)) {
+        const bool inverse = storesInverseInks(decompressor.info);
+        for (int y = 0; y < image.height(); ++y) {
+            auto* line = image.scanLine(y);
+            for (int x = 0; x < image.width(); ++x, line += 4) {
+                const auto light = [&](int ink) { return inverse ? line[ink] : 255 - line[ink]; };
+                const QRgb colour =
+                    qRgb(light(0) * light(3) / 255, light(1) * light(3) / 255, light(2) * light(3) / 255);
+                std::memcpy(line, &colour, sizeof colour);
+            }
+        }
+    }
+    image.convertTo(QImage::Format_RGB32);
+    return {image, geometry};
+}
+
+std::string stampJpeg(std::string_view file, const PartsFor& partsFor) {
+    // 1. The pixels with the stamps on them, and the units of the file that the stamps touch.
+    Decompressor pixels(file);
+    readHeader(pixels.info);
+    const auto geometry = geometryOf(pixels.info);
+    const bool fourInks = hasFourInks(pixels.info);
+    const bool inverse = storesInverseInks(pixels.info);
+    QImage image = decode(pixels.info);
+    Grid grid{8 * pixels.info.max_h_samp_factor, 8 * pixels.info.max_v_samp_factor, 0, 0, {}};
+    grid.columns = (image.width() + grid.width - 1) / grid.width;
+    grid.rows = (image.height() + grid.height - 1) / grid.height;
+    grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
+    const Matrix toPixels = pixelsFromShown(geometry);
+    for (const auto& part : partsFor(geometry)) {
+        const auto patch = paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), image.size(), false);
+        if (fourInks)
+            blendInks(patch, image, inverse);
+        else
+            blend(patch, image);
+        grid.touch(patch);
+    }
+    const QRect units = grid.bounds();
+    if (units.isEmpty())
+        return std::string(file);
+
+    // 2. The file's coefficients, those of the touched units replaced.
+    Decompressor source(file);
+    readHeader(source.info);
+    jvirt_barray_ptr* const blocks = jpeg_read_coefficients(&source.info);
+    const std::string encoded = encodePatch(source.info, image, grid, units);
+    Decompressor patch(encoded);
+    jpeg_read_header(&patch.info, TRUE);
+    jvirt_barray_ptr* const patchBlocks = jpeg_read_coefficients(&patch.info);
+    replaceBlocks(source, blocks, patch, patchBlocks, grid, units);
+
+    // 3. The same file again: its kind of coding, markers, and whatever follows its end.
+    Compressor result;
+    auto& out = result.info;
+    jpeg_copy_critical_parameters(&source.info, &out);
+    out.write_JFIF_header = source.info.saw_JFIF_marker;
+    out.write_Adobe_marker = source.info.saw_Adobe_marker || out.write_Adobe_marker;
+    out.arith_code = source.info.arith_code;
+    out.restart_interval = source.info.restart_interval;
+    out.optimize_coding = TRUE;
+    if (source.info.progressive_mode)
+        jpeg_simple_progression(&out);
+    jpeg_write_coefficients(&out, blocks);
+    writeMarkers(out, source.info);
+    jpeg_finish_compress(&out);
+    jpeg_finish_decompress(&source.info);
+    const auto rest = source.info.src->bytes_in_buffer;
+    return result.bytes() + std::string(file.substr(file.size() - std::min(rest, file.size())));
+}
+
+} // namespace engine

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <engine/Outcome.h>
+#include <host/ImprinterConfiguration.h>
+
+#include <chrono>
+#include <memory>
+
+namespace engine {
+
+/// Stamps a sample picture again and again while somebody edits a configuration.
+///
+/// The sample is decoded once, as long as its path, time and size stay the same, and faces stay open. Results are
+/// bitmaps (BMP, 32 bits, rows from the top), which cost least to write and to load. Not for several threads at once.
+class PreviewStamper {
+public:
+    /// Results go into `folder`, an existing folder of the user's own.
+    explicit PreviewStamper(std::filesystem::path folder, std::string defaultFont = "DejaVuSans");
+    ~PreviewStamper();
+
+    /// Stamps `configuration` onto the PNG or JPEG picture `sample` as page 1 of 1, whatever pages it is meant for. A
+    /// blank title gives the sample itself.
+    ///
+    /// The outcome's path names the result. Each configuration has two names, which take turns, so that a viewer that
+    /// compares names sees the change; a file is whole as soon as its name is given out, and stays so.
+    Outcome stamp(const std::filesystem::path& sample,
+                  const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                  std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace engine

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "Render.h"
+
+#include <engine/PreviewStamper.h>
+
+#include <gtest/gtest.h>
+
+using namespace render;
+
+namespace {
+
+class Previews : public testing::Test {
+protected:
+    Previews() { white(600, 400, QImage::Format_RGB32, 150).save((m_folder / "sample.jpg").c_str(), "jpg", 95); }
+
+    std::filesystem::path sample() const { return m_folder / "sample.jpg"; }
+
+    Folder m_folder;
+    Folder m_results;
+    engine::PreviewStamper m_stamper{m_results.path()};
+};
+
+} // namespace
+
+TEST_F(Previews, TheStampIsShownWhateverPagesItIsMeantFor) {
+    for (const int occurrence : {0, 1, 2, 3, 4, 77}) {
+        const auto with = configuration(u"Shown");
+        with->pages = occurrence;
+        const auto outcome = m_stamper.stamp(sample(), with);
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        const QImage picture(outcome.path.c_str());
+        EXPECT_EQ(picture.size(), QSize(600, 400));
+        const QRect area = differingArea(picture, QImage(sample().c_str()));
+        EXPECT_NEAR(area.left(), 18 * 150 / 72, 4) << occurrence;
+    }
+}
+
+TEST_F(Previews, TwoNamesTakeTurnsAndNothingElseIsLeftInTheFolder) {
+    const auto with = configuration(u"One");
+    const auto first = m_stamper.stamp(sample(), with).path;
+    const auto bytes = readFile(first);
+    with->setTitle({std::u16string(u"Another")});
+    const auto second = m_stamper.stamp(sample(), with).path;
+    EXPECT_NE(first, second);
+    EXPECT_EQ(readFile(first), bytes);
+    EXPECT_EQ(m_stamper.stamp(sample(), with).path, first);
+    EXPECT_EQ(readFile(first), readFile(second));
+    EXPECT_EQ(m_results.names().size(), 2U);
+}
+
+TEST_F(Previews, AStampThatMovedLeavesNothingBehind) {
+    const auto with = configuration(u"Moving");
+    m_stamper.stamp(sample(), with);
+    with->anchor = 8;
+    const auto moved = m_stamper.stamp(sample(), with).path;
+    const QRect area = differingArea(QImage(moved.c_str()), QImage(sample().c_str()));
+    EXPECT_GT(area.left(), 400);
+    EXPECT_GT(area.top(), 300);
+}
+
+TEST_F(Previews, AChangedSampleIsReadAgain) {
+    const auto with = configuration(u"Sample");
+    m_stamper.stamp(sample(), with);
+    white(300, 200).save(sample().c_str(), "png");
+    EXPECT_EQ(QImage(m_stamper.stamp(sample(), with).path.c_str()).size(), QSize(300, 200));
+}
+
+TEST_F(Previews, ABlankTitleShowsTheSampleItself) {
+    const auto outcome = m_stamper.stamp(sample(), configuration(u"  "));
+    ASSERT_TRUE(outcome);
+    EXPECT_TRUE(differingArea(QImage(outcome.path.c_str()), QImage(sample().c_str())).isEmpty());
+}
+
+TEST_F(Previews, AnIdentifierThatIsNoFileNameStaysInTheFolder) {
+    const auto with = configuration(u"Odd");
+    with->identifier = u"../../odd/\u00e9";
+    const auto outcome = m_stamper.stamp(sample(), with);
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_EQ(outcome.path.parent_path(), m_results.path());
+}
+
+TEST_F(Previews, AMissingSampleIsSaidToBeUnreadable) {
+    EXPECT_EQ(m_stamper.stamp(m_folder / "none.jpg", configuration(u"No")).code, engine::Code::unreadable);
+}
