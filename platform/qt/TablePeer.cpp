@@ -12,7 +12,7 @@
 
 namespace platform::qt {
 
-TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
+TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new TableHeader(this)) {
     setShowGrid(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
@@ -22,9 +22,7 @@ TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
     setItemDelegate(new CellDelegate(this));
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    horizontalHeader()->setStretchLastSection(true);
-    horizontalHeader()->setSectionsClickable(false);
-    horizontalHeader()->setHighlightSections(false);
+    setHorizontalHeader(m_header);
 }
 
 void TableWidget::setTable(const std::shared_ptr<NSTableView>& table) {
@@ -63,7 +61,7 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
 }
 
 void TableWidget::setHeaderBorder(bool border) {
-    horizontalHeader()->setFrameShape(border ? QFrame::StyledPanel : QFrame::NoFrame);
+    m_header->setBottomBorder(border);
 }
 
 void TableWidget::mousePressEvent(QMouseEvent* event) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "TableHeader.h"
 #include "TableModel.h"
 
 #include <QTableView>
@@ -50,6 +51,7 @@ private:
     void closeEditor();
 
     std::weak_ptr<NSTableView> m_table;
+    TableHeader* m_header;
     TableModel* m_model = nullptr;
     QPointer<LineEdit> m_editor;
     std::shared_ptr<NSTextField> m_editedField;
