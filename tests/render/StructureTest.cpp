@@ -218,3 +218,11 @@ TEST(PdfStructure, OddPageAttributesCountAsTheirDefaults) {
         EXPECT_EQ(work.text(), "Stamp\n\n\f");
     }
 }
+
+TEST(PdfStructure, ADocumentWhoseTrailerLacksItsSizeComesOutWhole) {
+    auto bytes = document(1, kPage, "0 0 9 9 re f");
+    bytes.replace(bytes.rfind("/Size"), 7, "       ");
+    Work work(bytes);
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos) << work.check();
+}
