@@ -55,12 +55,24 @@ PageGeometry geometryOf(QPDFPageObjectHelper page) {
     return geometry;
 }
 
+/// Whether one of these form fields, or of the fields below them, is a signature that was given.
+bool anySigned(QPDFObjectHandle fields, int levels) {
+    if (!fields.isArray() || levels == 0)
+        return false;
+    for (auto field : fields.getArrayAsVector())
+        if (field.isDictionary() &&
+            ((field.getKey("/FT").isNameAndEquals("/Sig") && field.getKey("/V").isDictionary()) ||
+             anySigned(field.getKey("/Kids"), levels - 1)))
+            return true;
+    return false;
+}
+
 bool isSigned(QPDFObjectHandle root) {
     auto form = root.getKey("/AcroForm");
     if (!form.isDictionary())
         return false;
     auto flags = form.getKey("/SigFlags");
-    return flags.isInteger() && flags.getIntValue() & 1;
+    return (flags.isInteger() && flags.getIntValue() & 1) || anySigned(form.getKey("/Fields"), 16);
 }
 
 void refuseWhatMustNotChange(QPDF& document, const StampJob& job) {
@@ -298,6 +310,7 @@ std::size_t stampDocument(QPDF& document, const StampJob& job, const Facts& fact
 }
 
 void writeDocument(QPDF& document, const StampJob& job, bool linearized) {
+    const auto pageCount = document.getAllPages().size();
     OutputFile output(job.output);
     try {
         // The writer replaces the entry of a repaired trailer, but adds none.
@@ -312,7 +325,7 @@ void writeDocument(QPDF& document, const StampJob& job, bool linearized) {
     } catch (const QPDFSystemError& error) {
         throw std::system_error(error.getErrno(), std::generic_category());
     }
-    if (job.progress && !job.progress(1, 1))
+    if (job.progress && !job.progress(pageCount, pageCount))
         throw Failure(Code::cancelled, "The run was cancelled.");
     output.commit();
 }

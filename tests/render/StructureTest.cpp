@@ -157,6 +157,14 @@ TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
     EXPECT_TRUE(work.stamp());
 }
 
+TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
+    const auto form = [](const std::string& value) {
+        return "/AcroForm << /Fields [<< /T (a) /Kids [<< /FT /Sig /T (b) " + value + " >>] >>] >>";
+    };
+    EXPECT_EQ(Work(document(1, kPage, "", form("/V << /Type /Sig >>"))).stamp().code, Code::isSigned);
+    EXPECT_EQ(Work(document(1, kPage, "", form(""))).stamp().code, Code::ok);
+}
+
 TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >> /Perms << /DocMDP << /Type /Sig >> >>"));
     work.task.breakSignatures = true;
