@@ -47,7 +47,9 @@ NSInteger towardZero(double number) {
 
 NSControl::NSControl() : m_cell(std::make_shared<NSCell>([this] { cellChanged(); })) {}
 
-NSControl::~NSControl() = default;
+NSControl::~NSControl() {
+    m_cell->m_changed = nullptr;
+}
 
 std::u16string_view NSControl::className() const {
     return u"NSControl";
