@@ -56,8 +56,6 @@ bool NSTextField::userChangedText(const std::u16string& text) {
             return false;
         }
         m_editing = true;
-        m_editedText = text;
-        m_textPending = true;
         center.postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
     }
     m_editedText = text;
