@@ -81,7 +81,6 @@ bool NSTextField::userEndsEditing(Ending ending) {
 
 void NSTextField::userCancelsEditing() {
     abandonEditing();
-    showValue();
 }
 
 void NSTextField::setValue(NSValue value) {
@@ -91,7 +90,8 @@ void NSTextField::setValue(NSValue value) {
 
 void NSTextField::abandonEditing() {
     m_textPending = false;
-    m_editing = false;
+    if (std::exchange(m_editing, false))
+        showValue();
 }
 
 void NSTextField::showValue() {
