@@ -6,13 +6,31 @@
 #include <Foundation/dispatch.h>
 
 #include <QApplication>
-#include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace platform::qt {
 
-TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
+HeaderView::HeaderView(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+    setStretchLastSection(true);
+    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void HeaderView::setBottomBorder(bool border) {
+    m_bottomBorder = border;
+    viewport()->update();
+}
+
+void HeaderView::paintEvent(QPaintEvent* event) {
+    QHeaderView::paintEvent(event);
+    QPainter painter(viewport());
+    painter.setPen(palette().color(m_bottomBorder ? QPalette::Dark : QPalette::Midlight));
+    painter.drawLine(viewport()->rect().bottomLeft(), viewport()->rect().bottomRight());
+}
+
+TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new HeaderView(this)) {
+    setHorizontalHeader(m_header);
     setShowGrid(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
@@ -22,9 +40,6 @@ TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
     setItemDelegate(new CellDelegate(this));
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    horizontalHeader()->setStretchLastSection(true);
-    horizontalHeader()->setSectionsClickable(false);
-    horizontalHeader()->setHighlightSections(false);
 }
 
 void TableWidget::setTable(const std::shared_ptr<NSTableView>& table) {
@@ -60,10 +75,6 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
     selectionModel()->setCurrentIndex(m_model->index(static_cast<int>(current), 0), QItemSelectionModel::NoUpdate);
     if (rows.count() < 2)
         m_anchor = current;
-}
-
-void TableWidget::setHeaderBorder(bool border) {
-    horizontalHeader()->setFrameShape(border ? QFrame::StyledPanel : QFrame::NoFrame);
 }
 
 void TableWidget::mousePressEvent(QMouseEvent* event) {
@@ -106,7 +117,9 @@ void TableWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier)
         enter([&] {
             ++m_renameRequests;
-            rename(indexAt(event->position().toPoint()));
+            const auto index = indexAt(event->position().toPoint());
+            if (selectionModel()->isSelected(index))
+                rename(index);
         });
 }
 
@@ -259,8 +272,8 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->horizontalHeader()->setVisible(visible);
-            table->setHeaderBorder(bottomBorder);
+            table->headerView().setVisible(visible);
+            table->headerView().setBottomBorder(bottomBorder);
         }
     }
     void reload(NSInteger rows) override {
