@@ -6,8 +6,8 @@
 #include <Foundation/dispatch.h>
 
 #include <QApplication>
-#include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace platform::qt {
@@ -60,10 +60,6 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
         m_anchor = current;
 }
 
-void TableWidget::setHeaderBorder(bool border) {
-    m_header->setBottomBorder(border);
-}
-
 void TableWidget::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         enter([&] { press(indexAt(event->position().toPoint()), event->modifiers()); });
@@ -104,7 +100,9 @@ void TableWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier)
         enter([&] {
             ++m_renameRequests;
-            rename(indexAt(event->position().toPoint()));
+            const auto index = indexAt(event->position().toPoint());
+            if (selectionModel()->isSelected(index))
+                rename(index);
         });
 }
 
@@ -257,8 +255,8 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->horizontalHeader()->setVisible(visible);
-            table->setHeaderBorder(bottomBorder);
+            table->headerView().setVisible(visible);
+            table->headerView().setBottomBorder(bottomBorder);
         }
     }
     void reload(NSInteger rows) override {
