@@ -11,6 +11,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <iostream>
 
 namespace app {
@@ -42,7 +43,6 @@ bool grab(QWidget& window, const fs::path& file) {
 bool grabPages(MainWindow& window, Session& session, const fs::path& folder) {
     bool all = true;
     const auto editor = tabs(window.pane(), u"tabView");
-    const auto pages = tabs(window.pane(), u"mainTabView");
     for (const char16_t* page : {u"Appearance", u"Location"}) {
         tell(editor, &NSTabView::selectTabViewItemWithIdentifier, page);
         all = grab(window,
@@ -93,14 +93,13 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     const auto plain = folder / "sample.pdf";
     try {
         writeSamplePdf(sample, plain);
+        std::cout << plain.string() << '\n';
     } catch (const std::exception& exception) {
         std::cerr << "imprinter: " << exception.what() << '\n';
         return false;
     }
     all = stamp(sample, folder / "sample-stamped.jpg", session) && all;
-    all = stamp(plain, folder / "sample-stamped.pdf", session) && all;
-    window.close();
-    return all;
+    return stamp(plain, folder / "sample-stamped.pdf", session) && all;
 }
 
 } // namespace app
