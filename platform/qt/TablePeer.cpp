@@ -7,30 +7,11 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScrollBar>
 
 namespace platform::qt {
 
-HeaderView::HeaderView(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-    setStretchLastSection(true);
-    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-}
-
-void HeaderView::setBottomBorder(bool border) {
-    m_bottomBorder = border;
-    viewport()->update();
-}
-
-void HeaderView::paintEvent(QPaintEvent* event) {
-    QHeaderView::paintEvent(event);
-    QPainter painter(viewport());
-    painter.setPen(palette().color(m_bottomBorder ? QPalette::Dark : QPalette::Midlight));
-    painter.drawLine(viewport()->rect().bottomLeft(), viewport()->rect().bottomRight());
-}
-
-TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new HeaderView(this)) {
-    setHorizontalHeader(m_header);
+TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new TableHeader(this)) {
     setShowGrid(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
@@ -40,6 +21,7 @@ TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new Hea
     setItemDelegate(new CellDelegate(this));
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    setHorizontalHeader(m_header);
 }
 
 void TableWidget::setTable(const std::shared_ptr<NSTableView>& table) {
@@ -75,6 +57,10 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
     selectionModel()->setCurrentIndex(m_model->index(static_cast<int>(current), 0), QItemSelectionModel::NoUpdate);
     if (rows.count() < 2)
         m_anchor = current;
+}
+
+void TableWidget::setHeaderBorder(bool border) {
+    m_header->setBottomBorder(border);
 }
 
 void TableWidget::mousePressEvent(QMouseEvent* event) {
@@ -272,8 +258,8 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->headerView().setVisible(visible);
-            table->headerView().setBottomBorder(bottomBorder);
+            table->horizontalHeader()->setVisible(visible);
+            table->setHeaderBorder(bottomBorder);
         }
     }
     void reload(NSInteger rows) override {

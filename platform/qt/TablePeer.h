@@ -1,27 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "TableHeader.h"
 #include "TableModel.h"
 
-#include <QHeaderView>
 #include <QTableView>
 
 namespace platform::qt {
 
 class LineEdit;
-
-/// The titles of the columns, on a line that can be made stronger.
-class HeaderView final : public QHeaderView {
-public:
-    explicit HeaderView(QWidget* parent);
-    void setBottomBorder(bool border);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
-private:
-    bool m_bottomBorder = false;
-};
 
 /// The rows of a table view. The toolkit selects nothing by itself: what the user wants goes to the view, which then
 /// says what is selected. A cell is renamed in its place.
@@ -34,7 +21,7 @@ public:
     void reload(NSInteger rows);
     void showSelection(const NSIndexSet& rows, NSInteger current);
     void showTitle(int column) { m_model->titleChanged(column); }
-    HeaderView& headerView() const { return *m_header; }
+    void setHeaderBorder(bool border);
 
     /// Opens the editor of a cell that can be edited.
     void rename(const QModelIndex& index);
@@ -64,7 +51,7 @@ private:
     void closeEditor();
 
     std::weak_ptr<NSTableView> m_table;
-    HeaderView* m_header;
+    TableHeader* m_header;
     TableModel* m_model = nullptr;
     QPointer<LineEdit> m_editor;
     std::shared_ptr<NSTextField> m_editedField;

@@ -72,7 +72,7 @@ bool stamp(const fs::path& input, const fs::path& output, Session& session) {
     if (outcome)
         std::cout << output.string() << '\n';
     else
-        std::cerr << "imprinter: " << outcome.sentence << '\n';
+        std::cerr << "imprinter: " << outcome.path.string() << ": " << outcome.sentence << '\n';
     return outcome.code == engine::Code::ok;
 }
 

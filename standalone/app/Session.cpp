@@ -38,7 +38,7 @@ std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sam
     const auto outcome = m_previewStamper->stamp(sample, configuration);
     if (outcome)
         return host::NSURL::fileURLWithPath(outcome.path);
-    platform::NSLog(outcome.sentence);
+    platform::NSLog(outcome.path.string() + ": " + outcome.sentence);
     return std::nullopt;
 }
 

@@ -5,6 +5,7 @@
 #include <engine/Stamper.h>
 #include <store/Store.h>
 
+#include <cstdlib>
 #include <iostream>
 #include <optional>
 
@@ -26,6 +27,19 @@ std::vector<std::shared_ptr<model::Configuration>> load(const fs::path& file) {
     for (const auto& message : loaded.messages)
         complain(0, toUtf8(message.sentence));
     return std::move(loaded.configurations);
+}
+
+/// "there are "A", "B" and "C"".
+std::string namesOf(const std::vector<std::shared_ptr<model::Configuration>>& configurations) {
+    if (configurations.empty())
+        return "there are none";
+    std::string names = configurations.size() == 1 ? "there is " : "there are ";
+    for (std::size_t i = 0; i < configurations.size(); ++i) {
+        if (i > 0)
+            names += i + 1 == configurations.size() ? " and " : ", ";
+        names += '"' + toUtf8(configurations[i]->name()) + '"';
+    }
+    return names;
 }
 
 struct StampArguments {
@@ -102,6 +116,13 @@ Exit status: 0 done, 2 a document could not be read or stamped, 3 a result could
 4 no such configuration, 64 the command line was not understood.
 )";
 
+bool hasDisplay() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (const char* value = std::getenv(name); value && *value)
+            return true;
+    return false;
+}
+
 int list(const fs::path& store, const std::vector<std::string>& arguments) {
     if (!arguments.empty())
         return complain(usage, "`list` takes no arguments");
@@ -129,7 +150,7 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
             found = configuration;
         }
         if (!found)
-            return complain(noConfiguration, "no configuration is called \"" + name + "\"");
+            return complain(noConfiguration, "no configuration is called \"" + name + "\"; " + namesOf(configurations));
         job.configurations.push_back(found);
     }
 
@@ -149,7 +170,7 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
         for (const auto& warning : outcome.warnings)
             complain(0, file.string() + ": " + warning);
         if (!outcome)
-            status = complain(statusOf(outcome.code), outcome.sentence);
+            status = complain(statusOf(outcome.code), outcome.path.string() + ": " + outcome.sentence);
     }
     return status;
 }

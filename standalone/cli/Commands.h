@@ -17,6 +17,9 @@ enum Status : int {
     usage = 64,          ///< the command line is not understood
 };
 
+/// Whether a window could be shown: the session has a display, or the environment names a platform to show it on.
+bool hasDisplay();
+
 int list(const std::filesystem::path& store, const std::vector<std::string>& arguments);
 int stamp(const std::filesystem::path& store, const std::vector<std::string>& arguments);
 

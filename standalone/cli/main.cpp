@@ -4,26 +4,44 @@
 #include <app/Window.h>
 #include <store/Store.h>
 
+#include <cstdlib>
 #include <iostream>
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     std::filesystem::path store = store::Store::defaultPath();
-    if (arguments.size() >= 2 && arguments[0] == "--store") {
+    if (!arguments.empty() && arguments[0] == "--store") {
+        if (arguments.size() < 2) {
+            std::cerr << "imprinter: --store needs a value\n";
+            return cli::usage;
+        }
         store = arguments[1];
         arguments.erase(arguments.begin(), arguments.begin() + 2);
     }
     try {
-        if (arguments.empty())
+        if (arguments.empty()) {
+            if (!cli::hasDisplay()) {
+                std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works "
+                             "without one\n";
+                return cli::failed;
+            }
             return app::runWindow(argc, argv, store);
+        }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
         if (command == "list")
             return cli::list(store, arguments);
         if (command == "stamp")
             return cli::stamp(store, arguments);
-        if (command == "pictures" && arguments.size() == 1)
+        if (command == "pictures") {
+            if (arguments.size() != 1) {
+                std::cerr << "imprinter: `pictures` takes the folder to leave them in\n";
+                return cli::usage;
+            }
+            if (!cli::hasDisplay())
+                setenv("QT_QPA_PLATFORM", "offscreen", 0);
             return app::drawPictures(argc, argv, store, arguments.front());
+        }
         if (command == "--help" || command == "-h" || command == "help") {
             std::cout << cli::helpText;
             return cli::done;

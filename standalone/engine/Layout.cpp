@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <ctime>
 #include <numbers>
 #include <optional>
@@ -250,7 +251,7 @@ private:
                     face = other.get();
                     m_held[face] = other;
                 } else {
-                    m_report.sentences.insert("No font on this machine has the character \"" + utf8(codes) + "\".");
+                    m_report.sentences.insert("No font on this machine has the character " + named(codes) + ".");
                 }
             }
             for (auto i = begin; i < end; ++i)
@@ -259,17 +260,15 @@ private:
         }
     }
 
-    static std::string utf8(const std::u32string& codes) {
-        std::u16string units;
+    /// As "U+0041 U+0301".
+    static std::string named(const std::u32string& codes) {
+        std::string names;
         for (const char32_t code : codes) {
-            if (code >= 0x10000) {
-                units += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
-                units += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
-            } else {
-                units += static_cast<char16_t>(code);
-            }
+            char name[16];
+            std::snprintf(name, sizeof name, "%sU+%04X", names.empty() ? "" : " ", static_cast<unsigned>(code));
+            names += name;
         }
-        return platform::toUtf8(units);
+        return names;
     }
 
     static std::vector<Item> itemize(const std::vector<Character>& characters, std::size_t length) {

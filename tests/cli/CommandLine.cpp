@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+// The program as it is called from a shell: what it prints, its exit status, and what it leaves on disk.
+
+#include "../render/Documents.h"
+#include "../render/Render.h"
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+using render::document;
+using render::Folder;
+using render::quoted;
+using render::readFile;
+using render::writeFile;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class CommandLine : public ::testing::Test {
+protected:
+    /// Runs the program with data and settings of its own; both of its streams are in `output`.
+    render::Run imprinter(const std::string& arguments) {
+        const std::string environment = "env -u DISPLAY -u WAYLAND_DISPLAY HOME=" + quoted(folder.path()) +
+                                        " XDG_DATA_HOME=" + quoted(folder / "data") +
+                                        " XDG_CONFIG_HOME=" + quoted(folder / "config") + " LC_ALL=C.UTF-8 ";
+        return render::run("cd " + quoted(folder.path()) + " && " + environment + quoted(IMPRINTER) + " " + arguments);
+    }
+
+    fs::path letter(const std::string& name = "letter.pdf") {
+        writeFile(folder / name, document(3, "/MediaBox [0 0 595 842]", "BT ET"));
+        return folder / name;
+    }
+
+    std::string textOf(const fs::path& file) { return render::run("pdftotext -layout " + quoted(file) + " -").output; }
+
+    /// Everything in the working folder but the program's own data.
+    std::vector<std::string> files() {
+        auto names = folder.names();
+        std::erase(names, "data");
+        std::erase(names, "config");
+        return names;
+    }
+
+    Folder folder;
+};
+
+TEST_F(CommandLine, ListsTheSuppliedConfigurationsAtFirst) {
+    const auto run = imprinter("list");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "Received\nPage of Pages\nConfidential\n");
+}
+
+TEST_F(CommandLine, StampsOneFileIntoAFile) {
+    letter();
+    const auto run = imprinter("stamp --configuration 'Page of Pages' --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(run.output, "");
+    const auto text = textOf(folder / "out.pdf");
+    for (const char* line : {"Page 1 of 3", "Page 2 of 3", "Page 3 of 3"})
+        EXPECT_NE(text.find(line), std::string::npos) << text;
+}
+
+TEST_F(CommandLine, StampsSeveralFilesIntoAFolderThatItMakes) {
+    letter("a.pdf");
+    letter("b.pdf");
+    const auto run = imprinter("stamp --configuration Received --output stamped/there a.pdf b.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    for (const char* name : {"a.pdf", "b.pdf"})
+        EXPECT_NE(textOf(folder / "stamped" / "there" / name).find("RECEIVED"), std::string::npos) << name;
+}
+
+TEST_F(CommandLine, StampsSeveralConfigurationsInOrder) {
+    letter();
+    const auto run =
+        imprinter("stamp --configuration Received --configuration 'Page of Pages' --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    const auto text = textOf(folder / "out.pdf");
+    EXPECT_NE(text.find("RECEIVED"), std::string::npos);
+    EXPECT_NE(text.find("Page 3 of 3"), std::string::npos);
+}
+
+TEST_F(CommandLine, StampsPictures) {
+    ASSERT_TRUE(render::white(400, 300).save(QString::fromStdString((folder / "scan.png").string())));
+    ASSERT_TRUE(render::white(400, 300).save(QString::fromStdString((folder / "scan.jpg").string())));
+    for (const std::string name : {"scan.png", "scan.jpg"}) {
+        const auto run = imprinter("stamp --configuration Received --output stamped-" + name + " " + name);
+        EXPECT_EQ(run.status, 0) << run.output;
+        const QImage before(QString::fromStdString((folder / name).string()));
+        const QImage after(QString::fromStdString((folder / ("stamped-" + name)).string()));
+        EXPECT_FALSE(render::differingArea(before, after).isEmpty()) << name;
+    }
+}
+
+TEST_F(CommandLine, UsesAnotherStoreWhenToldSo) {
+    ASSERT_EQ(imprinter("list").status, 0);
+    writeFile(folder / "mine.json", R"({"format": "imprinter-configurations", "version": 99})");
+    const auto run = imprinter("--store mine.json list");
+    EXPECT_NE(run.output.find("mine.json"), std::string::npos) << run.output;
+    EXPECT_EQ(readFile(folder / "mine.json").find("\"version\": 99") != std::string::npos, true);
+}
+
+TEST_F(CommandLine, ADamagedStoreIsKeptAsideAndBothFilesAreNamed) {
+    fs::create_directories(folder / "data" / "imprinter");
+    writeFile(folder / "data" / "imprinter" / "configurations.json", "{ not json");
+    const auto run = imprinter("list");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.output.find("imprinter/configurations.json"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("imprinter/configurations.damaged-"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("Received\n"), std::string::npos) << run.output;
+}
+
+struct BadInput {
+    const char* name;
+    const char* file;
+    std::string bytes;
+};
+
+std::string truncated() {
+    const auto whole = document(3, "/MediaBox [0 0 595 842]", "BT ET");
+    return whole.substr(0, whole.size() / 4);
+}
+
+TEST_F(CommandLine, WhatCannotBeReadIsOneLineStatusTwoAndNoOutput) {
+    const BadInput inputs[] = {
+        {"no PDF", "letter.pdf", "Dear Sir or Madam"},
+        {"empty", "empty.pdf", ""},
+        {"truncated", "half.pdf", truncated()},
+        {"a header alone", "header.pdf", "%PDF-1.7\n"},
+        {"a broken PNG", "broken.png", "\x89PNG\r\n\x1a\nxxxx"},
+    };
+    for (const auto& input : inputs) {
+        writeFile(folder / input.file, input.bytes);
+        const auto before = files();
+        const auto run = imprinter("stamp --configuration Received --output out.pdf " + std::string(input.file));
+        EXPECT_EQ(run.status, 2) << input.name << ": " << run.output;
+        EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << input.name << ": " << run.output;
+        EXPECT_NE(run.output.find(input.file), std::string::npos) << input.name << ": " << run.output;
+        EXPECT_EQ(files(), before) << input.name;
+    }
+    const auto run = imprinter("stamp --configuration Received --output out.pdf missing.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find("missing.pdf"), std::string::npos) << run.output;
+    EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << run.output;
+}
+
+TEST_F(CommandLine, AnEncryptedDocumentWithoutItsPasswordIsRefused) {
+    letter();
+    ASSERT_EQ(render::run("qpdf --encrypt secret owner 256 -- " + quoted(folder / "letter.pdf") + " " +
+                          quoted(folder / "locked.pdf"))
+                  .status,
+              0);
+    const auto before = files();
+    const auto run = imprinter("stamp --configuration Received --output out.pdf locked.pdf");
+    EXPECT_EQ(run.status, 2) << run.output;
+    EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << run.output;
+    EXPECT_NE(run.output.find("locked.pdf"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("password"), std::string::npos) << run.output;
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(CommandLine, OneBadFileDoesNotKeepTheOthersFromBeingStamped) {
+    letter("a.pdf");
+    writeFile(folder / "b.pdf", "no PDF");
+    letter("c.pdf");
+    const auto run = imprinter("stamp --configuration Received --output out a.pdf b.pdf c.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find("b.pdf"), std::string::npos) << run.output;
+    EXPECT_TRUE(fs::exists(folder / "out" / "a.pdf"));
+    EXPECT_FALSE(fs::exists(folder / "out" / "b.pdf"));
+    EXPECT_TRUE(fs::exists(folder / "out" / "c.pdf"));
+}
+
+TEST_F(CommandLine, NeverWritesOverItsInput) {
+    const auto file = letter();
+    const auto before = readFile(file);
+    const auto run = imprinter("stamp --configuration Received --output letter.pdf letter.pdf");
+    EXPECT_EQ(run.status, 3) << run.output;
+    EXPECT_EQ(readFile(file), before);
+}
+
+TEST_F(CommandLine, AFolderThatCannotBeMadeIsNamed) {
+    letter();
+    writeFile(folder / "taken", "");
+    const auto run = imprinter("stamp --configuration Received --output taken/out/ letter.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_NE(run.output.find("taken/out"), std::string::npos) << run.output;
+}
+
+TEST_F(CommandLine, AnUnknownConfigurationIsNamed) {
+    letter();
+    const auto run = imprinter("stamp --configuration Sent --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.output,
+              "imprinter: no configuration is called \"Sent\"; there are \"Received\", \"Page of Pages\" and "
+              "\"Confidential\"\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+}
+
+TEST_F(CommandLine, AnIncompleteCommandSaysWhatIsMissing) {
+    struct Row {
+        const char* arguments;
+        const char* says;
+    };
+    for (const auto& row :
+         {Row{"stamp --output o.pdf a.pdf", "--configuration"}, Row{"stamp --configuration Received a.pdf", "--output"},
+          Row{"stamp --configuration Received --output o.pdf", "which file"},
+          Row{"stamp --configuration", "--configuration needs a value"}, Row{"stamp --colour red", "--colour"},
+          Row{"stampede", "stampede"}, Row{"list all", "list"}, Row{"--store", "--store needs a value"},
+          Row{"pictures", "pictures"}}) {
+        const auto run = imprinter(row.arguments);
+        EXPECT_EQ(run.status, 64) << row.arguments << ": " << run.output;
+        EXPECT_NE(run.output.find(row.says), std::string::npos) << row.arguments << ": " << run.output;
+        EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << run.output;
+    }
+}
+
+TEST_F(CommandLine, HelpShowsEveryCommand) {
+    const auto run = imprinter("--help");
+    EXPECT_EQ(run.status, 0);
+    for (const char* command : {"imprinter list", "imprinter stamp", "imprinter pictures", "--store", "Exit status"})
+        EXPECT_NE(run.output.find(command), std::string::npos) << command;
+}
+
+TEST_F(CommandLine, WithoutADisplayTheWindowSaysSo) {
+    const auto run = imprinter("");
+    EXPECT_NE(run.status, 0);
+    EXPECT_NE(run.output.find("display"), std::string::npos) << run.output;
+}
+
+TEST_F(CommandLine, LeavesPicturesOfTheProgramWithoutADisplay) {
+    const auto run = imprinter("pictures out");
+    EXPECT_EQ(run.status, 0) << run.output;
+    for (const char* name : {"pane-location.png", "pane-appearance.png", "pane-combined.png", "pane-empty.png"}) {
+        const QImage picture(QString::fromStdString((folder / "out" / name).string()));
+        EXPECT_GE(picture.width(), 800) << name;
+        EXPECT_NE(run.output.find(std::string("out/") + name), std::string::npos) << run.output;
+    }
+    EXPECT_NE(textOf(folder / "out" / "sample-stamped.pdf").find("Page 1 of 1"), std::string::npos);
+    const QImage stamped(QString::fromStdString((folder / "out" / "sample-stamped.jpg").string()));
+    EXPECT_EQ(stamped.size(), QSize(1240, 1754));
+}
+
+} // namespace

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "Documents.h"
+#include "Render.h"
+
+#include <gtest/gtest.h>
+
+using namespace render;
+using engine::Code;
+
+namespace {
+
+const char kPage[] = "/MediaBox [0 0 300 200]";
+
+/// A document file of one's own making, stamped beside it.
+struct Work {
+    Folder folder;
+    engine::StampJob task;
+
+    explicit Work(const std::string& input, const std::u16string& text = u"Stamp") {
+        writeFile(folder / "in.pdf", input);
+        task = job(folder / "in.pdf", folder / "out.pdf", {configuration(text)});
+        task.deterministic = true;
+    }
+    /// Lets qpdf make the input over with these options.
+    void makeOver(const std::string& options) {
+        const auto made = run("qpdf " + options + " --replace-input " + quoted(task.input));
+        EXPECT_EQ(made.status, 0) << made.output;
+    }
+    engine::Outcome stamp() { return engine::stampFile(task); }
+    std::string plain(const std::string& name = "out.pdf") const {
+        return run("qpdf --qdf --object-streams=disable --no-original-object-ids " + quoted(folder / name) + " -")
+            .output;
+    }
+    std::string text(int page = 1, const std::string& password = {}) const {
+        const auto n = std::to_string(page);
+        return run("pdftotext -q " + (password.empty() ? "" : "-upw " + password + " ") + "-f " + n + " -l " + n + " " +
+                   quoted(task.output) + " -")
+            .output;
+    }
+    std::string check(const std::string& options = {}) const {
+        return run("qpdf --check " + options + " " + quoted(task.output)).output;
+    }
+};
+
+} // namespace
+
+TEST(PdfStructure, PagesKeepBoxesRotationAndAnnotations) {
+    Work work(document(1,
+                       "/MediaBox [0 0 300 200] /CropBox [5 5 250 190] /TrimBox [6 6 240 180] /Rotate 90 /Annots [<< "
+                       "/Type /Annot /Subtype /Text /Rect [1 2 3 4] /Contents (a note) >>] /StructParents 3",
+                       "0 0 9 9 re f"));
+    ASSERT_TRUE(work.stamp());
+    const auto plain = work.plain();
+    for (const char* part :
+         {"/CropBox [\n    5\n    5\n    250\n    190\n  ]", "/Rotate 90", "(a note)", "/StructParents 3", "/TrimBox"})
+        EXPECT_NE(plain.find(part), std::string::npos) << part;
+}
+
+TEST(PdfStructure, SharedAndInheritedResourcesAreCopiedNotChanged) {
+    DocumentBytes file;
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("<< /Type /Pages /Kids [3 0 R 4 0 R 5 0 R 10 0 R] /Count 4 /MediaBox [0 0 300 200] /Resources 7 0 R >>");
+    file.add("<< /Type /Page /Parent 2 0 R /Contents 6 0 R >>");
+    file.add("<< /Type /Page /Parent 2 0 R /Contents [6 0 R] /Resources 7 0 R >>");
+    file.add("<< /Type /Page /Parent 2 0 R >>");
+    file.addStream("q /ImprinterStamp0 Do Q");
+    file.add("<< /XObject 8 0 R /ProcSet [/PDF] >>");
+    file.add("<< /ImprinterStamp0 9 0 R >>");
+    file.addStream("1 0 0 rg 0 0 50 50 re f", "/Type /XObject /Subtype /Form /BBox [0 0 50 50]");
+    file.add("<< /Type /Page /Parent 2 0 R /Contents 6 0 R >>");
+    Work work(file.bytes());
+    work.task.configurations[0]->setOccurance(4);
+    work.task.configurations[0]->setCustomOccurance(u"1,3");
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(work.text(1), "Stamp\n\n\f");
+    EXPECT_EQ(work.text(2), "\f");
+    EXPECT_EQ(work.text(3), "Stamp\n\n\f");
+    // The page's own form of the name one would like is still drawn, on the stamped page and on the others.
+    for (const int page : {1, 2, 4})
+        EXPECT_EQ(shownPage(work.task.output, page).pixel(5, 195), qRgb(255, 0, 0)) << page;
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos);
+}
+
+TEST(PdfStructure, EqualStampsAreOneObject) {
+    Work work(document(50, kPage, "0 0 9 9 re f"));
+    ASSERT_TRUE(work.stamp());
+    const auto plain = work.plain();
+    std::size_t forms = 0;
+    for (auto at = plain.find("/Subtype /Form"); at != std::string::npos; at = plain.find("/Subtype /Form", at + 1))
+        ++forms;
+    EXPECT_EQ(forms, 1U);
+    EXPECT_LT(std::filesystem::file_size(work.task.output),
+              std::filesystem::file_size(work.task.input) + 50 * 120 + 8000);
+}
+
+TEST(PdfStructure, StampsAreMarkedAsArtifactsWithTheirConfiguration) {
+    Work work(document(1, kPage, "0 0 9 9 re f"));
+    ASSERT_TRUE(work.stamp());
+    EXPECT_NE(work.plain().find("/Artifact <</Type /Pagination /Subtype /Watermark /ImprinterStamp "
+                                "(A5C0FFEE-0000-4000-8000-000000000001)>> BDC"),
+              std::string::npos);
+}
+
+TEST(PdfStructure, OldVersionsAreRaisedForTransparency) {
+    Work work(document(1, kPage, ""));
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(readFile(work.task.output).substr(0, 8), "%PDF-1.4");
+}
+
+TEST(PdfStructure, ObjectStreamsAndLinearizationAreKept) {
+    Work work(document(30, kPage, "0 0 9 9 re f"));
+    work.makeOver("--object-streams=generate");
+    ASSERT_TRUE(work.stamp());
+    EXPECT_NE(readFile(work.task.output).find("/ObjStm"), std::string::npos);
+    EXPECT_EQ(work.check().find("linearized: no"), std::string::npos);
+
+    Work web(document(30, kPage, "0 0 9 9 re f"));
+    web.makeOver("--linearize");
+    ASSERT_TRUE(web.stamp());
+    EXPECT_NE(web.check().find("File is linearized"), std::string::npos) << web.check();
+    EXPECT_EQ(web.check().find("WARNING"), std::string::npos) << web.check();
+}
+
+TEST(PdfStructure, EncryptionIsKeptAndAsksForItsPassword) {
+    for (const char* cipher : {"256", "128 --use-aes=y", "128 --use-aes=n", "40"}) {
+        SCOPED_TRACE(cipher);
+        Work work(document(1, kPage, "0 0 9 9 re f"));
+        const auto kind = std::string(cipher);
+        work.makeOver("--allow-weak-crypto --encrypt user owner " + kind + " --");
+        EXPECT_EQ(work.stamp().code, Code::encrypted);
+        work.task.password = "wrong";
+        EXPECT_EQ(work.stamp().code, Code::encrypted);
+        EXPECT_EQ(work.folder.names(), std::vector<std::string>{"in.pdf"});
+        work.task.password = "user";
+        const auto outcome = work.stamp();
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        EXPECT_EQ(work.text(1, "user"), "Stamp\n\n\f");
+        EXPECT_NE(run("pdftotext " + quoted(work.task.output) + " -").status, 0);
+        EXPECT_EQ(run("qpdf --check --password=owner " + quoted(work.task.output)).status, 0);
+    }
+}
+
+TEST(PdfStructure, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
+    Work work(document(1, kPage, "0 0 9 9 re f"));
+    work.makeOver("--encrypt '' owner 256 --modify=none --");
+    EXPECT_EQ(work.stamp().code, Code::notPermitted);
+    work.task.password = "owner";
+    EXPECT_TRUE(work.stamp());
+    EXPECT_NE(run("qpdf --show-encryption " + quoted(work.task.output)).output.find("modify anything: not allowed"),
+              std::string::npos);
+}
+
+TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
+    Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >>"));
+    EXPECT_EQ(work.stamp().code, Code::isSigned);
+    work.task.breakSignatures = true;
+    EXPECT_TRUE(work.stamp());
+}
+
+TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
+    const auto form = [](const std::string& value) {
+        return "/AcroForm << /Fields [<< /T (a) /Kids [<< /FT /Sig /T (b) " + value + " >>] >>] >>";
+    };
+    EXPECT_EQ(Work(document(1, kPage, "", form("/V << /Type /Sig >>"))).stamp().code, Code::isSigned);
+    EXPECT_EQ(Work(document(1, kPage, "", form(""))).stamp().code, Code::ok);
+}
+
+TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
+    Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >> /Perms << /DocMDP << /Type /Sig >> >>"));
+    work.task.breakSignatures = true;
+    EXPECT_EQ(work.stamp().code, Code::certified);
+}
+
+TEST(PdfStructure, APageThatStandsTwiceInTheTreeGetsTheStampOfEachPlace) {
+    DocumentBytes file;
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("<< /Type /Pages /Kids [3 0 R 3 0 R] /Count 2 /MediaBox [0 0 300 200] >>");
+    file.add("<< /Type /Page /Parent 2 0 R >>");
+    Work work(file.bytes());
+    work.task.configurations[0]->setTitleTokens(std::make_shared<const std::vector<host::TitleToken>>(
+        std::vector<host::TitleToken>{std::u16string(u"%pageNumber%")}));
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(work.text(1), "1\n\n\f");
+    EXPECT_EQ(work.text(2), "2\n\n\f");
+}
+
+TEST(PdfStructure, RepairedDocumentsAreReported) {
+    auto bytes = document(1, kPage, "0 0 9 9 re f");
+    bytes.replace(bytes.find("startxref"), 9, "startnoth");
+    Work work("junk before the header\n" + bytes);
+    const auto outcome = work.stamp();
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_EQ(outcome.warnings.size(), 1U);
+    EXPECT_EQ(work.text(), "Stamp\n\n\f");
+}
+
+TEST(PdfStructure, TheSameJobGivesTheSameBytes) {
+    Work work(document(3, kPage, "0 0 9 9 re f"), u"Same every time");
+    ASSERT_TRUE(work.stamp());
+    const auto first = readFile(work.task.output);
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(readFile(work.task.output), first);
+}
+
+TEST(PdfStructure, StampingTwiceAddsASecondStamp) {
+    Work work(document(1, kPage, "0 0 9 9 re f"));
+    ASSERT_TRUE(work.stamp());
+    auto again = work.task;
+    again.input = work.task.output;
+    again.output = work.folder / "again.pdf";
+    again.configurations[0]->setPosition(8);
+    ASSERT_TRUE(engine::stampFile(again));
+    const auto text = run("pdftotext -q " + quoted(again.output) + " -").output;
+    EXPECT_EQ(text, "Stamp\n\nStamp\n\n\f");
+}
+
+TEST(PdfStructure, OddPageAttributesCountAsTheirDefaults) {
+    for (const char* entries : {"", "/MediaBox [0 0 0 0]", "/MediaBox (none)", "/MediaBox [0 0 300 200] /Rotate 45",
+                                "/MediaBox [0 0 300 200] /Rotate /None", "/MediaBox [0 0 300 200] /UserUnit -1",
+                                "/MediaBox [300 200 0 0] /CropBox [900 900 999 999]",
+                                "/MediaBox [0 0 300 200] /Contents null", "/MediaBox [0 0 300 200] /Resources 12"}) {
+        SCOPED_TRACE(entries);
+        Work work(document(1, entries, "0 0 9 9 re f"));
+        const auto outcome = work.stamp();
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        EXPECT_EQ(work.text(), "Stamp\n\n\f");
+    }
+}
+
+TEST(PdfStructure, ADocumentWhoseTrailerLacksItsSizeComesOutWhole) {
+    auto bytes = document(1, kPage, "0 0 9 9 re f");
+    bytes.replace(bytes.rfind("/Size"), 7, "       ");
+    Work work(bytes);
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos) << work.check();
+}

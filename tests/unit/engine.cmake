@@ -1,0 +1,10 @@
+# The engine's parts that know no toolkit.
+add_executable(unit_engine
+    ${CMAKE_SOURCE_DIR}/tests/unit/engine_content.cpp
+    ${CMAKE_SOURCE_DIR}/tests/unit/engine_layout.cpp
+    ${CMAKE_SOURCE_DIR}/tests/unit/engine_pages.cpp
+    ${CMAKE_SOURCE_DIR}/tests/unit/engine_placement.cpp
+)
+target_include_directories(unit_engine PRIVATE ${CMAKE_SOURCE_DIR}/standalone/engine)
+target_link_libraries(unit_engine PRIVATE engine_layout GTest::gtest_main)
+gtest_discover_tests(unit_engine PROPERTIES LABELS unit)

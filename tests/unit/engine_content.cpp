@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "CompactFont.h"
+#include "ContentScan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using engine::scanContent;
+
+TEST(ContentScan, BalancedContentLeavesNothing) {
+    const auto balance = scanContent("q 1 0 0 1 0 0 cm BT /F0 12 Tf (x) Tj ET /A BMC EMC Q");
+    EXPECT_EQ(balance.openStates, 0U);
+    EXPECT_TRUE(balance.surplusRestores.empty());
+    EXPECT_FALSE(balance.openText);
+    EXPECT_EQ(balance.openMarks, 0U);
+}
+
+TEST(ContentScan, WhatIsLeftOpenIsCounted) {
+    const auto balance = scanContent("q q Q q /A<</B[(]>>)]>>BDC/C BMC EMC BT");
+    EXPECT_EQ(balance.openStates, 2U);
+    EXPECT_EQ(balance.openMarks, 1U);
+    EXPECT_TRUE(balance.openText);
+}
+
+TEST(ContentScan, SurplusRestoresAreFoundWhereTheyStand) {
+    const auto balance = scanContent("Q q Q Q\nq");
+    EXPECT_EQ(balance.surplusRestores, (std::vector<std::size_t>{0, 6}));
+    EXPECT_EQ(balance.openStates, 1U);
+}
+
+TEST(ContentScan, StringsCommentsNamesAndImageDataAreNoOperators) {
+    for (const char* content :
+         {"(q (q) \\) q) Tj", "<71 q>", "% q q q\n", "% q q\r", "/q /Q gs", "qq QQ q1 [/q]",
+          "BI /W 1 /H 1 ID q q\x01 EI \x02 q\nEI ", "(unfinished q", "<71", "% at the end", "(\\"}) {
+        SCOPED_TRACE(content);
+        const auto balance = scanContent(content);
+        EXPECT_EQ(balance.openStates, 0U);
+        EXPECT_TRUE(balance.surplusRestores.empty());
+    }
+}
+
+TEST(ContentScan, DelimitersEndOperators) {
+    EXPECT_EQ(scanContent("q[]q/A q(x)q<78>q%").openStates, 5U);
+    EXPECT_EQ(scanContent("q<</A/B>>q").openStates, 2U);
+}
+
+TEST(ContentScan, OperatorsAfterAnImageCount) {
+    EXPECT_EQ(scanContent("q BI /W 1 ID \xff\xfe EI Q Q").surplusRestores.size(), 1U);
+    EXPECT_EQ(scanContent("/ID gs q").openStates, 1U);
+}
+
+TEST(CompactFonts, BytesThatAreNoTableAreRefused) {
+    const std::string bytes("\x01\x00\x04\x02\x00\x01\x01\x01\x05"
+                            "Name\x00\x01\x01\x01\x09",
+                            18);
+    for (std::size_t length = 0; length <= bytes.size(); ++length)
+        EXPECT_FALSE(engine::compactFontIdentifiers(bytes.substr(0, length), 3)) << length;
+}
+
+TEST(CompactFonts, TheCharsetOfACidKeyedTableGivesIdentifiers) {
+    // Header, one name, a top dictionary of ROS and charset, and a charset of format 2: 7 and 8, then 300.
+    std::string bytes("\x01\x00\x04\x02", 4);
+    bytes += std::string("\x00\x01\x01\x01\x02"
+                         "N",
+                         6);
+    const std::string dictionary("\x8b\x8b\x8b\x0c\x1e\xab\x0f", 7); // 0 0 0 ROS, 32 charset
+    bytes += std::string("\x00\x01\x01\x01", 4) + static_cast<char>(1 + dictionary.size()) + dictionary;
+    bytes.resize(32);
+    bytes += std::string("\x02\x00\x07\x00\x01\x01\x2c\x00\x00", 9);
+    const auto identifiers = engine::compactFontIdentifiers(bytes, 4);
+    ASSERT_TRUE(identifiers);
+    EXPECT_EQ(*identifiers, (std::vector<unsigned>{0, 7, 8, 300}));
+    EXPECT_FALSE(engine::compactFontIdentifiers(bytes, 9));
+}
