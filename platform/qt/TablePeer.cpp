@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace platform::qt {
@@ -57,10 +58,6 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
     selectionModel()->setCurrentIndex(m_model->index(static_cast<int>(current), 0), QItemSelectionModel::NoUpdate);
     if (rows.count() < 2)
         m_anchor = current;
-}
-
-void TableWidget::setHeaderBorder(bool border) {
-    m_header->setBottomBorder(border);
 }
 
 void TableWidget::mousePressEvent(QMouseEvent* event) {
@@ -258,8 +255,8 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->horizontalHeader()->setVisible(visible);
-            table->setHeaderBorder(bottomBorder);
+            table->headerView().setVisible(visible);
+            table->headerView().setBottomBorder(bottomBorder);
         }
     }
     void reload(NSInteger rows) override {

@@ -21,7 +21,7 @@ public:
     void reload(NSInteger rows);
     void showSelection(const NSIndexSet& rows, NSInteger current);
     void showTitle(int column) { m_model->titleChanged(column); }
-    void setHeaderBorder(bool border);
+    TableHeader& headerView() const { return *m_header; }
 
     /// Opens the editor of a cell that can be edited.
     void rename(const QModelIndex& index);
