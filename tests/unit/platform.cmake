@@ -29,4 +29,6 @@ target_include_directories(unit_platform PRIVATE
 target_compile_definitions(unit_platform PRIVATE BUNDLE_LIBRARY="$<TARGET_FILE:unit_bundle>")
 target_link_libraries(unit_platform PRIVATE PkgConfig::FONTCONFIG EXPAT::EXPAT GTest::gtest_main ${CMAKE_DL_LIBS})
 add_dependencies(unit_platform unit_bundle)
-gtest_discover_tests(unit_platform PROPERTIES LABELS unit)
+# One process for all: starting one for each test would take ten times as long as the tests.
+add_test(NAME unit_platform COMMAND unit_platform --gtest_brief=1)
+set_tests_properties(unit_platform PROPERTIES LABELS unit)

@@ -26,3 +26,8 @@ const platform::ClassRegistration registration{
 } // namespace
 
 } // namespace platform_test
+
+/// The font catalog keeps a part of its own configuration until the program ends.
+extern "C" const char* __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
+    return "leak:libfontconfig";
+}
