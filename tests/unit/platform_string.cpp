@@ -65,6 +65,8 @@ TEST(WholeNumberOfAText, IsReadFromItsStart) {
         {"other digits are not read", u"\u0661\u0662", 0},
         {"full-width digits are not read", u"\uFF11", 0},
         {"largest", u"9223372036854775807", largest},
+        {"a little less than the largest", u"9223372036854775800", largest - 7},
+        {"a little more than the smallest", u"-9223372036854775801", smallest + 7},
         {"one more than the largest", u"9223372036854775808", largest},
         {"far more than the largest", u"99999999999999999999999", largest},
         {"smallest", u"-9223372036854775808", smallest},

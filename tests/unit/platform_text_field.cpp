@@ -174,6 +174,13 @@ TEST_F(Editing, TakesTheTextOverBeforeTheEndIsTold) {
     EXPECT_EQ(seen, (std::vector<std::u16string>{u"new", u"new"}));
 }
 
+TEST_F(Editing, ThatHasEndedCannotBeAbandonedAnyMore) {
+    type(u"new");
+    field->userEndsEditing(Ending::tabKey);
+    field->setEnabled(false);
+    EXPECT_EQ(field->stringValue(), u"new");
+}
+
 TEST_F(Editing, HasEndedWhenTheEndIsTold) {
     bool edited = true;
     handlers["did end"] = [&] { edited = field->isBeingEdited(); };
