@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QPushButton>
 #include <QTabBar>
 #include <QToolButton>
 
@@ -21,9 +22,13 @@ protected:
     std::vector<std::string> clipped() {
         std::vector<std::string> found;
         const auto check = [&](const QWidget& widget, const QString& text) {
-            if (widget.isVisible() && !text.isEmpty() && widget.sizeHint().width() > widget.width())
+            // A push button asks for more than its text needs, so that a row of them looks even.
+            const int needed = qobject_cast<const QPushButton*>(&widget)
+                                   ? widget.fontMetrics().size(Qt::TextShowMnemonic, text).width() + 8
+                                   : widget.sizeHint().width();
+            if (widget.isVisible() && !text.isEmpty() && needed > widget.width())
                 found.push_back(widget.objectName().toStdString() + " \"" + text.toStdString() + "\" needs " +
-                                std::to_string(widget.sizeHint().width()) + ", has " + std::to_string(widget.width()));
+                                std::to_string(needed) + ", has " + std::to_string(widget.width()));
         };
         for (const auto* label : window->findChildren<QLabel*>())
             if (!label->wordWrap())
