@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     std::filesystem::path store = store::Store::defaultPath();
     if (!arguments.empty() && arguments[0] == "--store") {
-        if (arguments.size() < 2) {
+        if (arguments.size() < 2 || arguments[1].empty()) {
             std::cerr << "imprinter: --store needs a value\n";
             return cli::usage;
         }
@@ -28,6 +28,17 @@ int main(int argc, char** argv) {
         }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
+        if (command == "list" || command == "stamp" || command == "pictures") {
+            if (cli::askForHelp(arguments)) {
+                std::cout << cli::helpText;
+                return cli::done;
+            }
+            if (cli::nameAStore(arguments)) {
+                std::cerr << "imprinter: --store stands before the command: imprinter --store FILE " << command
+                          << " ...\n";
+                return cli::usage;
+            }
+        }
         if (command == "list")
             return cli::list(store, arguments);
         if (command == "stamp")
@@ -37,6 +48,8 @@ int main(int argc, char** argv) {
                 std::cerr << "imprinter: `pictures` takes the folder to leave them in\n";
                 return cli::usage;
             }
+            if (!cli::isUsable(store))
+                return cli::noConfiguration;
             if (!cli::hasDisplay())
                 setenv("QT_QPA_PLATFORM", "offscreen", 0);
             return app::drawPictures(argc, argv, store, arguments.front());
