@@ -20,12 +20,11 @@ int main(int argc, char** argv) {
     }
     try {
         if (arguments.empty()) {
-            if (!cli::hasDisplay()) {
+            const int status = cli::hasDisplay() ? app::runWindow(argc, argv, store) : app::noDisplay;
+            if (status == app::noDisplay)
                 std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works "
                              "without one\n";
-                return cli::failed;
-            }
-            return app::runWindow(argc, argv, store);
+            return status;
         }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());

@@ -225,8 +225,15 @@ TEST_F(CommandLine, HelpShowsEveryCommand) {
 
 TEST_F(CommandLine, WithoutADisplayTheWindowSaysSo) {
     const auto run = imprinter("");
-    EXPECT_NE(run.status, 0);
+    EXPECT_EQ(run.status, 5);
     EXPECT_NE(run.output.find("display"), std::string::npos) << run.output;
+}
+
+TEST_F(CommandLine, ADisplayThatIsNotThereIsSaidToBeNone) {
+    const auto run =
+        render::run("DISPLAY=:4711 WAYLAND_DISPLAY= HOME=" + quoted(folder.path()) + " " + quoted(IMPRINTER));
+    EXPECT_EQ(run.status, 5) << run.output;
+    EXPECT_NE(run.output.find("there is no display"), std::string::npos) << run.output;
 }
 
 TEST_F(CommandLine, LeavesPicturesOfTheProgramWithoutADisplay) {

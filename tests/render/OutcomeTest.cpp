@@ -129,7 +129,7 @@ TEST(Outcomes, ProgressIsToldAndCanEndTheRun) {
 }
 
 TEST(Outcomes, NumbersInDocumentsDoNotFollowTheLocale) {
-    // A locale whose decimal sign is a comma, where the machine has one; the C++ locale follows a facet of our own.
+    // A global locale whose decimal sign is a comma, on any machine.
     struct Comma final : std::numpunct<char> {
         char do_decimal_point() const override { return ','; }
     };
