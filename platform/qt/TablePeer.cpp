@@ -68,7 +68,7 @@ void TableWidget::mousePressEvent(QMouseEvent* event) {
 void TableWidget::press(const QModelIndex& index, Qt::KeyboardModifiers modifiers) {
     const auto table = m_table.lock();
     ++m_renameRequests;
-    if (!table || !commitEditing())
+    if (!table)
         return;
     const auto row = static_cast<NSInteger>(index.row()); // -1 in the empty area
     const bool multiple = table->allowsMultipleSelection();

@@ -103,6 +103,13 @@ TEST_F(MatrixTest, TheFocusGoesToTheSelectedCellOrTheFirst) {
     EXPECT_EQ(owner->taken(), Log());
 }
 
+TEST_F(MatrixTest, OnlyTheViewTurnsAChoiceOver) {
+    matrix.reset();
+    contents = {};
+    press("even");
+    EXPECT_EQ(on(), "");
+}
+
 TEST_F(MatrixTest, ACellsTitleCanBeChangedAfterwards) {
     matrix->cellWithTag(0)->setTitle(u"Every Page");
     EXPECT_EQ(button("every")->text(), "Every Page");
