@@ -13,6 +13,7 @@
 namespace platform {
 
 class NSMatrix;
+class NSPopUpButton;
 
 class ViewPeer {
 public:
@@ -20,7 +21,8 @@ public:
     virtual void setHidden(bool hidden) = 0;
     virtual void setEnabled(bool enabled) = 0;
     virtual std::shared_ptr<NSWindow> window() = 0;
-    /// Takes the focus; a text field selects all of its text. NO where the field that has it refused to end its editing.
+    /// Takes the focus; a text field selects all of its text. NO where the field that has it refused to end its
+    /// editing.
     virtual bool focus() = 0;
     virtual void setMenu(const std::shared_ptr<NSMenu>&) {}
     virtual void setToolTip(const std::u16string&) {}
@@ -65,6 +67,12 @@ public:
 class ColorWellPeer : public virtual ViewPeer {
 public:
     virtual void setColor(const NSColor& color) = 0;
+};
+
+class PopUpPeer : public virtual ViewPeer {
+public:
+    /// What the button shows while its menu is closed.
+    virtual void showFace(const NSPopUpButton& button) = 0;
 };
 
 class TabPeer : public virtual ViewPeer {
