@@ -47,6 +47,12 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setCentralWidget(widgetOf(*m_pane->view()));
     m_pane->didShow();
 
+    m_order = new OrderPalette(m_session.model(), *m_pane, this);
+    m_session.setOnModelChange([this](const auto&) {
+        if (m_order->isVisible())
+            m_order->refresh();
+    });
+
     m_selectionObserver = NSNotificationCenter::defaultCenter().addObserverForNameObjectQueueUsingBlock(
         NSTableViewSelectionDidChangeNotification, m_pane->table(), nullptr,
         [this](const NSNotification&) { rememberSelection(); });
@@ -55,6 +61,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
 MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
+    m_session.setOnModelChange({});
 }
 
 void MainWindow::makeMenus() {
@@ -68,6 +75,9 @@ void MainWindow::makeMenus() {
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
+    auto* window = menuBar()->addMenu(text(u"&Window"));
+    auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
+    order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
 }
 
 bool MainWindow::event(QEvent* event) {
@@ -92,7 +102,11 @@ void MainWindow::afterFirstPaint() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     bool left = false;
-    runGuarded([&] { left = m_pane->leave(); });
+    runGuarded([&] {
+        left = m_pane->leave();
+        if (left && !m_session.hasUnsaved())
+            m_session.saveChanges();
+    });
     if (left && m_session.hasUnsaved()) {
         // Once told, the user may close again and do without.
         left = m_warned;
@@ -106,6 +120,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(left);
     if (left)
         runGuarded([&] {
+            m_order->close();
             takeCentralWidget();
             m_pane->didLeave();
         });
@@ -145,6 +160,12 @@ void MainWindow::editSettings() {
     SettingsDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted)
         m_pane->refresh(m_session.model());
+}
+
+void MainWindow::showOrder() {
+    m_order->show();
+    m_order->raise();
+    m_order->activateWindow();
 }
 
 void MainWindow::tellSaveFailure(const store::Failure& failure) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "OrderPalette.h"
 #include "PaneHost.h"
 #include "Session.h"
 
@@ -28,10 +29,12 @@ private:
     void rememberSelection();
     void stampDocument();
     void editSettings();
+    void showOrder();
     void tellSaveFailure(const store::Failure& failure);
 
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
+    OrderPalette* m_order;
     platform::NSNotificationCenter::Token m_selectionObserver;
     bool m_painted = false;
     bool m_warned = false;

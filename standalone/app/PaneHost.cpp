@@ -46,11 +46,15 @@ std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() c
     return object ? std::dynamic_pointer_cast<host::ImprinterConfiguration>(*object) : nullptr;
 }
 
+bool PaneHost::commitEditing() {
+    const auto window = view()->window();
+    return !window || window->makeFirstResponder(nullptr);
+}
+
 bool PaneHost::leave() {
     if (!m_pane->isSelected())
         return true;
-    const auto window = view()->window();
-    if (window && !window->makeFirstResponder(nullptr))
+    if (!commitEditing())
         return false;
     if (m_pane->shouldUnselect() == NSPreferencePaneUnselectReply::cancel)
         return false;

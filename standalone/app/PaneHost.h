@@ -24,6 +24,8 @@ public:
     void willShow() { m_pane->willSelect(); }
     void didShow() { m_pane->didSelect(); }
 
+    /// Commits the edit in progress. NO where a field refused to end it.
+    bool commitEditing();
     /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO where an edit or the
     /// pane refused.
     bool leave();
