@@ -16,6 +16,7 @@
 #include <AppKit/NSStepper.h>
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSClass.h>
+#include <Foundation/NSKeyedUnarchiver.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
@@ -32,6 +33,13 @@ namespace {
 
 constexpr auto occurrenceEveryPage = static_cast<NSInteger>(host::Occurrence::everyPage);
 constexpr auto occurrenceCustom = static_cast<NSInteger>(host::Occurrence::custom);
+
+/// Tags of the commands that need a selected row.
+constexpr NSInteger duplicateTag = 1;
+constexpr NSInteger deleteTag = 2;
+
+/// How long after a change of the list the row to show is selected, in seconds.
+constexpr double selectionDelay = 0.2;
 
 bool isBlank(const std::u16string& text) {
     return stringByTrimmingWhitespaceAndNewlines(text).empty();
@@ -118,6 +126,9 @@ NSClass VelImprinterPrefPane::describeClass() {
         .outlet(u"fontColourLabel", &Pane::m_fontColourLabel);
     table.action(u"onDuplicateRecord:", &Pane::onDuplicateRecord)
         .action(u"onPreview:", &Pane::onPreview)
+        .action(u"addConfiguration:", &Pane::addConfiguration)
+        .action(u"createCombinedConfiguration:", &Pane::createCombinedConfiguration)
+        .action(u"duplicateConfiguration:", &Pane::duplicateConfiguration)
         .action(u"deleteConfiguration:", &Pane::deleteConfiguration)
         .action(u"onConfigurationNameChanged:", &Pane::onConfigurationNameChanged)
         .action(u"onChangePosition:", &Pane::onChangePosition)
@@ -367,12 +378,140 @@ void VelImprinterPrefPane::willUnselect() {
 }
 
 std::shared_ptr<NSMenu> VelImprinterPrefPane::buildActionMenu() {
-    return nullptr;
+    auto menu = std::make_shared<NSMenu>();
+    menu->setDelegate(self());
+    const auto add = [&](const std::u16string& title, const std::u16string& action, NSInteger tag = 0) {
+        const auto item =
+            menu->addItemWithTitleActionKeyEquivalent(title.empty() ? title : localized(title), action, u"");
+        item->setTarget(self());
+        item->setTag(tag);
+        return item;
+    };
+    const auto addSeparator = [&] {
+        const auto separator = NSMenuItem::separatorItem();
+        separator->setTarget(self());
+        menu->addItem(separator);
+    };
+    add(u"", u"")->setImageNamed(u"NSActionTemplate");
+    add(u"New Configuration", u"addConfiguration:");
+    add(u"New Combined Configuration", u"createCombinedConfiguration:");
+    addSeparator();
+    add(u"Duplicate Configuration", u"duplicateConfiguration:", duplicateTag);
+    addSeparator();
+    add(u"Delete Configuration", u"deleteConfiguration:", deleteTag);
+    return menu;
 }
 
-void VelImprinterPrefPane::deleteConfiguration(const std::shared_ptr<NSObject>&) {}
+bool VelImprinterPrefPane::validateUserInterfaceItem(const NSValidatedUserInterfaceItem& item) {
+    if (item.tag() != duplicateTag && item.tag() != deleteTag)
+        return true;
+    const auto table = m_tableView.lock();
+    return table && table->selectedRowIndexes().count() > 0;
+}
 
-void VelImprinterPrefPane::onConfigurationNameChanged(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::addConfiguration(const std::shared_ptr<NSObject>&) {
+    createConfiguration(false, u"New Imprinter");
+}
+
+void VelImprinterPrefPane::createCombinedConfiguration(const std::shared_ptr<NSObject>&) {
+    createConfiguration(true, u"New Combined Imprint");
+}
+
+void VelImprinterPrefPane::createConfiguration(bool combined, const std::u16string& englishName) {
+    if (!m_imprinter)
+        return;
+    const auto made = m_imprinter->createConfiguration(combined);
+    tell(made, &host::ImprinterConfiguration::setName, localized(englishName));
+    tell(m_tableView, &NSTableView::reloadData);
+    enableControls(true);
+    dispatchAfter(selectionDelay, [pane = self(), made] {
+        const auto row = pane->m_imprinter->indexOfConfiguration(made);
+        if (row == NSNotFound) // deleted meanwhile
+            return;
+        tell(pane->m_tableView, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(row), false);
+        pane->setCurrentConfiguration(made);
+    });
+}
+
+void VelImprinterPrefPane::duplicateConfiguration(const std::shared_ptr<NSObject>&) {
+    tell(m_imprinter, &host::Imprinter::duplicateConfigurationAtIndex, tell(m_tableView, &NSTableView::selectedRow));
+    tell(m_tableView, &NSTableView::reloadData);
+}
+
+void VelImprinterPrefPane::deleteConfiguration(const std::shared_ptr<NSObject>&) {
+    const auto alive = self(); // whoever answers the alert may let go of the pane
+    // The configuration being edited, whatever row is selected; asked for before the list can change under the alert.
+    const auto index = tell(m_imprinter, &host::Imprinter::indexOfConfiguration, m_currentConfiguration);
+    const auto alert = std::make_shared<NSAlert>();
+    alert->setAlertStyle(NSAlertStyle::warning);
+    alert->addButtonWithTitle(localized(u"Delete"));
+    alert->addButtonWithTitle(localized(u"Cancel"));
+    alert->setMessageText(stringWithFormat(localized(u"Delete %@?"),
+                                           {tell(m_currentConfiguration, &host::ImprinterConfiguration::name)}));
+    alert->setInformativeText(localized(u"Deleted configurations cannot be restored."));
+    if (alert->runModal() == NSAlertFirstButtonReturn)
+        deleteConfigurationAtIndex(index);
+}
+
+void VelImprinterPrefPane::deleteConfigurationAtIndex(NSUInteger index) {
+    tell(m_imprinter, &host::Imprinter::deleteConfigurationAtIndex, index);
+    const auto left = count(configurations());
+    tell(m_tableView, &NSTableView::reloadData);
+    if (left == 0) {
+        tell(m_mainTabView, &NSTabView::selectTabViewItemWithIdentifier, u"No Imprint");
+        tell(m_previewBtn, &NSControl::setEnabled, false);
+        tell(m_deleteConfigurationBtn, &NSControl::setEnabled, false);
+        tell(m_duplicateRecBtn, &NSView::setHidden, true);
+        return;
+    }
+    const auto row = index < left ? index : index - 1;
+    dispatchAfter(selectionDelay, [pane = self(), row] {
+        const auto next = pane->configuarationAtIndex(static_cast<NSInteger>(row));
+        if (!next) // the list has become shorter meanwhile, or never had the row
+            return;
+        tell(pane->m_tableView, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(row), false);
+        pane->setCurrentConfiguration(next);
+    });
+}
+
+void VelImprinterPrefPane::onConfigurationNameChanged(const std::shared_ptr<NSObject>& sender) {
+    const auto row = tell(m_tableView, &NSTableView::selectedRow);
+    if (row == -1 || !configurations())
+        return;
+    const auto name = tell(std::dynamic_pointer_cast<NSControl>(sender), &NSControl::stringValue);
+    if (const auto configuration = configuarationAtIndex(row); configuration && !name.empty())
+        configuration->setName(name);
+}
+
+bool VelImprinterPrefPane::canDragRowsWithIndexesAtPoint(const NSIndexSet&, NSPoint) const {
+    return false;
+}
+
+NSDragOperation VelImprinterPrefPane::tableViewValidateDropProposedRowProposedDropOperation(
+    const std::shared_ptr<NSTableView>&, const std::shared_ptr<NSDraggingInfo>& info, NSInteger,
+    NSTableViewDropOperation operation) {
+    const bool ownDrag = tell(info, &NSDraggingInfo::draggingSource) != nullptr;
+    return operation == NSTableViewDropOperation::above && ownDrag ? NSDragOperationMove : NSDragOperationNone;
+}
+
+bool VelImprinterPrefPane::tableViewAcceptDropRowDropOperation(const std::shared_ptr<NSTableView>& table,
+                                                               const std::shared_ptr<NSDraggingInfo>& info,
+                                                               NSInteger row, NSTableViewDropOperation operation) {
+    if (tableViewValidateDropProposedRowProposedDropOperation(table, info, row, operation) == NSDragOperationNone)
+        return false;
+    const auto data = tell(info->draggingPasteboard(), &NSPasteboard::dataForType, VelImprintPasteboardType);
+    const auto archive = NSKeyedUnarchiver::initForReadingFromData(data);
+    tell(archive, &NSKeyedUnarchiver::setRequiresSecureCoding, false);
+    const auto rows =
+        archive ? archive->decodeTopLevelObjectOfClassForKey<NSIndexSet>(NSKeyedArchiveRootObjectKey) : std::nullopt;
+    // The first index of no set at all is 0, as a message to nil answers; that of an empty set is NSNotFound.
+    const auto source = rows ? rows->firstIndex() : 0;
+    const auto target = static_cast<NSUInteger>(row);
+    if (source != target)
+        tell(m_imprinter, &host::Imprinter::moveConfigurationAtIndexTo, source, target);
+    tell(m_tableView, &NSTableView::reloadData);
+    return true;
+}
 
 void VelImprinterPrefPane::updatePreview() {
     if (!m_currentConfiguration)

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSMenu.h>
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
+#include <Foundation/NSGeometry.h>
 #include <Foundation/NSURL.h>
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/Imprinter.h>
@@ -42,6 +44,8 @@ class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSTableViewDataSource,
                              public platform::NSTableViewDelegate,
                              public platform::NSTabViewDelegate,
+                             public platform::NSMenuDelegate,
+                             public platform::NSUserInterfaceValidations,
                              public platform::NSControlTextEditingDelegate {
 public:
     using NSObject = platform::NSObject;
@@ -101,11 +105,33 @@ public:
     bool tabViewShouldSelectTabViewItem(const std::shared_ptr<platform::NSTabView>& tabView,
                                         const std::shared_ptr<platform::NSTabViewItem>& item) override;
 
-    // Commands on configurations: entry points of the interface file
+    // Commands on configurations. The host changes the list; the pane shows it anew and selects.
 
+    /// A new menu, with an item without title as the face of the button that pulls it down.
     virtual std::shared_ptr<platform::NSMenu> buildActionMenu();
+    /// What needs a selected row is enabled while there is one.
+    bool validateUserInterfaceItem(const platform::NSValidatedUserInterfaceItem& item) override;
+    /// The new configuration is selected and shown 0.2 seconds later.
+    virtual void addConfiguration(const std::shared_ptr<NSObject>& sender);
+    virtual void createCombinedConfiguration(const std::shared_ptr<NSObject>& sender);
+    virtual void duplicateConfiguration(const std::shared_ptr<NSObject>& sender);
+    /// Asks first, then deletes the configuration being edited.
     virtual void deleteConfiguration(const std::shared_ptr<NSObject>& sender);
+    /// The configuration that takes the row is selected and shown 0.2 seconds later; after the last one the empty page
+    /// is shown at once, and the deleted configuration stays the current one.
+    virtual void deleteConfigurationAtIndex(platform::NSUInteger index);
+    /// `sender` is the text field of the selected row. An empty name is ignored.
     virtual void onConfigurationNameChanged(const std::shared_ptr<NSObject>& sender);
+
+    /// NO: rows are moved by drops from elsewhere in the program, and the table starts no drags.
+    virtual bool canDragRowsWithIndexesAtPoint(const platform::NSIndexSet& rows, platform::NSPoint point) const;
+    platform::NSDragOperation tableViewValidateDropProposedRowProposedDropOperation(
+        const std::shared_ptr<platform::NSTableView>& table, const std::shared_ptr<platform::NSDraggingInfo>& info,
+        NSInteger row, platform::NSTableViewDropOperation operation) override;
+    /// Moves the first row of the index set that the drag carries; row 0 where there is no readable one.
+    bool tableViewAcceptDropRowDropOperation(const std::shared_ptr<platform::NSTableView>& table,
+                                             const std::shared_ptr<platform::NSDraggingInfo>& info, NSInteger row,
+                                             platform::NSTableViewDropOperation operation) override;
 
     // Preview
 
@@ -164,6 +190,7 @@ private:
     host::ConfigurationArray configurations() const;
     void selectRowOf(const ConfigurationPointer& configuration);
     void askForPageList();
+    void createConfiguration(bool combined, const std::u16string& englishName);
 
     std::shared_ptr<host::Imprinter> m_imprinter;
     ConfigurationPointer m_currentConfiguration;

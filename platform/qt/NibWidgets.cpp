@@ -115,12 +115,30 @@ void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& wi
     view->setPeer(makeColorWellPeer(widget));
 }
 
-void showPopUp(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget, NibText&) {
-    view->setPeer(makePopUpPeer(widget));
-}
-
 std::string nameOf(const QWidget& widget) {
     return widget.objectName().toStdString();
+}
+
+void showPopUp(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget, NibText& text) {
+    if (const auto cellClass = widget.property("cellClass").toString(); !cellClass.isEmpty()) {
+        const auto* cls = NSClassFromString(fromQt(cellClass));
+        const auto cell = cls && cls->make ? std::dynamic_pointer_cast<NSPopUpButtonCell>(cls->make()) : nullptr;
+        if (cell)
+            view->setCell(cell);
+        else if (cls)
+            text.report(nameOf(widget) + ": " + cellClass.toStdString() + " cannot be its cell");
+    }
+    view->setPullsDown(widget.property("pullsDown").toBool());
+    const auto tags = widget.property("tags").toStringList();
+    if (!tags.isEmpty() && tags.size() != widget.count())
+        text.report(nameOf(widget) + ": there are not as many tags as items");
+    for (int i = 0; i < widget.count(); ++i) {
+        const auto item = view->menu()->addItemWithTitleActionKeyEquivalent(text.localized(widget.itemText(i)), {}, {});
+        item->setTag(i < tags.size() ? tags[i].toLongLong() : 0);
+    }
+    if (widget.currentIndex() >= 0)
+        view->selectItemAtIndex(widget.currentIndex());
+    view->setPeer(makePopUpPeer(view, widget));
 }
 
 template <class Pages>

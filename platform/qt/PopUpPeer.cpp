@@ -1,15 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "PopUpPeer.h"
 
+#include "Menu.h"
+#include "NamedImage.h"
+
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 namespace platform::qt {
+
+void PopUpWidget::showFace(const NSPopUpButton& button) {
+    clear();
+    const auto face = std::static_pointer_cast<NSPopUpButtonCell>(button.cell())->faceItem();
+    // A button that is as wide as its widest choice has to know them all; else the face is enough.
+    if (sizeAdjustPolicy() == AdjustToContents && !button.pullsDown()) {
+        for (NSInteger i = 0; i < button.numberOfItems(); ++i)
+            addItem(toQt(button.itemAtIndex(i)->title()));
+        setCurrentIndex(static_cast<int>(button.indexOfSelectedItem()));
+    } else if (face) {
+        addItem(namedImage(face->imageName()), toQt(face->title()));
+    }
+}
+
+std::shared_ptr<NSMenuItem> PopUpWidget::runMenu(const NSPopUpButton& button, const NSMenu& menu) {
+    ShownMenu shown(menu, *this);
+    if (shown.isEmpty())
+        return nullptr;
+    shown.widget().setMinimumWidth(button.pullsDown() ? 0 : width());
+    if (button.pullsDown())
+        return shown.run(mapToGlobal(rect().bottomLeft()));
+    auto* selected = shown.lineOf(button.selectedItem());
+    shown.widget().setActiveAction(selected);
+    return shown.run(mapToGlobal(rect().topLeft()), selected);
+}
+
+void PopUpWidget::showPopup() {
+    enter([this] {
+        const auto button = m_button.lock();
+        if (!button || m_open)
+            return;
+        const QPointer<PopUpWidget> self(this);
+        m_open = true;
+        const auto menu = button->userOpens();
+        const auto chosen = menu && self ? runMenu(*button, *menu) : nullptr;
+        if (self)
+            m_open = false;
+        if (menu)
+            button->userChose(chosen);
+    });
+}
 
 void PopUpWidget::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
     case Qt::Key_Space:
+    case Qt::Key_F4:
         showPopup();
         break;
     default:
@@ -17,12 +63,34 @@ void PopUpWidget::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+void PopUpWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        showPopup();
+}
+
 void PopUpWidget::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
 
-std::unique_ptr<ViewPeer> makePopUpPeer(PopUpWidget& widget) {
-    return std::make_unique<WidgetPeer>(widget);
+namespace {
+
+class FacePeer final : public WidgetPeer, public PopUpPeer {
+public:
+    using WidgetPeer::WidgetPeer;
+
+    void showFace(const NSPopUpButton& button) override {
+        if (auto* face = as<PopUpWidget>())
+            face->showFace(button);
+    }
+    // The menu is the button's own, not one for right clicks.
+    void setMenu(const std::shared_ptr<NSMenu>&) override {}
+};
+
+} // namespace
+
+std::unique_ptr<ViewPeer> makePopUpPeer(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget) {
+    widget.setButton(view);
+    return std::make_unique<FacePeer>(widget);
 }
 
 } // namespace platform::qt

@@ -3,21 +3,35 @@
 
 #include "WidgetPeer.h"
 
+#include <AppKit/NSPopUpButton.h>
+
 #include <QComboBox>
 
 namespace platform::qt {
 
-/// The face of a pop-up button. There is no change of selection without its menu: wheel and arrow keys step nothing.
+/// The face of a pop-up button, which opens the button's menu. There is no change of selection without that: wheel and
+/// arrow keys step nothing.
 class PopUpWidget final : public QComboBox {
 public:
     explicit PopUpWidget(QWidget* parent) : QComboBox(parent) {}
-    void showPopup() override {}
+
+    void setButton(const std::shared_ptr<NSPopUpButton>& button) { m_button = button; }
+    void showFace(const NSPopUpButton& button);
+    void showPopup() override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent*) override {}
     void wheelEvent(QWheelEvent* event) override;
+
+private:
+    std::shared_ptr<NSMenuItem> runMenu(const NSPopUpButton& button, const NSMenu& menu);
+
+    std::weak_ptr<NSPopUpButton> m_button;
+    bool m_open = false;
 };
 
-std::unique_ptr<ViewPeer> makePopUpPeer(PopUpWidget& widget);
+std::unique_ptr<ViewPeer> makePopUpPeer(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget);
 
 } // namespace platform::qt

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "TablePeer.h"
 
+#include "Dragging.h"
 #include "TextFieldPeer.h"
 
 #include <Foundation/dispatch.h>
@@ -243,6 +244,79 @@ void TableWidget::closeEditor() {
     closing->deleteLater();
 }
 
+void TableWidget::dragOver(const QDropEvent& event) {
+    NSDragOperation answer = NSDragOperationNone;
+    enter([&] {
+        const auto table = m_table.lock();
+        const auto at = event.position().toPoint();
+        const int row = rowAt(at.y());
+        const double into = row < 0 ? 0 : at.y() - rowViewportPosition(row) + 0.5;
+        if (table)
+            answer = table->userDragsOver(draggingInfoOf(event), row, row < 0 ? 0 : into / rowHeight(row));
+    });
+    m_dropAction = dropActionOf(answer);
+    viewport()->update();
+}
+
+void TableWidget::endDrag() {
+    stopAutoScroll();
+    setAutoScroll(false);
+    viewport()->update();
+}
+
+void TableWidget::dragEnterEvent(QDragEnterEvent* event) {
+    const auto table = m_table.lock();
+    // Taken even where the first place refuses: only then does the toolkit tell of the next ones.
+    if (!table || !draggingInfoOf(*event)->carries(table->registeredDraggedTypes()))
+        return event->ignore();
+    setAutoScroll(true); // on as long as the drag is over the table
+    event->accept();
+}
+
+void TableWidget::dragMoveEvent(QDragMoveEvent* event) {
+    dragOver(*event);
+    const int y = event->position().toPoint().y();
+    if (y < autoScrollMargin() || y > viewport()->height() - autoScrollMargin())
+        startAutoScroll();
+    if (!(event->possibleActions() & m_dropAction))
+        return event->ignore();
+    event->setDropAction(m_dropAction);
+    event->accept();
+}
+
+void TableWidget::dragLeaveEvent(QDragLeaveEvent*) {
+    tell(m_table, &NSTableView::userDragsOut);
+    endDrag();
+}
+
+void TableWidget::dropEvent(QDropEvent* event) {
+    const auto info = draggingInfoOf(*event);
+    bool accepted = false;
+    const QPointer<TableWidget> self(this);
+    enter([&] { accepted = tell(m_table, &NSTableView::userDrops, info); });
+    event->setDropAction(accepted ? m_dropAction : Qt::IgnoreAction);
+    event->setAccepted(accepted);
+    if (self)
+        endDrag();
+}
+
+void TableWidget::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    const auto table = m_table.lock();
+    if (!table || !table->proposedDrop())
+        return;
+    const auto [row, operation] = *table->proposedDrop();
+    const bool below = row >= table->numberOfRows();
+    const int boundary =
+        below ? verticalHeader()->length() - verticalOffset() : rowViewportPosition(static_cast<int>(row));
+    QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    if (operation == NSTableViewDropOperation::above)
+        painter.drawLine(0, std::max(boundary, 1), viewport()->width(), std::max(boundary, 1));
+    else
+        painter.drawRect(1, boundary + 1, viewport()->width() - 2, rowHeight(static_cast<int>(row)) - 2);
+}
+
 namespace {
 
 class RowsPeer final : public WidgetPeer, public TablePeer {
@@ -266,6 +340,10 @@ public:
     void setSelection(const NSIndexSet& rows, NSInteger current) override {
         if (auto* table = as<TableWidget>())
             table->showSelection(rows, current);
+    }
+    void setDraggedTypes(const std::vector<std::u16string>& types) override {
+        if (auto* table = as<TableWidget>())
+            table->setAcceptDrops(!types.empty());
     }
     bool commitEditing() override {
         auto* table = as<TableWidget>();

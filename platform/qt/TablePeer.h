@@ -37,6 +37,11 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyboardSearch(const QString&) override {}
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex&, const QEvent*) const override {
         return QItemSelectionModel::NoUpdate;
@@ -49,6 +54,8 @@ private:
     void renameLater(const QModelIndex& index);
     void renameSelected();
     void closeEditor();
+    void dragOver(const QDropEvent& event);
+    void endDrag();
 
     std::weak_ptr<NSTableView> m_table;
     TableHeader* m_header;
@@ -56,8 +63,9 @@ private:
     QPointer<LineEdit> m_editor;
     std::shared_ptr<NSTextField> m_editedField;
     NSInteger m_anchor = -1;
-    int m_changes = 0;        // counts what the view said about its selection
-    int m_renameRequests = 0; // a later request, or any other act, makes an earlier one void
+    Qt::DropAction m_dropAction = Qt::IgnoreAction; // of the drag over the table, as last answered
+    int m_changes = 0;                              // counts what the view said about its selection
+    int m_renameRequests = 0;                       // a later request, or any other act, makes an earlier one void
 };
 
 std::unique_ptr<ViewPeer> makeTablePeer(const std::shared_ptr<NSTableView>& view, TableWidget& widget);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "WidgetPeer.h"
 
+#include "Menu.h"
 #include "Window.h"
 
 namespace platform::qt {
@@ -31,6 +32,11 @@ void WidgetPeer::setEnabled(bool enabled) {
     if (!enabled)
         giveUpFocus(*m_widget);
     m_widget->setEnabled(enabled);
+}
+
+void WidgetPeer::setMenu(const std::shared_ptr<NSMenu>& menu) {
+    if (m_widget)
+        showContextMenu(*m_widget, menu);
 }
 
 void WidgetPeer::setToolTip(const std::u16string& text) {

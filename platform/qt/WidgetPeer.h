@@ -31,6 +31,7 @@ public:
 
     void setHidden(bool hidden) override;
     void setEnabled(bool enabled) override;
+    void setMenu(const std::shared_ptr<NSMenu>& menu) override;
     void setToolTip(const std::u16string& text) override;
     void setAccessibilityLabel(const std::u16string& text) override;
     std::shared_ptr<NSWindow> window() override;

@@ -45,6 +45,11 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
     showPane();
+    m_order = new OrderPalette(m_session.model(), *m_pane, this);
+    m_session.setOnModelChange([this](const auto&) {
+        if (m_order->isVisible())
+            m_order->refresh();
+    });
     if (const auto table = m_pane->table())
         m_selectionObserver = NSNotificationCenter::defaultCenter().addObserverForNameObjectQueueUsingBlock(
             NSTableViewSelectionDidChangeNotification, table, nullptr,
@@ -54,6 +59,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
 MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
+    m_session.setOnModelChange({});
 }
 
 void MainWindow::showPane() {
@@ -88,6 +94,9 @@ void MainWindow::makeMenus() {
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
+    auto* window = menuBar()->addMenu(text(u"&Window"));
+    auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
+    order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
 }
 
 bool MainWindow::event(QEvent* event) {
@@ -115,6 +124,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    if (!m_session.hasUnsaved())
+        m_session.saveChanges();
     takeCentralWidget();
     runGuarded([this] { m_pane->didLeave(); });
     // What could not be saved is kept on the screen once; closing again does without.
@@ -122,6 +133,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     m_warned = stay;
     if (stay)
         runGuarded([this] { showPane(); });
+    else
+        m_order->close();
     event->setAccepted(!stay);
 }
 
@@ -160,6 +173,12 @@ void MainWindow::editSettings() {
     SettingsDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted)
         refreshPane();
+}
+
+void MainWindow::showOrder() {
+    m_order->show();
+    m_order->raise();
+    m_order->activateWindow();
 }
 
 } // namespace app

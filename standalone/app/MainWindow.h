@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "OrderPalette.h"
 #include "PaneHost.h"
 #include "Session.h"
 
@@ -34,9 +35,11 @@ private:
     void showPane();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
+    void showOrder();
 
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
+    OrderPalette* m_order;
     platform::NSNotificationCenter::Token m_selectionObserver;
     bool m_painted = false;
     bool m_warned = false;

@@ -46,11 +46,16 @@ std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() c
     return object ? std::dynamic_pointer_cast<host::ImprinterConfiguration>(*object) : nullptr;
 }
 
+bool PaneHost::commitEditing() {
+    const auto window = view()->window();
+    return !window || window->makeFirstResponder(nullptr);
+}
+
 bool PaneHost::leave() {
     if (!m_pane->isSelected())
         return true;
     auto reply = NSPreferencePaneUnselectReply::now;
-    runGuarded([this] { tell(view()->window(), &NSWindow::makeFirstResponder, nullptr); });
+    runGuarded([this] { commitEditing(); });
     runGuarded([&] { reply = m_pane->shouldUnselect(); });
     if (reply == NSPreferencePaneUnselectReply::cancel)
         return false;

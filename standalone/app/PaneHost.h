@@ -24,6 +24,8 @@ public:
     void willShow() { m_pane->willSelect(); }
     void didShow() { m_pane->didSelect(); }
 
+    /// Commits the edit in progress. NO where a field refused to end it.
+    bool commitEditing();
     /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO only where the pane
     /// refused: a text that its field does not take is given up, and an error in the pane is logged.
     bool leave();

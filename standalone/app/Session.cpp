@@ -9,13 +9,17 @@ namespace app {
 Session::Session(const std::filesystem::path& store)
     : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model) {
     m_model->setConfigurations(m_loaded.configurations);
-    m_model->setOnChange([this](const std::shared_ptr<model::Configuration>&) { m_changed = true; });
     m_model->setSaver([this](const model::ImprinterModel& saved) {
         const auto failure = m_store.save(saved);
         m_saveFailed = failure.has_value();
         m_changed = m_changed && m_saveFailed;
         if (failure && hasUnsaved() && m_onSaveFailure)
             m_onSaveFailure(*failure);
+    });
+    m_model->setOnChange([this](const auto& configuration) {
+        m_changed = true;
+        if (m_onModelChange)
+            m_onModelChange(configuration);
     });
     m_model->setStamper([this](const std::optional<host::NSURL>& sample,
                                const std::shared_ptr<host::ImprinterConfiguration>& configuration,
@@ -29,6 +33,11 @@ Session::Session(const std::filesystem::path& store)
     auto& defaults = platform::NSUserDefaults::standardUserDefaults();
     if (!defaults.stringForKey(u"ImprinterDuplicateRecord"))
         defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
+}
+
+void Session::saveChanges() {
+    if (m_changed)
+        m_model->saveConfigurations();
 }
 
 std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,

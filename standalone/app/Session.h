@@ -25,6 +25,12 @@ public:
     /// Whether something was changed since it was last stored, and could not be stored.
     bool hasUnsaved() const { return m_saveFailed && m_changed; }
 
+    /// Told after every change of the model: as its own notice says.
+    void setOnModelChange(model::Configuration::ChangeNotice told) { m_onModelChange = std::move(told); }
+    /// Stores the model if it was changed since it was stored last. Panes save too, but not without a configuration
+    /// being edited.
+    void saveChanges();
+
     /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
     void allowPreviews() { m_previews = true; }
 
@@ -40,6 +46,7 @@ private:
     std::optional<PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
     std::function<void(const store::Failure&)> m_onSaveFailure;
+    model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
     bool m_saveFailed = false;
     bool m_changed = false;

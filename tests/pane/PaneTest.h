@@ -39,7 +39,9 @@ protected:
             alerts.push_back(alert.messageText());
             informativeTexts.push_back(alert.informativeText());
             buttonTitles.push_back(alert.buttonTitles());
-            return platform::NSAlertFirstButtonReturn;
+            if (onAlert)
+                onAlert();
+            return alertAnswer;
         });
     }
 
@@ -132,6 +134,8 @@ protected:
     std::unique_ptr<platform::ClassRegistration> registration;
     std::unique_ptr<QMainWindow> window;
     std::shared_ptr<pane::VelImprinterPrefPane> pane;
+    platform::NSInteger alertAnswer = platform::NSAlertFirstButtonReturn;
+    std::function<void()> onAlert;
     std::vector<std::u16string> alerts;
     std::vector<std::u16string> informativeTexts;
     std::vector<std::vector<std::u16string>> buttonTitles;

@@ -109,6 +109,8 @@ public:
         m_list = std::make_shared<std::vector<std::shared_ptr<host::ImprinterConfiguration>>>(list.begin(), list.end());
     }
     void setNilList() { m_list.reset(); }
+    /// The one created or copied last.
+    std::shared_ptr<RecordingConfiguration> made;
     void setStampResult(std::optional<host::NSURL> url) { m_stampResult = std::move(url); }
 
     host::ConfigurationArray configurations() const override { return note("configurations"), m_list; }
@@ -122,18 +124,49 @@ public:
         m_log = before;
         return found;
     }
-    std::shared_ptr<host::ImprinterConfiguration> createConfiguration(bool) override {
-        return note("createConfiguration"), nullptr;
+    /// Goes to the end of the list; its identifier is "new 1" and so on.
+    std::shared_ptr<host::ImprinterConfiguration> createConfiguration(bool combined) override {
+        note(std::string("createConfiguration ") + (combined ? "YES" : "NO"));
+        made = std::make_shared<RecordingConfiguration>(m_log, nextIdentifier(), combined);
+        auto list = copied();
+        list.push_back(made);
+        m_list = std::make_shared<List>(std::move(list));
+        return made;
     }
-    std::shared_ptr<host::ImprinterConfiguration> duplicateConfigurationAtIndex(host::NSInteger) override {
-        return note("duplicateConfigurationAtIndex"), nullptr;
+    /// The copy follows its original.
+    std::shared_ptr<host::ImprinterConfiguration> duplicateConfigurationAtIndex(host::NSInteger row) override {
+        note("duplicateConfigurationAtIndex " + std::to_string(row));
+        auto list = copied();
+        if (row < 0 || static_cast<std::size_t>(row) >= list.size())
+            return nullptr;
+        made = std::make_shared<RecordingConfiguration>(m_log, nextIdentifier(), false);
+        list.insert(list.begin() + row + 1, made);
+        m_list = std::make_shared<List>(std::move(list));
+        return made;
     }
     host::NSUInteger indexOfConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& wanted) const override {
         note("indexOfConfiguration");
         return platform::indexOfObject(host::ConfigurationArray(m_list), wanted);
     }
-    void deleteConfigurationAtIndex(host::NSUInteger) override { note("deleteConfigurationAtIndex"); }
-    void moveConfigurationAtIndexTo(host::NSUInteger, host::NSUInteger) override { note("moveConfigurationAtIndexTo"); }
+    /// An index the list does not have is ignored, here and below.
+    void deleteConfigurationAtIndex(host::NSUInteger index) override {
+        note("deleteConfigurationAtIndex " + numberOf(index));
+        auto list = copied();
+        if (index >= list.size())
+            return;
+        list.erase(list.begin() + static_cast<host::NSInteger>(index));
+        m_list = std::make_shared<List>(std::move(list));
+    }
+    void moveConfigurationAtIndexTo(host::NSUInteger index, host::NSUInteger row) override {
+        note("moveConfigurationAtIndexTo " + numberOf(index) + " " + numberOf(row));
+        auto list = copied();
+        if (index >= list.size() || row > list.size())
+            return;
+        const auto moved = list[index];
+        list.insert(list.begin() + static_cast<host::NSInteger>(row), moved);
+        list.erase(list.begin() + static_cast<host::NSInteger>(index < row ? index : index + 1));
+        m_list = std::make_shared<List>(std::move(list));
+    }
     void saveConfigurations() override { note("saveConfigurations"); }
     host::ConfigurationArray nonCombinedConfigurations() const override {
         return note("nonCombinedConfigurations"), m_list;
@@ -148,6 +181,15 @@ public:
     }
 
 private:
+    using List = std::vector<std::shared_ptr<host::ImprinterConfiguration>>;
+
+    // Lists handed out are never changed.
+    List copied() const { return m_list ? *m_list : List(); }
+    std::u16string nextIdentifier() { return u"new " + platform::fromUtf8(std::to_string(++m_numberMade)); }
+    static std::string numberOf(host::NSUInteger index) {
+        return index == platform::NSNotFound ? "NSNotFound" : std::to_string(index);
+    }
+
     void note(const std::string& message) const { m_log.push_back("imprinter " + message); }
     std::string nameOf(const host::ImprinterConfiguration& configuration) const {
         const MessageLog before = m_log;
@@ -159,6 +201,7 @@ private:
     MessageLog& m_log;
     std::shared_ptr<std::vector<std::shared_ptr<host::ImprinterConfiguration>>> m_list;
     std::optional<host::NSURL> m_stampResult;
+    int m_numberMade = 0;
 };
 
 /// Registers the recording host under the name that panes look up.

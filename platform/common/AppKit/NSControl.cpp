@@ -2,10 +2,10 @@
 #include <AppKit/NSControl.h>
 
 #include <AppKit/NSCell.h>
-#include <Foundation/NSClass.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
 
+#include "Actions.h"
 #include "Peers.h"
 
 #include <array>
@@ -42,10 +42,21 @@ NSInteger towardZero(double number) {
 
 } // namespace
 
-NSControl::NSControl() : m_cell(std::make_shared<NSCell>([this] { cellChanged(); })) {}
+NSControl::NSControl() {
+    NSControl::setCell(std::make_shared<NSCell>());
+}
 
 NSControl::~NSControl() {
-    m_cell->m_changed = nullptr;
+    m_cell->setControlView(nullptr, {});
+}
+
+void NSControl::setCell(const std::shared_ptr<NSCell>& cell) {
+    if (!cell)
+        throw NSInvalidArgumentException("a control needs a cell");
+    if (m_cell)
+        m_cell->setControlView(nullptr, {});
+    m_cell = cell;
+    m_cell->setControlView(this, [this] { cellChanged(); });
 }
 
 std::u16string_view NSControl::className() const {
@@ -102,15 +113,7 @@ void NSControl::setValue(NSValue value) {
 }
 
 void NSControl::sendAction() {
-    const auto receiver = m_target.lock();
-    if (!receiver || m_action.empty())
-        return;
-    const auto* table = receiver->classTable();
-    const auto* handler = table ? table->action(m_action) : nullptr;
-    if (handler)
-        (*handler)(*receiver, shared_from_this());
-    else
-        NSLog(toUtf8(receiver->className()) + " has no action " + toUtf8(m_action));
+    platform::sendAction(m_action, m_target.lock(), shared_from_this());
 }
 
 void NSControl::showAll() {

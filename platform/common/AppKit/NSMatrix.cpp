@@ -9,7 +9,7 @@ namespace platform {
 
 NSMatrix::~NSMatrix() {
     for (const auto& cell : m_cells)
-        cell->m_changed = nullptr;
+        cell->setControlView(nullptr, {});
 }
 
 std::u16string_view NSMatrix::className() const {
@@ -17,7 +17,8 @@ std::u16string_view NSMatrix::className() const {
 }
 
 std::shared_ptr<NSCell> NSMatrix::addCell(const std::u16string& title, NSInteger tag) {
-    auto cell = std::make_shared<NSCell>([this] { showCells(); });
+    auto cell = std::make_shared<NSCell>();
+    cell->setControlView(this, [this] { showCells(); });
     m_cells.push_back(cell);
     cell->setTag(tag);
     cell->setTitle(title);

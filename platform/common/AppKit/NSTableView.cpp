@@ -12,9 +12,21 @@ namespace {
 /// Cell views kept at most between two reloads; more than any screen shows.
 constexpr std::size_t keptCells = 1024;
 
+/// How much of a row's height counts as near its boundary, at either end.
+constexpr double boundary = 1.0 / 3;
+
 } // namespace
 
 NSTableViewDataSource::~NSTableViewDataSource() = default;
+NSDragOperation NSTableViewDataSource::tableViewValidateDropProposedRowProposedDropOperation(
+    const std::shared_ptr<NSTableView>&, const std::shared_ptr<NSDraggingInfo>&, NSInteger, NSTableViewDropOperation) {
+    return NSDragOperationNone;
+}
+bool NSTableViewDataSource::tableViewAcceptDropRowDropOperation(const std::shared_ptr<NSTableView>&,
+                                                                const std::shared_ptr<NSDraggingInfo>&, NSInteger,
+                                                                NSTableViewDropOperation) {
+    return false;
+}
 NSTableViewDelegate::~NSTableViewDelegate() = default;
 bool NSTableViewDelegate::tableViewShouldSelectRow(const std::shared_ptr<NSTableView>&, NSInteger) {
     return true;
@@ -174,6 +186,36 @@ void NSTableView::changeSelection(NSIndexSet selection, NSInteger selectedRow) {
     if (changed)
         NSNotificationCenter::defaultCenter().postNotificationNameObject(NSTableViewSelectionDidChangeNotification,
                                                                          shared_from_this());
+}
+
+NSDragOperation NSTableView::userDragsOver(const std::shared_ptr<NSDraggingInfo>& info, NSInteger row,
+                                           double fraction) {
+    m_drop.reset();
+    const auto source = m_dataSource.lock();
+    if (!source || !isEnabled() || !info->carries(registeredDraggedTypes()))
+        return NSDragOperationNone;
+    NSTableViewDrop drop;
+    if (row < 0 || row >= m_rows)
+        drop.row = m_rows;
+    else if (fraction < boundary)
+        drop.row = row;
+    else if (fraction > 1 - boundary)
+        drop.row = row + 1;
+    else
+        drop = {row, NSTableViewDropOperation::on};
+    const auto answer = source->tableViewValidateDropProposedRowProposedDropOperation(
+        std::static_pointer_cast<NSTableView>(shared_from_this()), info, drop.row, drop.operation);
+    if (answer != NSDragOperationNone)
+        m_drop = drop;
+    return answer;
+}
+
+bool NSTableView::userDrops(const std::shared_ptr<NSDraggingInfo>& info) {
+    const auto drop = std::exchange(m_drop, std::nullopt);
+    const auto source = m_dataSource.lock();
+    return drop && source &&
+           source->tableViewAcceptDropRowDropOperation(std::static_pointer_cast<NSTableView>(shared_from_this()), info,
+                                                       drop->row, drop->operation);
 }
 
 std::shared_ptr<NSTableCellView> NSTableView::viewAtColumnRow(NSInteger column, NSInteger row) {

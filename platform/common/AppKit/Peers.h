@@ -13,6 +13,7 @@
 namespace platform {
 
 class NSMatrix;
+class NSPopUpButton;
 
 class ViewPeer {
 public:
@@ -66,6 +67,12 @@ public:
 class ColorWellPeer : public virtual ViewPeer {
 public:
     virtual void setColor(const NSColor& color) = 0;
+};
+
+class PopUpPeer : public virtual ViewPeer {
+public:
+    /// What the button shows while its menu is closed.
+    virtual void showFace(const NSPopUpButton& button) = 0;
 };
 
 class TabPeer : public virtual ViewPeer {

@@ -23,8 +23,9 @@ void NSIndexSet::addRange(Range range) {
         return;
     NSUInteger first = range.location;
     NSUInteger end = range.location + range.length;
-    const auto touching = std::find_if(m_ranges.begin(), m_ranges.end(),
-                                       [&](const Range& known) { return known.location + known.length >= first; });
+    const auto touching = std::partition_point(m_ranges.begin(), m_ranges.end(), [&](const Range& known) {
+        return known.location + known.length < range.location;
+    });
     auto behind = touching;
     for (; behind != m_ranges.end() && behind->location <= end; ++behind) {
         first = std::min(first, behind->location);

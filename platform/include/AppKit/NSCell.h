@@ -6,6 +6,7 @@
 namespace platform {
 
 class NSMenu;
+class NSView;
 
 /// The part of a control that shows its value; in a matrix, one of the choices. A cell may outlive its control, and is
 /// then shown nowhere.
@@ -13,6 +14,7 @@ class NSCell : public NSObject {
 public:
     /// `changed` runs after each change, so that the control can show it.
     explicit NSCell(std::function<void()> changed = {}) : m_changed(std::move(changed)) {}
+    ~NSCell() override;
 
     const std::u16string& title() const { return m_title; }
     void setTitle(const std::u16string& title);
@@ -22,13 +24,18 @@ public:
     bool wraps() const { return m_wraps; }
     void setWraps(bool wraps);
     const std::shared_ptr<NSMenu>& menu() const { return m_menu; }
-    void setMenu(const std::shared_ptr<NSMenu>& menu);
+    virtual void setMenu(const std::shared_ptr<NSMenu>& menu);
 
-private:
-    friend class NSControl;
-    friend class NSMatrix;
+    /// The control that shows the cell; null before it has one and after that has gone.
+    std::shared_ptr<NSView> controlView() const;
+    /// For that control alone: who it is, and what is to run after each change. Null parts them.
+    void setControlView(NSView* control, std::function<void()> changed);
+
+protected:
     void changed() const;
 
+private:
+    NSView* m_control = nullptr; // which takes itself out when it goes
     std::function<void()> m_changed;
     std::u16string m_title;
     std::shared_ptr<NSMenu> m_menu;

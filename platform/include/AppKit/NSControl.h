@@ -47,6 +47,8 @@ public:
     virtual void validateEditing() {}
 
     const std::shared_ptr<NSCell>& cell() const { return m_cell; }
+    /// Raises NSInvalidArgumentException for null, and for a cell of a kind the control cannot have.
+    virtual void setCell(const std::shared_ptr<NSCell>& cell);
 
     /// Sends the action to the target, with this control as sender.
     void sendAction();

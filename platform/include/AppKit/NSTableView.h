@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSDragging.h>
 #include <AppKit/NSTextField.h>
 #include <Foundation/NSIndexSet.h>
 
 #include <map>
+#include <optional>
 
 namespace platform {
 
@@ -45,11 +47,31 @@ struct NSTableHeaderView {
     bool hasBottomBorder = false;
 };
 
+/// Where a drag would be dropped: on a row, or in the space above it.
+enum class NSTableViewDropOperation { on = 0, above = 1 };
+
+/// A row and an operation; below the last row it is above the number of rows.
+struct NSTableViewDrop {
+    NSInteger row = 0;
+    NSTableViewDropOperation operation = NSTableViewDropOperation::above;
+    bool operator==(const NSTableViewDrop&) const = default;
+};
+
+/// Rows start no drags; a table only receives them.
 class NSTableViewDataSource {
 public:
     virtual ~NSTableViewDataSource();
     /// Asked on reload, not at every access.
     virtual NSInteger numberOfRowsInTableView(const std::shared_ptr<NSTableView>& table) = 0;
+    /// Asked again as the pointer moves; none refuses the drop there.
+    virtual NSDragOperation
+    tableViewValidateDropProposedRowProposedDropOperation(const std::shared_ptr<NSTableView>& table,
+                                                          const std::shared_ptr<NSDraggingInfo>& info, NSInteger row,
+                                                          NSTableViewDropOperation operation);
+    /// Sent once, on release, with the row and the operation last validated, and only if that answer was not none.
+    virtual bool tableViewAcceptDropRowDropOperation(const std::shared_ptr<NSTableView>& table,
+                                                     const std::shared_ptr<NSDraggingInfo>& info, NSInteger row,
+                                                     NSTableViewDropOperation operation);
 };
 
 class NSTableViewDelegate {
@@ -117,6 +139,17 @@ public:
     /// delegate is asked. Answers whether the selection is now as wanted.
     bool userSelects(const NSIndexSet& rows, NSInteger last);
 
+    /// The user drags something over the table, the pointer `fraction` (0 to 1) of the height into `row`, or below the
+    /// last row where there is no such row. Near the boundary of a row a drop above it is proposed, over its middle one
+    /// on it. Asks nobody, and answers none, for a drag that carries no registered type.
+    NSDragOperation userDragsOver(const std::shared_ptr<NSDraggingInfo>& info, NSInteger row, double fraction);
+    /// The user dragged it out again, or gave up.
+    void userDragsOut() { m_drop.reset(); }
+    /// The user let go of it. Answers whether it was accepted.
+    bool userDrops(const std::shared_ptr<NSDraggingInfo>& info);
+    /// Where it would be dropped now; none while there is no drag that would be taken.
+    const std::optional<NSTableViewDrop>& proposedDrop() const { return m_drop; }
+
     /// The cell as it is shown, asked of the delegate the first time and kept until the next reload.
     std::shared_ptr<NSTableCellView> viewAtColumnRow(NSInteger column, NSInteger row);
 
@@ -142,6 +175,7 @@ private:
     std::map<std::u16string, CellKind, std::less<>> m_cellKinds;
     std::map<std::pair<NSInteger, NSInteger>, std::shared_ptr<NSTableCellView>> m_cells;
     std::weak_ptr<NSTableCellView> m_edited;
+    std::optional<NSTableViewDrop> m_drop;
     NSIndexSet m_selection;
     NSInteger m_selectedRow = -1;
     NSInteger m_rows = 0;

@@ -37,7 +37,7 @@ public:
     virtual NSInteger tag() const { return -1; }
 
     /// The menu shown by a right click, or null.
-    const std::shared_ptr<NSMenu>& menu() const { return m_menu; }
+    virtual std::shared_ptr<NSMenu> menu() const { return m_menu; }
     virtual void setMenu(const std::shared_ptr<NSMenu>& menu);
 
     /// What is shown while the pointer rests on the view; empty shows nothing.

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <Foundation/NSData.h>
+#include <Foundation/NSObject.h>
+
+namespace platform {
+
+/// What a drag carries: items, each with data under the names of types.
+class NSPasteboard final : public NSObject {
+public:
+    NSPasteboard();
+    ~NSPasteboard() override;
+
+    /// Rises with each `clearContents`.
+    NSInteger changeCount() const { return m_changeCount; }
+    void clearContents();
+    /// Puts data into the first item, which is made if there is none. Nil takes the type out.
+    void setDataForType(const NSData& data, const std::u16string& type);
+
+    /// All types of all items, each once.
+    std::vector<std::u16string> types() const;
+    /// The data of the first item that has the type; nil where none has.
+    NSData dataForType(const std::u16string& type) const;
+
+private:
+    using Item = std::vector<std::pair<std::u16string, NSData>>; // in the order set
+    std::vector<Item> m_items;
+    NSInteger m_changeCount = 0;
+};
+
+} // namespace platform
