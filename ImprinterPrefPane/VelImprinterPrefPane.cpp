@@ -33,10 +33,6 @@ namespace {
 constexpr auto occurrenceEveryPage = static_cast<NSInteger>(host::Occurrence::everyPage);
 constexpr auto occurrenceCustom = static_cast<NSInteger>(host::Occurrence::custom);
 
-bool isBlank(const std::u16string& text) {
-    return stringByTrimmingWhitespaceAndNewlines(text).empty();
-}
-
 const ClassRegistration registration{VelImprinterPrefPane::describeClass()};
 
 } // namespace
@@ -130,7 +126,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .action(u"onBorderColourChanged:", &Pane::onBorderColourChanged)
         .action(u"onBorderThicknessChanged:", &Pane::onBorderThicknessChanged)
         .action(u"onFillChanged:", &Pane::onFillChanged)
-        .action(u"onFillColourChanged:", &Pane::onFillColourChanged);
+        .action(u"onFillColourChanged:", &Pane::onFillColourChanged)
+        .action(u"setfillOpacityValue:", &Pane::setfillOpacityValue);
     table.key(u"currentConfiguration", &Pane::currentConfiguration, &Pane::setCurrentConfiguration)
         .key(u"xOffsetValue", &Pane::xOffsetValue, &Pane::setXOffsetValue)
         .key(u"yOffsetValue", &Pane::yOffsetValue, &Pane::setYOffsetValue)
@@ -138,7 +135,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .key(u"fontSizeValue", &Pane::fontSizeValue, &Pane::setFontSizeValue)
         .key(u"fontStrokeWidthValue", &Pane::fontStrokeWidthValue, &Pane::setFontStrokeWidthValue)
         .key(u"borderThicknessValue", &Pane::borderThicknessValue, &Pane::setBorderThicknessValue)
-        .key(u"fillOpacityValue", &Pane::fillOpacityValue);
+        .key(u"fillOpacityValue", &Pane::fillOpacityValue)
+        .keyPathsForValuesAffecting(u"fillOpacityValue", {u"currentConfiguration"});
     return table;
 }
 
@@ -211,6 +209,11 @@ void VelImprinterPrefPane::translateUI() {
 }
 
 void VelImprinterPrefPane::setCurrentConfiguration(const ConfigurationPointer& configuration) {
+    switchTo(configuration);
+    didChangeValueForKey(u"currentConfiguration");
+}
+
+void VelImprinterPrefPane::switchTo(const ConfigurationPointer& configuration) {
     // Nothing equals a missing configuration, so going from none to none runs every step.
     if (m_currentConfiguration && m_currentConfiguration == configuration)
         return;
