@@ -75,6 +75,17 @@ public:
     const std::shared_ptr<host::ImprinterFont>& currentFont() const { return m_currentFont; }
     void setCurrentFont(const std::shared_ptr<host::ImprinterFont>& font) { m_currentFont = font; }
 
+    // Declared for hosts that expect them; nothing in the pane reads or writes these.
+
+    bool duplicateRecord() const { return m_duplicateRecord; }
+    void setDuplicateRecord(bool duplicate) { m_duplicateRecord = duplicate; }
+    std::shared_ptr<platform::NSWindow> previewWindow() const { return m_previewWindow; }
+    void setPreviewWindow(const std::shared_ptr<platform::NSWindow>& window) { m_previewWindow = window; }
+    std::shared_ptr<platform::NSWindow> detachedWindow() const { return m_detachedWindow; }
+    void setDetachedWindow(const std::shared_ptr<platform::NSWindow>& window) { m_detachedWindow = window; }
+    std::shared_ptr<platform::NSView> pdfView() const { return m_pdfView.lock(); }
+    void setPdfView(const std::shared_ptr<platform::NSView>& view) { m_pdfView = view; }
+
     // Shell
 
     virtual void translateUI();
@@ -174,6 +185,10 @@ private:
     std::optional<platform::NSURL> m_previewURL;
     std::shared_ptr<VelPreviewViewController> m_popoverViewController;
     std::shared_ptr<VelCombinedViewController> m_combinedVC;
+    std::shared_ptr<platform::NSWindow> m_previewWindow;
+    std::shared_ptr<platform::NSWindow> m_detachedWindow;
+    std::weak_ptr<platform::NSView> m_pdfView;
+    bool m_duplicateRecord = false;
 
     // Outlets: frame and lists
     std::weak_ptr<platform::NSWindow> m_theWindow;

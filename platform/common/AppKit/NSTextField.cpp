@@ -83,8 +83,6 @@ bool NSTextField::userChangedText(const std::u16string& text) {
             return false;
         }
         m_editing = true;
-        m_editedText = text;
-        m_textPending = true;
         center.postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
     }
     m_editedText = text;
@@ -118,7 +116,6 @@ bool NSTextField::userEndsEditing(Ending ending) {
 
 void NSTextField::userCancelsEditing() {
     abandonEditing();
-    showValue();
 }
 
 void NSTextField::setValue(NSValue value) {
@@ -130,11 +127,11 @@ void NSTextField::setValue(NSValue value) {
 }
 
 void NSTextField::abandonEditing() {
-    const bool wasPending = std::exchange(m_textPending, false);
+    const bool wasEdited = std::exchange(m_editing, false);
+    m_textPending = false;
     m_unwritten = false;
-    m_editing = false;
     showRefusal(Refusal::none);
-    if (wasPending)
+    if (wasEdited)
         showValue();
 }
 

@@ -71,6 +71,7 @@ protected:
     virtual std::u16string shownText() const;
     /// The user chose `value`, where anything changed: writes it under the bound key, then sends the action if `sends`.
     void userChose(const std::optional<NSValue>& value, bool sends);
+    /// Forgets the text being edited and shows the value instead.
     virtual void abandonEditing() {}
     /// Shows the value in the peer.
     virtual void showValue() {}
