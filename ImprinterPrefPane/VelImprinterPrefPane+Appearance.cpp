@@ -27,6 +27,7 @@ double VelImprinterPrefPane::fontSizeValue() const {
 void VelImprinterPrefPane::setFontSizeValue(double points) {
     tell(m_currentFont, &host::ImprinterFont::setFontSize, points);
     updatePreview();
+    didChangeValueForKey(u"fontSizeValue");
 }
 
 double VelImprinterPrefPane::fontStrokeWidthValue() const {
@@ -36,6 +37,7 @@ double VelImprinterPrefPane::fontStrokeWidthValue() const {
 void VelImprinterPrefPane::setFontStrokeWidthValue(double points) {
     tell(m_currentFont, &host::ImprinterFont::setStrokeWidth, points);
     updatePreview();
+    didChangeValueForKey(u"fontStrokeWidthValue");
 }
 
 double VelImprinterPrefPane::borderThicknessValue() const {
@@ -43,10 +45,11 @@ double VelImprinterPrefPane::borderThicknessValue() const {
 }
 
 void VelImprinterPrefPane::setBorderThicknessValue(double points) {
-    if (!m_currentConfiguration)
-        return;
-    m_currentConfiguration->setBorderThickness(points);
-    updatePreview();
+    if (m_currentConfiguration) {
+        m_currentConfiguration->setBorderThickness(points);
+        updatePreview();
+    }
+    didChangeValueForKey(u"borderThicknessValue");
 }
 
 double VelImprinterPrefPane::fillOpacityValue() const {
@@ -55,6 +58,7 @@ double VelImprinterPrefPane::fillOpacityValue() const {
 
 void VelImprinterPrefPane::setfillOpacityValue(double opacity) {
     tell(m_currentConfiguration, &host::ImprinterConfiguration::setFillOpacity, opacity);
+    didChangeValueForKey(u"fillOpacityValue");
 }
 
 } // namespace pane

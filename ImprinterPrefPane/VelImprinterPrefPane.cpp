@@ -41,10 +41,6 @@ constexpr NSInteger deleteTag = 2;
 /// How long after a change of the list the row to show is selected, in seconds.
 constexpr double selectionDelay = 0.2;
 
-bool isBlank(const std::u16string& text) {
-    return stringByTrimmingWhitespaceAndNewlines(text).empty();
-}
-
 const ClassRegistration registration{VelImprinterPrefPane::describeClass()};
 
 } // namespace
@@ -141,7 +137,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .action(u"onBorderColourChanged:", &Pane::onBorderColourChanged)
         .action(u"onBorderThicknessChanged:", &Pane::onBorderThicknessChanged)
         .action(u"onFillChanged:", &Pane::onFillChanged)
-        .action(u"onFillColourChanged:", &Pane::onFillColourChanged);
+        .action(u"onFillColourChanged:", &Pane::onFillColourChanged)
+        .action(u"setfillOpacityValue:", &Pane::setfillOpacityValue);
     table.key(u"currentConfiguration", &Pane::currentConfiguration, &Pane::setCurrentConfiguration)
         .key(u"xOffsetValue", &Pane::xOffsetValue, &Pane::setXOffsetValue)
         .key(u"yOffsetValue", &Pane::yOffsetValue, &Pane::setYOffsetValue)
@@ -149,7 +146,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .key(u"fontSizeValue", &Pane::fontSizeValue, &Pane::setFontSizeValue)
         .key(u"fontStrokeWidthValue", &Pane::fontStrokeWidthValue, &Pane::setFontStrokeWidthValue)
         .key(u"borderThicknessValue", &Pane::borderThicknessValue, &Pane::setBorderThicknessValue)
-        .key(u"fillOpacityValue", &Pane::fillOpacityValue);
+        .key(u"fillOpacityValue", &Pane::fillOpacityValue)
+        .keyPathsForValuesAffecting(u"fillOpacityValue", {u"currentConfiguration"});
     return table;
 }
 
@@ -222,6 +220,11 @@ void VelImprinterPrefPane::translateUI() {
 }
 
 void VelImprinterPrefPane::setCurrentConfiguration(const ConfigurationPointer& configuration) {
+    switchTo(configuration);
+    didChangeValueForKey(u"currentConfiguration");
+}
+
+void VelImprinterPrefPane::switchTo(const ConfigurationPointer& configuration) {
     // Nothing equals a missing configuration, so going from none to none runs every step.
     if (m_currentConfiguration && m_currentConfiguration == configuration)
         return;

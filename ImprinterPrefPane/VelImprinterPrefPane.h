@@ -9,6 +9,7 @@
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/Imprinter.h>
 
+#include <array>
 #include <optional>
 
 namespace platform {
@@ -74,6 +75,9 @@ public:
     virtual void setCurrentConfiguration(const ConfigurationPointer& configuration);
     const std::optional<platform::NSURL>& previewURL() const { return m_previewURL; }
     virtual void setPreviewURL(const std::optional<platform::NSURL>& url);
+    /// The font run that the font controls edit; null for none.
+    const std::shared_ptr<host::ImprinterFont>& currentFont() const { return m_currentFont; }
+    void setCurrentFont(const std::shared_ptr<host::ImprinterFont>& font) { m_currentFont = font; }
 
     // Declared for hosts that expect them; nothing in the pane reads or writes these.
 
@@ -147,7 +151,14 @@ public:
     virtual void saveLocation();
     virtual void onChangePosition(const std::shared_ptr<NSObject>& sender);
     virtual void onRotationChanged(const std::shared_ptr<NSObject>& sender);
+    /// Turns the button of the stored position on and the other eight off.
+    virtual void updatePositionBtnState();
     virtual void onOccuranceChanged(const std::shared_ptr<NSObject>& sender); // sic
+    /// Makes what was typed a list of pages, in the field and in the model.
+    virtual void customOccuranceTextChanged(); // sic
+    void controlTextDidChange(const platform::NSNotification& notification) override;
+    /// What an emptied number falls to. The fill opacity has no such value and raises NSInvalidArgumentException.
+    void setNilValueForKey(const std::u16string& key) override;
     double xOffsetValue() const;
     void setXOffsetValue(double x);
     double yOffsetValue() const;
@@ -191,6 +202,8 @@ private:
     void selectRowOf(const ConfigurationPointer& configuration);
     void askForPageList();
     void createConfiguration(bool combined, const std::u16string& englishName);
+    std::array<std::weak_ptr<platform::NSButton>, 9> positionButtons() const;
+    void switchTo(const ConfigurationPointer& configuration);
 
     std::shared_ptr<host::Imprinter> m_imprinter;
     ConfigurationPointer m_currentConfiguration;

@@ -29,26 +29,13 @@ std::string plain(const QString& text) {
 
 /// The dynamic properties that mean something here.
 const std::set<QString>& knownProperties() {
-    static const std::set<QString> names{"action",
-                                         "cellClass",
-                                         "cells",
-                                         "columns",
-                                         "controller",
-                                         "controllerOutlet",
-                                         "delegate",
-                                         "dataSource",
-                                         "formatter",
-                                         "identifier",
-                                         "increment",
-                                         "maxValue",
-                                         "minValue",
-                                         "multipleSelection",
-                                         "outlets",
-                                         "pullsDown",
-                                         "sendsActionOnEndEditing",
-                                         "tag",
-                                         "tags",
-                                         "value"};
+    static const std::set<QString> names{"action",     "cellClass",  "cells",
+                                         "columns",    "controller", "controllerOutlet",
+                                         "delegate",   "dataSource", "formatter",
+                                         "identifier", "increment",  "keyboardGroup",
+                                         "maxValue",   "minValue",   "multipleSelection",
+                                         "outlets",    "pullsDown",  "sendsActionOnEndEditing",
+                                         "tag",        "tags",       "value"};
     return names;
 }
 
@@ -235,7 +222,7 @@ private:
                 connectOrReport(widget, owner, outlet.mid(dot + 1), object);
         }
         connectAction(placed);
-        checkKey(placed);
+        bindKey(placed);
         connectDelegates(placed);
         checkProperties(widget);
     }
@@ -294,11 +281,20 @@ private:
             report(*placed.widget, toUtf8(placed.scope.owner->className()) + " has no action " + plain(selector));
     }
 
-    void checkKey(const Placed& placed) {
+    void bindKey(const Placed& placed) {
+        const auto& owner = placed.scope.owner;
         const auto key = placed.widget->property("value").toString();
-        const auto* table = placed.scope.owner->classTable();
-        if (!key.isEmpty() && !(table && table->key(fromQt(key))))
-            report(*placed.widget, toUtf8(placed.scope.owner->className()) + " has no key " + plain(key));
+        if (key.isEmpty())
+            return;
+        const auto* table = owner->classTable();
+        const auto* entry = table ? table->key(fromQt(key)) : nullptr;
+        const auto control = std::dynamic_pointer_cast<NSControl>(placed.view);
+        if (!entry)
+            report(*placed.widget, toUtf8(owner->className()) + " has no key " + plain(key));
+        else if (!control)
+            report(*placed.widget, "only a control shows the value of a key");
+        else
+            control->bindValueToObjectWithKey(owner, fromQt(key));
     }
 
     /// Gives `view` the named object as delegate or data source, if it can be one.

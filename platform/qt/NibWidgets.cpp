@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NibWidgets.h"
 
+#include "ButtonGroupKeys.h"
 #include "ButtonPeer.h"
 #include "ColorWellPeer.h"
 #include "MatrixPeer.h"
@@ -15,12 +16,15 @@
 #include <AppKit/NSPopUpButton.h>
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSClass.h>
+#include <Foundation/NSString.h>
 
 #include <QCheckBox>
 #include <QFile>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QXmlStreamReader>
+
+#include <limits>
 
 namespace platform::qt {
 
@@ -42,7 +46,15 @@ QString withoutMarks(QString text) {
     return text.replace(QLatin1String("&&"), pair).remove(QLatin1Char('&')).replace(pair, QLatin1String("&"));
 }
 
+/// A number of the file, or `otherwise` where it has none.
+double numberOf(const QWidget& widget, const char* property, double otherwise) {
+    const auto value = widget.property(property);
+    return value.isValid() ? value.toDouble() : otherwise;
+}
+
 void showPlain(const std::shared_ptr<NSView>& view, QWidget& widget, NibText&) {
+    if (widget.property("keyboardGroup").toBool())
+        new ButtonGroupKeys(widget);
     view->setPeer(std::make_unique<WidgetPeer>(widget));
 }
 
@@ -52,7 +64,38 @@ void showLabel(const std::shared_ptr<NSTextField>& view, QLabel& label, NibText&
     view->setPeer(makeLabelPeer(label));
 }
 
-void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText&) {
+std::shared_ptr<const NSNumberFormatter> formatterOf(const QWidget& widget, NibText& text) {
+    const auto name = widget.property("formatter").toString();
+    if (name.isEmpty())
+        return nullptr;
+    if (name != QLatin1String("decimal") && name != QLatin1String("percent"))
+        text.report(widget.objectName().toStdString() + ": there is no formatter " + name.toStdString());
+    const auto formatter = std::make_shared<NSNumberFormatter>(
+        name == QLatin1String("percent") ? NSNumberFormatterStyle::percent : NSNumberFormatterStyle::decimal);
+    formatter->setRange(numberOf(widget, "minValue", formatter->minimum()),
+                        numberOf(widget, "maxValue", formatter->maximum()));
+    return formatter;
+}
+
+/// What the field says where it refuses.
+void giveReasons(const NSTextField& view, LineEdit& edit, NibText& text) {
+    const auto& formatter = view.formatter();
+    const bool ranged = formatter && edit.property("minValue").isValid() && edit.property("maxValue").isValid();
+    const auto number = ranged ? stringWithFormat(text.localized(QStringLiteral("Enter a number from %@ to %@.")),
+                                                  {formatter->stringFromNumber(formatter->minimum()),
+                                                   formatter->stringFromNumber(formatter->maximum())})
+                               : text.localized(QStringLiteral("Enter a number."));
+    const auto length = stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
+                                         {fromQt(QString::number(view.maximumLength()))});
+    edit.setReasons(toQt(number), toQt(length));
+}
+
+void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText& text) {
+    view->setFormatter(formatterOf(edit, text));
+    if (const int limit = edit.maxLength(); limit != std::numeric_limits<int>::max())
+        view->setMaximumLength(static_cast<std::size_t>(limit));
+    edit.setMaxLength(std::numeric_limits<int>::max());
+    giveReasons(*view, edit, text);
     view->setEditable(!edit.isReadOnly());
     view->setSendsActionOnEndEditing(edit.property("sendsActionOnEndEditing").toBool());
     view->setStringValue(fromQt(edit.text()));
@@ -72,12 +115,8 @@ void showButton(const std::shared_ptr<NSButton>& view, QAbstractButton& button, 
 }
 
 void showStepper(const std::shared_ptr<NSStepper>& view, StepperWidget& widget, NibText&) {
-    const auto number = [&widget](const char* name, double otherwise) {
-        const auto value = widget.property(name);
-        return value.isValid() ? value.toDouble() : otherwise;
-    };
-    view->setRange(number("minValue", view->minValue()), number("maxValue", view->maxValue()));
-    view->setIncrement(number("increment", view->increment()));
+    view->setRange(numberOf(widget, "minValue", view->minValue()), numberOf(widget, "maxValue", view->maxValue()));
+    view->setIncrement(numberOf(widget, "increment", view->increment()));
     view->setPeer(makeStepperPeer(view, widget));
 }
 

@@ -53,7 +53,10 @@ void StepperWidget::paintEvent(QPaintEvent*) {
 
 void StepperWidget::step(int direction) {
     enter([this, direction] {
-        if (m_stepped)
+        // What is being typed counts first; a text that is refused stops the counting.
+        if (!endEditingInWindow(*this))
+            release();
+        else if (m_stepped)
             m_stepped(direction);
     });
 }

@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "TextFieldPeer.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <limits>
 
 namespace platform::qt {
 
 using Ending = NSTextField::Ending;
 
 LineEdit::LineEdit(QWidget* parent) : QLineEdit(parent) {
+    // The toolkit cuts silently at its limit; the field has one of its own.
+    setMaxLength(std::numeric_limits<int>::max());
     connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
         enter([&] { tell(m_field, &NSTextField::userChangedText, fromQt(text)); });
     });
@@ -76,9 +83,54 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
         const auto takeBack = [this] {
             if (isVisible() && isEnabled())
                 setFocus(Qt::OtherFocusReason);
+            showReason();
         };
         QMetaObject::invokeMethod(this, takeBack, Qt::QueuedConnection);
     });
+}
+
+void LineEdit::hideEvent(QHideEvent* event) {
+    QLineEdit::hideEvent(event);
+    const auto field = m_field.lock();
+    if (event->spontaneous() || m_finished || !field || !field->isBeingEdited())
+        return;
+    // Whoever takes the field away although it refuses gets the last good value.
+    enter([&] {
+        if (!endEditing(Ending::focusLost))
+            field->userCancelsEditing();
+    });
+}
+
+void LineEdit::setReasons(const QString& notANumber, const QString& tooLong) {
+    m_notANumber = notANumber;
+    m_tooLong = tooLong;
+}
+
+void LineEdit::showRefusal(Refusal refusal) {
+    m_reason = refusal == Refusal::notANumber ? m_notANumber : refusal == Refusal::tooLong ? m_tooLong : QString();
+    setAccessibleDescription(m_reason);
+    if (isRefused())
+        QApplication::beep();
+    else
+        QToolTip::hideText();
+    showReason();
+    update();
+}
+
+void LineEdit::showReason() {
+    // Past the arrows, and level once the toolkit has moved it below the pointer it expects there: no field is covered.
+    const QPoint besideTheField(width() + 20, -20);
+    if (isRefused() && isVisible())
+        QToolTip::showText(mapToGlobal(besideTheField), m_reason, this);
+}
+
+void LineEdit::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    if (!isRefused())
+        return;
+    QPainter painter(this);
+    painter.setPen(QPen(QColor(0xC0, 0x1C, 0x28), 2));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }
 
 bool LineEdit::focusNextPrevChild(bool next) {
@@ -96,6 +148,11 @@ public:
     void setText(const std::u16string& text) override {
         if (auto* edit = as<LineEdit>())
             edit->showText(toQt(text));
+    }
+
+    void showRefusal(Refusal refusal) override {
+        if (auto* edit = as<LineEdit>())
+            edit->showRefusal(refusal);
     }
 
     bool focus() override {

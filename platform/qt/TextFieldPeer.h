@@ -21,18 +21,30 @@ public:
     /// Shows `text`; the caret keeps its distance from the end.
     void showText(const QString& text);
 
+    /// What is said to the user where a text is refused.
+    void setReasons(const QString& notANumber, const QString& tooLong);
+    /// Draws a frame of the colour of errors around the field and shows the reason beside it.
+    void showRefusal(Refusal refusal);
+    bool isRefused() const { return !m_reason.isEmpty(); }
+
     bool endEditing(NSTextField::Ending ending) override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
     void finish();
+    void showReason();
 
     std::weak_ptr<NSTextField> m_field;
     std::function<void()> m_finished;
+    QString m_notANumber;
+    QString m_tooLong;
+    QString m_reason; // of the refusal on show
 };
 
 std::unique_ptr<ViewPeer> makeTextFieldPeer(const std::shared_ptr<NSTextField>& field, LineEdit& edit);

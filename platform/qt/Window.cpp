@@ -26,7 +26,10 @@ public:
 
     bool contains(ViewPeer& peer) override {
         const auto* other = dynamic_cast<WidgetPeer*>(&peer);
-        return m_widget && other && other->widget() && other->widget()->window() == m_widget->window();
+        if (!m_widget || !other || !other->widget())
+            return false;
+        auto* topLevel = m_widget->window();
+        return other->widget()->window() == topLevel && other->widget()->isVisibleTo(topLevel);
     }
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSControl.h>
 #include <Foundation/NSClass.h>
 #include <Foundation/NSString.h>
 #include <host/VelImprinterPlugin.h>
@@ -27,6 +28,7 @@ public:
         double rotation = 0;
         host::NSInteger occurance = 0;
         std::optional<std::u16string> customOccurance;
+        double fillOpacity = 1;
     };
     Values values;
     /// Runs when the pane asks whether this is a combined configuration, the first thing it asks on switching to it.
@@ -60,9 +62,11 @@ public:
         note("setPosition " + std::to_string(anchor)), values.position = anchor;
     }
     host::NSPoint offset() const override { return note("offset"), values.offset; }
-    void setOffset(host::NSPoint offset) override { note("setOffset"), values.offset = offset; }
+    void setOffset(host::NSPoint offset) override {
+        note("setOffset " + plain(offset.x) + " " + plain(offset.y)), values.offset = offset;
+    }
     double rotation() const override { return note("rotation"), values.rotation; }
-    void setRotation(double degrees) override { note("setRotation"), values.rotation = degrees; }
+    void setRotation(double degrees) override { note("setRotation " + plain(degrees)), values.rotation = degrees; }
     host::NSInteger occurance() const override { return note("occurance"), values.occurance; }
     void setOccurance(host::NSInteger code) override {
         note("setOccurance " + std::to_string(code)), values.occurance = code;
@@ -78,18 +82,21 @@ public:
     host::NSInteger borderStyle() const override { return note("borderStyle"), 1; }
     void setBorderStyle(host::NSInteger) override { note("setBorderStyle"); }
     double borderThickness() const override { return note("borderThickness"), 1; }
-    void setBorderThickness(double) override { note("setBorderThickness"); }
+    void setBorderThickness(double points) override { note("setBorderThickness " + plain(points)); }
     std::shared_ptr<const host::NSColor> borderColour() const override { return note("borderColour"), nullptr; }
     void setBorderColour(const std::shared_ptr<const host::NSColor>&) override { note("setBorderColour"); }
     bool fillEnabled() const override { return note("fillEnabled"), false; }
     void setFillEnabled(bool) override { note("setFillEnabled"); }
     std::shared_ptr<const host::NSColor> fillColour() const override { return note("fillColour"), nullptr; }
     void setFillColour(const std::shared_ptr<const host::NSColor>&) override { note("setFillColour"); }
-    double fillOpacity() const override { return note("fillOpacity"), 1; }
-    void setFillOpacity(double) override { note("setFillOpacity"); }
+    double fillOpacity() const override { return note("fillOpacity"), values.fillOpacity; }
+    void setFillOpacity(double opacity) override {
+        note("setFillOpacity " + plain(opacity)), values.fillOpacity = opacity;
+    }
 
 private:
     void note(const std::string& message) const { m_log.push_back(platform::toUtf8(m_id) + " " + message); }
+    static std::string plain(double number) { return platform::toUtf8(platform::textOfValue(number)); }
 
     MessageLog& m_log;
     std::u16string m_id;

@@ -14,6 +14,10 @@
 
 namespace platform {
 
+double numberOfSender(const std::shared_ptr<NSObject>& sender) {
+    return tell(std::dynamic_pointer_cast<NSControl>(sender), &NSControl::doubleValue);
+}
+
 namespace {
 
 const ClassRegistration registrations[] = {

@@ -7,6 +7,7 @@
 
 #include "Actions.h"
 #include "Peers.h"
+#include "ValueBinding.h"
 
 #include <array>
 #include <charconv>
@@ -73,7 +74,7 @@ void NSControl::setEnabled(bool enabled) {
 
 std::u16string NSControl::stringValue() {
     validateEditing();
-    return textOfValue(m_value);
+    return shownText();
 }
 
 NSInteger NSControl::integerValue() {
@@ -110,6 +111,24 @@ void NSControl::setDoubleValue(double number) {
 void NSControl::setValue(NSValue value) {
     m_value = std::move(value);
     showValue();
+}
+
+std::u16string NSControl::shownText() const {
+    return textOfValue(m_value);
+}
+
+void NSControl::bindValueToObjectWithKey(const std::shared_ptr<NSObject>& object, const std::u16string& key) {
+    m_binding = std::make_shared<ValueBinding>(*this, object, key);
+    if (object)
+        object->addObserverForKey(m_binding, key);
+    m_binding->show();
+}
+
+void NSControl::userChose(const std::optional<NSValue>& value, bool sends) {
+    const auto binding = m_binding; // the write may run anything
+    const bool goesOn = !binding || !value || binding->write(*value);
+    if (sends && goesOn)
+        sendAction();
 }
 
 void NSControl::sendAction() {

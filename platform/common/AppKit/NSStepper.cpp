@@ -23,7 +23,7 @@ void NSStepper::userSteps(int direction) {
     if (!isEnabled())
         return;
     setValue(platform::doubleValue(value()) + direction * m_increment);
-    sendAction();
+    userChose(value(), true);
 }
 
 void NSStepper::setValue(NSValue value) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <AppKit/NSTextField.h>
 
+#include <Foundation/NSString.h>
+
 #include "Peers.h"
 
 namespace platform {
@@ -39,16 +41,41 @@ void NSTextField::setDelegate(const std::shared_ptr<NSControlTextEditingDelegate
                                                        });
 }
 
-void NSTextField::validateEditing() {
+void NSTextField::setFormatter(std::shared_ptr<const NSNumberFormatter> formatter) {
+    m_formatter = std::move(formatter);
+    showValue();
+}
+
+bool NSTextField::takeOverText() {
     if (!m_textPending)
-        return;
+        return true;
+    NSValue taken = m_editedText;
+    if (m_formatter && !isBlank(m_editedText)) {
+        const auto number = m_formatter->numberFromString(m_editedText);
+        if (!number)
+            return false;
+        taken = *number;
+    }
     m_textPending = false;
-    NSControl::setValue(m_editedText);
+    m_typedText = m_editedText;
+    NSControl::setValue(std::move(taken));
+    return true;
+}
+
+void NSTextField::validateEditing() {
+    takeOverText();
 }
 
 bool NSTextField::userChangedText(const std::u16string& text) {
     const auto self = std::static_pointer_cast<NSTextField>(shared_from_this());
     auto& center = NSNotificationCenter::defaultCenter();
+    const auto before = m_textPending ? m_editedText : shownText();
+    if (m_maximumLength != 0 && text.size() > m_maximumLength && text.size() > before.size()) {
+        if (auto* shown = dynamic_cast<TextPeer*>(peer()))
+            shown->setText(before);
+        showRefusal(Refusal::tooLong);
+        return false;
+    }
     if (!m_editing) {
         const auto asked = m_delegate.lock();
         if (!isEnabled() || !m_editable || (asked && !asked->controlTextShouldBeginEditing(self))) {
@@ -60,6 +87,8 @@ bool NSTextField::userChangedText(const std::u16string& text) {
     }
     m_editedText = text;
     m_textPending = true;
+    m_unwritten = true;
+    showRefusal(Refusal::none);
     center.postNotificationNameObject(NSControlTextDidChangeNotification, self);
     return true;
 }
@@ -70,12 +99,18 @@ bool NSTextField::userEndsEditing(Ending ending) {
     if (wasEdited) {
         if (const auto asked = m_delegate.lock(); asked && !asked->controlTextShouldEndEditing(self))
             return false;
-        validateEditing();
+        if (!takeOverText()) {
+            showRefusal(Refusal::notANumber);
+            return false;
+        }
         m_editing = false;
         NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidEndEditingNotification, self);
     }
-    if (ending == Ending::returnKey || (wasEdited && m_sendsActionOnEndEditing))
-        sendAction();
+    showRefusal(Refusal::none);
+    std::optional<NSValue> chosen;
+    if (std::exchange(m_unwritten, false))
+        chosen = (m_formatter ? isBlank(shownText()) : shownText().empty()) ? NSValue() : value();
+    userChose(chosen, ending == Ending::returnKey || (wasEdited && m_sendsActionOnEndEditing));
     return true;
 }
 
@@ -85,18 +120,42 @@ void NSTextField::userCancelsEditing() {
 
 void NSTextField::setValue(NSValue value) {
     m_textPending = false;
+    m_unwritten = false;
+    m_typedText.reset();
+    showRefusal(Refusal::none);
     NSControl::setValue(std::move(value));
 }
 
 void NSTextField::abandonEditing() {
+    const bool wasEdited = std::exchange(m_editing, false);
     m_textPending = false;
-    if (std::exchange(m_editing, false))
+    m_unwritten = false;
+    showRefusal(Refusal::none);
+    if (wasEdited)
         showValue();
 }
 
 void NSTextField::showValue() {
     if (auto* shown = dynamic_cast<TextPeer*>(peer()))
-        shown->setText(textOfValue(value()));
+        shown->setText(shownText());
+}
+
+std::u16string NSTextField::shownText() const {
+    if (m_typedText)
+        return *m_typedText;
+    const auto& number = value();
+    const bool isNumber = std::holds_alternative<NSInteger>(number) || std::holds_alternative<float>(number) ||
+                          std::holds_alternative<double>(number);
+    return m_formatter && isNumber ? m_formatter->stringFromNumber(platform::doubleValue(number)) : textOfValue(number);
+}
+
+void NSTextField::showRefusal(Refusal refusal) {
+    const bool refused = refusal != Refusal::none;
+    if (!refused && !m_refused)
+        return;
+    m_refused = refused;
+    if (auto* shown = dynamic_cast<TextPeer*>(peer()))
+        shown->showRefusal(refusal);
 }
 
 } // namespace platform

@@ -35,7 +35,7 @@ public:
     virtual ~WindowPeer() = default;
     /// Takes the focus from whatever has it. NO where a field refused to end its editing.
     virtual bool clearFocus() = 0;
-    /// Whether the view whose peer this is stands in the window.
+    /// Whether the view whose peer this is stands in the window, on no page that is not shown.
     virtual bool contains(ViewPeer& peer) = 0;
 };
 
@@ -45,12 +45,17 @@ public:
     virtual void setOn(bool on) = 0;
 };
 
+/// Why a field does not take what was typed.
+enum class Refusal { none, notANumber, tooLong };
+
 class TextPeer : public virtual ViewPeer {
 public:
     /// Shows `text`. While the field has the focus it keeps it, and the caret its distance from the end; the text
     /// already shown leaves the caret alone.
     virtual void setText(const std::u16string& text) = 0;
     virtual void setWraps(bool) {}
+    /// Marks the field, and says why; `none` takes the mark away.
+    virtual void showRefusal(Refusal) {}
 };
 
 class MatrixPeer : public virtual ViewPeer {

@@ -112,6 +112,10 @@ std::u16string stringByTrimmingWhitespaceAndNewlines(std::u16string_view text) {
     return std::u16string(text);
 }
 
+bool isBlank(std::u16string_view text) {
+    return skipWhitespace(text) == text.size();
+}
+
 std::vector<std::u16string> componentsSeparatedByString(std::u16string_view text, std::u16string_view separator) {
     std::vector<std::u16string> pieces;
     std::size_t at = 0;

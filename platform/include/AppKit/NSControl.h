@@ -4,9 +4,12 @@
 #include <AppKit/NSView.h>
 #include <Foundation/NSKeyValueCoding.h>
 
+#include <optional>
+
 namespace platform {
 
 class NSCell;
+class ValueBinding;
 
 /// A view with a value and an action.
 ///
@@ -43,6 +46,15 @@ public:
     void setFloatValue(float number);
     void setDoubleValue(double number);
 
+    void setObjectValue(NSValue value) { setValue(std::move(value)); }
+
+    /// Binds the value to `key` of `object`'s class table, which is looked on weakly, and shows it at once.
+    ///
+    /// What the user chooses is written under the key, an emptied field as nil, and then the action is sent. A value
+    /// set by program is never written. When a setter of the key was run, the control shows the getter, unless it is
+    /// the one that writes. A key without setter is only shown.
+    void bindValueToObjectWithKey(const std::shared_ptr<NSObject>& object, const std::u16string& key);
+
     /// Takes over the text being edited, if any.
     virtual void validateEditing() {}
 
@@ -57,6 +69,10 @@ protected:
     const NSValue& value() const { return m_value; }
     /// Sets without sending anything, and shows it.
     virtual void setValue(NSValue value);
+    /// The text for the value.
+    virtual std::u16string shownText() const;
+    /// The user chose `value`, where anything changed: writes it under the bound key, then sends the action if `sends`.
+    void userChose(const std::optional<NSValue>& value, bool sends);
     /// Forgets the text being edited and shows the value instead.
     virtual void abandonEditing() {}
     /// Shows the value in the peer.
@@ -69,6 +85,7 @@ private:
     std::weak_ptr<NSObject> m_target;
     std::u16string m_action;
     std::shared_ptr<NSCell> m_cell;
+    std::shared_ptr<ValueBinding> m_binding;
     NSInteger m_tag = 0;
     bool m_enabled = true;
 };

@@ -3,6 +3,7 @@
 
 #include <AppKit/NSControl.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/NSNumberFormatter.h>
 
 namespace platform {
 
@@ -11,6 +12,7 @@ inline const std::u16string NSControlTextDidChangeNotification = u"NSControlText
 inline const std::u16string NSControlTextDidEndEditingNotification = u"NSControlTextDidEndEditingNotification";
 
 class NSTextField;
+enum class Refusal;
 
 /// What a field asks and tells while it is edited. The notifications come through the notification centre, where
 /// setting the delegate registers it.
@@ -31,6 +33,9 @@ public:
 /// over, the did-end notification, and then the action, after Return always and else only if the field is told so.
 /// Setting a value while the field is edited abandons what was typed and keeps the focus: the edit goes on with the
 /// value, and its end is asked for and told like any other.
+///
+/// A field with a number formatter does not end an edit while its text is no number: it is marked and keeps the focus,
+/// and its value stays the last good one, also where the edit is ended by force. A blank text is none, not a number.
 class NSTextField : public NSControl {
 public:
     enum class Ending { returnKey, tabKey, focusLost };
@@ -48,6 +53,15 @@ public:
     bool sendsActionOnEndEditing() const { return m_sendsActionOnEndEditing; }
     void setSendsActionOnEndEditing(bool sends) { m_sendsActionOnEndEditing = sends; }
 
+    /// Shows numbers through it and takes nothing but numbers; null shows and takes texts.
+    void setFormatter(std::shared_ptr<const NSNumberFormatter> formatter);
+    const std::shared_ptr<const NSNumberFormatter>& formatter() const { return m_formatter; }
+
+    /// In UTF-16 units; 0 is no limit. A change that makes the text longer than this is refused as a whole and the
+    /// field marked; nothing is ever cut off. A longer text set by program is shown, and the user can make it shorter.
+    std::size_t maximumLength() const { return m_maximumLength; }
+    void setMaximumLength(std::size_t units) { m_maximumLength = units; }
+
     bool isBeingEdited() const { return m_editing; }
     void validateEditing() override;
 
@@ -62,13 +76,23 @@ protected:
     void setValue(NSValue value) override;
     void abandonEditing() override;
     void showValue() override;
+    std::u16string shownText() const override;
 
 private:
+    /// Makes the edited text the value. NO where it is no number; the value is then as it was.
+    bool takeOverText();
+    void showRefusal(Refusal refusal);
+
     std::weak_ptr<NSControlTextEditingDelegate> m_delegate;
     NSNotificationCenter::Token m_delegateToken;
+    std::shared_ptr<const NSNumberFormatter> m_formatter;
     std::u16string m_editedText;
+    std::optional<std::u16string> m_typedText; // the value as the user wrote it
+    std::size_t m_maximumLength = 0;
     bool m_editing = false;
     bool m_textPending = false; // edited text not yet taken over
+    bool m_unwritten = false;   // a change by the user not yet written under the bound key
+    bool m_refused = false;
     bool m_editable = true;
     bool m_sendsActionOnEndEditing = false;
 };

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace platform {
 
@@ -28,6 +29,7 @@ public:
         std::function<NSValue(const NSObject&)> get;
         std::function<void(NSObject&, const NSValue&)> set; // empty: display only
         bool isNumber = false;                              // nil then goes to setNilValueForKey
+        std::set<std::u16string> affectedBy = {};           // keys whose setters change this value too
     };
 
     std::u16string name;
@@ -53,6 +55,9 @@ public:
 
 /// The class registered under `name`, or null.
 const NSClass* NSClassFromString(std::u16string_view name);
+
+/// The number a control holds; 0 for what is no control.
+double numberOfSender(const std::shared_ptr<NSObject>& sender);
 
 /// Keeps a class registered as long as it lives; where a name is registered twice the newest stands.
 class ClassRegistration {
@@ -104,6 +109,13 @@ public:
         };
         return *this;
     }
+    /// A message that takes a number gets the sender's.
+    ClassTable& action(std::u16string selector, void (T::*method)(double)) {
+        m_class.actions[std::move(selector)] = [method](NSObject& target, const std::shared_ptr<NSObject>& sender) {
+            (dynamic_cast<T&>(target).*method)(numberOfSender(sender));
+        };
+        return *this;
+    }
     /// A number held as double.
     ClassTable& key(std::u16string name, double (T::*getter)() const, void (T::*setter)(double) = nullptr) {
         NSClass::Key entry;
@@ -129,6 +141,11 @@ public:
             (dynamic_cast<T&>(object).*setter)(held ? std::dynamic_pointer_cast<Object>(*held) : nullptr);
         };
         m_class.keys[std::move(name)] = std::move(entry);
+        return *this;
+    }
+    /// The setters of `keys` change the value under `name` too.
+    ClassTable& keyPathsForValuesAffecting(const std::u16string& name, std::set<std::u16string> keys) {
+        m_class.keys[name].affectedBy = std::move(keys);
         return *this;
     }
     ClassTable& classObject(std::shared_ptr<NSObject> object) {

@@ -13,6 +13,7 @@
 namespace platform {
 
 class NSClass;
+class NSKeyValueObserver;
 
 using NSInteger = std::int64_t;
 using NSUInteger = std::uint64_t;
@@ -47,6 +48,17 @@ public:
     /// Sent in place of a number's setter when the value for `key` is nil.
     /// The inherited one raises NSInvalidArgumentException.
     virtual void setNilValueForKey(const std::u16string& key);
+
+    /// Says that the setter of `key` was run. Every setter of a key that controls are bound to sends this as its last
+    /// act, whoever called it and whether or not the value is another; nothing watches setters by itself.
+    /// Observers of the key hear it, in the order in which they were added, and so do those of the keys that the
+    /// class's table declares to be affected by it.
+    void didChangeValueForKey(const std::u16string& key);
+    /// The observer is looked on weakly.
+    void addObserverForKey(const std::shared_ptr<NSKeyValueObserver>& observer, const std::u16string& key);
+
+private:
+    std::vector<std::pair<std::u16string, std::weak_ptr<NSKeyValueObserver>>> m_observers;
 };
 
 /// Sends a message to an object that may be missing: a missing one answers nil, 0 or NO, and the arguments are

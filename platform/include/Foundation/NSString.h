@@ -18,6 +18,9 @@ bool isWhitespaceOrNewline(char16_t character);
 /// `text` without white space and line breaks at both ends.
 std::u16string stringByTrimmingWhitespaceAndNewlines(std::u16string_view text);
 
+/// Whether there is nothing in `text` but white space and line breaks.
+bool isBlank(std::u16string_view text);
+
 /// The pieces of `text` between separators; never empty: "" gives [""], "a,,b" gives ["a", "", "b"].
 std::vector<std::u16string> componentsSeparatedByString(std::u16string_view text, std::u16string_view separator);
 
