@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSURL.h>
@@ -42,6 +43,7 @@ class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSTableViewDataSource,
                              public platform::NSTableViewDelegate,
                              public platform::NSTabViewDelegate,
+                             public platform::NSPopoverDelegate,
                              public platform::NSControlTextEditingDelegate {
 public:
     using NSObject = platform::NSObject;
@@ -70,6 +72,12 @@ public:
     virtual void setCurrentConfiguration(const ConfigurationPointer& configuration);
     const std::optional<platform::NSURL>& previewURL() const { return m_previewURL; }
     virtual void setPreviewURL(const std::optional<platform::NSURL>& url);
+    /// Null unless the preview is shown, attached or torn off.
+    const std::shared_ptr<platform::NSPopover>& popover() const { return m_popover; }
+    virtual void setPopover(const std::shared_ptr<platform::NSPopover>& popover);
+    /// Made for the first preview and kept.
+    const std::shared_ptr<VelPreviewViewController>& popoverViewController() const { return m_popoverViewController; }
+    virtual void setPopoverViewController(const std::shared_ptr<VelPreviewViewController>& controller);
 
     // Shell
 
@@ -100,7 +108,14 @@ public:
 
     /// Has the host stamp the sample page with the current configuration; a nil answer leaves the picture on show.
     virtual void updatePreview();
+    /// Shows the last result beside the sender, or brings the window of a preview that was torn off to the front.
     virtual void onPreview(const std::shared_ptr<NSObject>& sender);
+    /// Does nothing where there is one.
+    virtual void createPopover();
+    void popoverWillShow(const platform::NSNotification& notification) override;
+    void popoverDidShow(const platform::NSNotification& notification) override;
+    void popoverDidClose(const platform::NSNotification& notification) override;
+    bool popoverShouldDetach(const std::shared_ptr<platform::NSPopover>& popover) override;
 
     // Location editor
 
@@ -159,6 +174,7 @@ private:
     std::shared_ptr<host::ImprinterFont> m_currentFont;
     std::shared_ptr<NSObject> tokenChangeObserver;
     std::optional<platform::NSURL> m_previewURL;
+    std::shared_ptr<platform::NSPopover> m_popover;
     std::shared_ptr<VelPreviewViewController> m_popoverViewController;
     std::shared_ptr<VelCombinedViewController> m_combinedVC;
 

@@ -3,8 +3,10 @@
 
 #include "ButtonPeer.h"
 #include "ColorWellPeer.h"
+#include "ImagePeer.h"
 #include "MatrixPeer.h"
 #include "PopUpPeer.h"
+#include "ScrollPeer.h"
 #include "SegmentedPeer.h"
 #include "StepperPeer.h"
 #include "TabPeer.h"
@@ -12,6 +14,7 @@
 #include "TextFieldPeer.h"
 #include "TokenFieldPeer.h"
 
+#include <AppKit/NSImageView.h>
 #include <AppKit/NSPopUpButton.h>
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSClass.h>
@@ -115,6 +118,15 @@ void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& wi
     view->setPeer(makeColorWellPeer(widget));
 }
 
+void showImage(const std::shared_ptr<NSImageView>& view, ImageWidget& widget, NibText&) {
+    view->setPeer(makeImagePeer(widget));
+}
+
+void showScroll(const std::shared_ptr<NSScrollView>& view, ScrollWidget& widget, NibText&) {
+    view->setAllowsMagnification(widget.property("allowsMagnification").toBool());
+    view->setPeer(makeScrollPeer(view, widget));
+}
+
 void showPopUp(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget, NibText&) {
     view->setPeer(makePopUpPeer(widget));
 }
@@ -205,6 +217,10 @@ const QHash<QString, NibKind>& kinds() {
              {u"NSSegmentedControl", Role::control, make<QWidget>, show<NSSegmentedControl, QWidget, showSegments>}},
             {"NSColorWell",
              {u"NSColorWell", Role::control, make<ColorWellWidget>, show<NSColorWell, ColorWellWidget, showColorWell>}},
+            {"NSImageView",
+             {u"NSImageView", Role::control, make<ImageWidget>, show<NSImageView, ImageWidget, showImage>}},
+            {"NSScrollView",
+             {u"NSScrollView", Role::container, make<ScrollWidget>, show<NSScrollView, ScrollWidget, showScroll>}},
             {"QTabWidget",
              {u"NSTabView", Role::container, make<AskingTabWidget>, show<NSTabView, AskingTabWidget, showTabs>}},
             {"QStackedWidget", {u"NSTabView", Role::container, nullptr, show<NSTabView, QStackedWidget, showStack>}},

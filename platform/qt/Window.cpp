@@ -29,6 +29,17 @@ public:
         return m_widget && other && other->widget() && other->widget()->window() == m_widget->window();
     }
 
+    void orderFront() override {
+        if (!m_widget)
+            return;
+        auto& window = *m_widget->window();
+        if (window.isMinimized())
+            window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.show();
+        window.raise();
+        window.activateWindow();
+    }
+
 private:
     QPointer<QWidget> m_widget;
 };
