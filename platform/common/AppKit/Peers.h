@@ -24,7 +24,8 @@ public:
     virtual void setHidden(bool hidden) = 0;
     virtual void setEnabled(bool enabled) = 0;
     virtual std::shared_ptr<NSWindow> window() = 0;
-    /// Takes the focus; a text field selects all of its text. NO where the field that has it refused to end its editing.
+    /// Takes the focus; a text field selects all of its text. NO where the field that has it refused to end its
+    /// editing.
     virtual bool focus() = 0;
     virtual void setMenu(const std::shared_ptr<NSMenu>&) {}
     virtual void setToolTip(const std::u16string&) {}

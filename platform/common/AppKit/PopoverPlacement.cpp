@@ -10,8 +10,8 @@ namespace {
 
 constexpr double smallestSide = 120;
 
-/// What an edge means on the screen: the axis along which the popover is moved away from the anchor, and whether towards
-/// larger coordinates. By code of the edge. The greatest y is the upper edge, and up is less on the screen.
+/// What an edge means on the screen: the axis along which the popover is moved away from the anchor, and whether
+/// towards larger coordinates. By code of the edge. The greatest y is the upper edge, and up is less on the screen.
 struct Direction {
     bool vertical;
     bool towardsMore;
