@@ -32,7 +32,8 @@ bool compositorRuns(xcb_connection_t* connection) {
 
 bool windowsBlend() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return !x11 || compositorRuns(x11->connection());
+    auto* connection = x11 ? x11->connection() : nullptr; // none offscreen
+    return !connection || compositorRuns(connection);
 }
 
 } // namespace platform::qt

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWindow>
 
 namespace platform::qt {
 
@@ -24,6 +25,27 @@ QPalette lightPalette() {
     palette.setColor(QPalette::Highlight, QColor(0x30, 0x6F, 0xC6));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     return palette;
+}
+
+/// The program's window at a place of the screen, not counting what only decorates; null where there is none.
+QWindow* windowAt(QPoint place) {
+    const auto takesInput = [](const QWindow& window) { return !(window.flags() & Qt::WindowTransparentForInput); };
+    auto* top = QGuiApplication::topLevelAt(place);
+    if (!top || takesInput(*top))
+        return top;
+    for (auto* window : QGuiApplication::topLevelWindows())
+        if (window->isVisible() && takesInput(*window) && window->geometry().contains(place))
+            return window;
+    return nullptr;
+}
+
+/// Sends a press that closed the popover to what is below it. The toolkit would do so only where it could grab the
+/// mouse.
+void passOn(const QMouseEvent& press) {
+    if (auto* window = windowAt(press.globalPosition().toPoint()))
+        QCoreApplication::postEvent(window, new QMouseEvent(press.type(), window->mapFromGlobal(press.globalPosition()),
+                                                            press.globalPosition(), press.button(), press.buttons(),
+                                                            press.modifiers()));
 }
 
 QMargins arrowMargins(NSRectEdge edge) {
@@ -48,6 +70,7 @@ PopoverFrame::PopoverFrame(const std::shared_ptr<NSPopover>& popover, bool trans
       m_popover(popover), m_blends(windowsBlend()) {
     setAttribute(Qt::WA_TranslucentBackground, m_blends);
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_NoMouseReplay);
     if (popover->appearance())
         setPalette(lightPalette());
 }
@@ -163,8 +186,13 @@ void PopoverFrame::resizeEvent(QResizeEvent*) {
 void PopoverFrame::mousePressEvent(QMouseEvent* event) {
     if (m_form != Form::attached)
         return event->ignore();
-    if (!outline().contains(event->position()))
-        return enter([this] { tell(m_popover, &NSPopover::userDismisses); });
+    if (!outline().contains(event->position())) {
+        const QPointer<PopoverFrame> alive(this);
+        enter([this] { tell(m_popover, &NSPopover::userDismisses); });
+        if (!alive || !isVisible())
+            passOn(*event);
+        return;
+    }
     m_pressed = event->button() == Qt::LeftButton;
     m_press = event->globalPosition().toPoint();
     m_placeBefore = pos();

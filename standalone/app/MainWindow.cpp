@@ -138,7 +138,8 @@ void MainWindow::stampDocument() {
     if (outcome)
         statusBar()->showMessage(text(u"Stamped:") + u' ' + output, 10000);
     else
-        QMessageBox::warning(this, windowTitle(), fromPath(outcome.path) + u'\n' + QString::fromStdString(outcome.sentence));
+        QMessageBox::warning(this, windowTitle(),
+                             fromPath(outcome.path) + u'\n' + QString::fromStdString(outcome.sentence));
 }
 
 void MainWindow::editSettings() {

@@ -29,6 +29,11 @@ Session::Session(const std::filesystem::path& store)
         defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
 }
 
+void Session::allowPreviews() {
+    PrivateFolder::removeLeftovers();
+    m_previews = true;
+}
+
 std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,
                                                 const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
     if (!m_previewStamper) {

@@ -34,11 +34,15 @@ std::shared_ptr<NSView> NSPreferencePane::loadMainView() {
 
 void NSPreferencePane::mainViewDidLoad() {}
 void NSPreferencePane::willSelect() {}
-void NSPreferencePane::didSelect() { m_selected = true; }
+void NSPreferencePane::didSelect() {
+    m_selected = true;
+}
 NSPreferencePaneUnselectReply NSPreferencePane::shouldUnselect() {
     return NSPreferencePaneUnselectReply::now;
 }
 void NSPreferencePane::willUnselect() {}
-void NSPreferencePane::didUnselect() { m_selected = false; }
+void NSPreferencePane::didUnselect() {
+    m_selected = false;
+}
 
 } // namespace platform
