@@ -177,7 +177,7 @@ void VelImprinterPrefPane::mainViewDidLoad() {
     if (count(configurations()) != 0) {
         const auto lastSelected = NSUserDefaults::standardUserDefaults().stringForKey(u"ImprinterPrefLastSelected");
         setCurrentConfiguration(lastSelected ? m_imprinter->configurationForID(*lastSelected)
-                                             : configurations()->front());
+                                             : configuarationAtIndex(0));
         updateDuplicateRecord();
         if (m_currentConfiguration) {
             selectRowOf(m_currentConfiguration);
@@ -286,8 +286,8 @@ VelImprinterPrefPane::tableViewViewForTableColumnRow(const std::shared_ptr<NSTab
                                                      const std::shared_ptr<NSTableColumn>&, NSInteger row) {
     const auto configuration = configuarationAtIndex(row);
     const bool combined = tell(configuration, &host::ImprinterConfiguration::combinedConfiguration);
-    auto view =
-        table->makeViewWithIdentifierOwner(combined ? u"CombinedCellID" : u"ImprinterCellID", shared_from_this());
+    auto view = tell(table, &NSTableView::makeViewWithIdentifierOwner,
+                     combined ? u"CombinedCellID" : u"ImprinterCellID", shared_from_this());
     tell(tell(view, &NSTableCellView::textField), &NSControl::setStringValue,
          tell(configuration, &host::ImprinterConfiguration::name));
     return view;

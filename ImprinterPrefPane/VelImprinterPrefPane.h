@@ -79,6 +79,17 @@ public:
     const std::shared_ptr<VelPreviewViewController>& popoverViewController() const { return m_popoverViewController; }
     virtual void setPopoverViewController(const std::shared_ptr<VelPreviewViewController>& controller);
 
+    // Declared for hosts that expect them; nothing in the pane reads or writes these.
+
+    bool duplicateRecord() const { return m_duplicateRecord; }
+    void setDuplicateRecord(bool duplicate) { m_duplicateRecord = duplicate; }
+    std::shared_ptr<platform::NSWindow> previewWindow() const { return m_previewWindow; }
+    void setPreviewWindow(const std::shared_ptr<platform::NSWindow>& window) { m_previewWindow = window; }
+    std::shared_ptr<platform::NSWindow> detachedWindow() const { return m_detachedWindow; }
+    void setDetachedWindow(const std::shared_ptr<platform::NSWindow>& window) { m_detachedWindow = window; }
+    std::shared_ptr<platform::NSView> pdfView() const { return m_pdfView.lock(); }
+    void setPdfView(const std::shared_ptr<platform::NSView>& view) { m_pdfView = view; }
+
     // Shell
 
     virtual void translateUI();
@@ -177,6 +188,10 @@ private:
     std::shared_ptr<platform::NSPopover> m_popover;
     std::shared_ptr<VelPreviewViewController> m_popoverViewController;
     std::shared_ptr<VelCombinedViewController> m_combinedVC;
+    std::shared_ptr<platform::NSWindow> m_previewWindow;
+    std::shared_ptr<platform::NSWindow> m_detachedWindow;
+    std::weak_ptr<platform::NSView> m_pdfView;
+    bool m_duplicateRecord = false;
 
     // Outlets: frame and lists
     std::weak_ptr<platform::NSWindow> m_theWindow;

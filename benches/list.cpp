@@ -11,13 +11,14 @@
 
 #include "PlaceholderTokenField.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QMainWindow>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <chrono>
 #include <iostream>
-#include <map>
 
 namespace {
 
@@ -96,9 +97,17 @@ int main(int argc, char** argv) {
     std::cout << "opening a list of 10: " << few.openingTime << " ms, of 10,000: " << many.openingTime << " ms\n"
               << "selecting a row of 10: " << median(timesFew) << " ms, of 10,000: " << median(timesMany)
               << " ms, ratio " << ratio << " (claim: at most 1.1)\n";
-    const auto scrollStart = Clock::now();
-    many.pane->table()->userSelects(NSIndexSet(9999), 9999);
-    QApplication::processEvents();
-    std::cout << "going to the last of 10,000 rows: " << milliseconds(scrollStart) << " ms\n";
-    return ratio <= 1.1 ? 0 : 1;
+    auto* table = many.window.findChild<QAbstractItemView*>(QStringLiteral("tableView"));
+    std::vector<double> steps;
+    auto* bar = table->verticalScrollBar();
+    for (int value = 0; value <= bar->maximum(); value += std::max(bar->maximum() / 200, 1)) {
+        const auto start = Clock::now();
+        bar->setValue(value);
+        QApplication::processEvents();
+        steps.push_back(milliseconds(start));
+    }
+    const double slowest = *std::max_element(steps.begin(), steps.end());
+    std::cout << "scrolling through 10,000 rows in " << steps.size() << " steps: median " << median(steps)
+              << " ms a step, slowest " << slowest << " ms (claim: opening and every step at most 100 ms)\n";
+    return ratio <= 1.1 && many.openingTime <= 100 && slowest <= 100 ? 0 : 1;
 }

@@ -20,3 +20,13 @@ prepare() {
         "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null ||
         { echo "apt could not install: ${missing[*]}" >&2; return 1; }
 }
+
+# Runs a command without its output; shows that when the command fails.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 || status=$?
+    [ $status -eq 0 ] || cat "$log" >&2
+    rm -f "$log"
+    return $status
+}

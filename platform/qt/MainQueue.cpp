@@ -20,6 +20,7 @@ namespace {
 class EventLoopQueue final : public MainQueue {
 public:
     void async(Block block) override {
+        endWithApplication();
         QMetaObject::invokeMethod(
             &m_context, [block = std::move(block)] { qt::enter(block); }, Qt::QueuedConnection);
     }
@@ -30,6 +31,7 @@ public:
         const auto later = std::upper_bound(m_delayed.begin(), m_delayed.end(), due,
                                             [](const auto& time, const Delayed& other) { return time < other.due; });
         m_delayed.insert(later, {due, std::move(block)});
+        endWithApplication();
         const int milliseconds = static_cast<int>(std::ceil(std::max(seconds, 0.0) * 1000));
         // Timers need the application's dispatcher; before there is one, its first turn starts them.
         if (QCoreApplication::instance())
@@ -43,6 +45,19 @@ private:
         std::chrono::steady_clock::time_point due;
         Block block;
     };
+
+    /// What still waits when the application quits is let go then, not when its widgets are gone.
+    void endWithApplication() {
+        if (m_endsWithApplication || !QCoreApplication::instance())
+            return;
+        m_endsWithApplication = true;
+        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &m_context, [this] {
+            QCoreApplication::removePostedEvents(&m_context);
+            std::exchange(m_delayed, {}).clear();
+        });
+        QObject::connect(QCoreApplication::instance(), &QObject::destroyed, &m_context,
+                         [this] { m_endsWithApplication = false; });
+    }
 
     void start(int milliseconds) {
         QTimer::singleShot(milliseconds, Qt::PreciseTimer, &m_context, [this] { runEarliest(); });
@@ -59,6 +74,7 @@ private:
     }
 
     QObject m_context;
+    bool m_endsWithApplication = false;
     std::vector<Delayed> m_delayed; // by due time, equal ones in the order queued
 };
 

@@ -3,6 +3,8 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
+
 namespace platform::qt {
 
 ChoiceButton::ChoiceButton(QWidget* parent) : QRadioButton(parent) {
@@ -41,10 +43,13 @@ public:
     bool focus() override {
         if (!widget() || !endEditingInWindow(*widget()))
             return false;
-        for (const auto& choice : m_choices)
-            if (choice && (choice->isChecked() || choice == m_choices.back()))
-                return choice->setFocus(Qt::OtherFocusReason), true;
-        return false;
+        const auto isOn = [](const auto& choice) { return choice && choice->isChecked(); };
+        const auto on = std::find_if(m_choices.begin(), m_choices.end(), isOn);
+        const auto taker = on != m_choices.end() || m_choices.empty() ? on : m_choices.begin();
+        if (taker == m_choices.end() || !*taker)
+            return false;
+        (*taker)->setFocus(Qt::OtherFocusReason);
+        return true;
     }
 
 private:

@@ -2,6 +2,7 @@
 #include "StepperPeer.h"
 
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QStyleOptionSpinBox>
 #include <QStylePainter>
 #include <QTimerEvent>
@@ -35,14 +36,14 @@ QStyleOptionSpinBox StepperWidget::option() const {
 }
 
 QSize StepperWidget::sizeHint() const {
-    auto measured = option();
-    const int height =
-        style()
-            ->sizeFromContents(QStyle::CT_SpinBox, &measured, QSize(hiddenText, fontMetrics().height()), this)
-            .height();
-    measured.rect = QRect(0, 0, 2 * hiddenText, height);
-    const auto up = style()->subControlRect(QStyle::CC_SpinBox, &measured, QStyle::SC_SpinBoxUp, this);
-    return {measured.rect.right() - up.left() + 1, height};
+    // As high as a spin box of one line, and as wide as its arrows.
+    auto box = option();
+    const QSize text(hiddenText,
+                     QLineEdit().sizeHint().height() - 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth));
+    const int height = style()->sizeFromContents(QStyle::CT_SpinBox, &box, text, this).height();
+    box.rect = QRect(0, 0, 2 * hiddenText, height);
+    const auto up = style()->subControlRect(QStyle::CC_SpinBox, &box, QStyle::SC_SpinBoxUp, this);
+    return {box.rect.right() - up.left() + 1, height};
 }
 
 void StepperWidget::paintEvent(QPaintEvent*) {

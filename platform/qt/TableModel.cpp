@@ -88,8 +88,10 @@ void CellDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelInd
         const auto* cell = static_cast<const TableModel*>(index.model())->cellAt(index);
         if (!cell || cell->isEnabled())
             return;
-        for (const auto role : {QPalette::Text, QPalette::HighlightedText})
-            option->palette.setBrush(role, option->palette.brush(QPalette::Disabled, role));
+        option->palette.setBrush(QPalette::Text, option->palette.brush(QPalette::Disabled, QPalette::Text));
+        auto onHighlight = option->palette.color(QPalette::HighlightedText);
+        onHighlight.setAlphaF(0.55F);
+        option->palette.setColor(QPalette::HighlightedText, onHighlight);
     });
 }
 

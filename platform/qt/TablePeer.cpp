@@ -6,13 +6,13 @@
 #include <Foundation/dispatch.h>
 
 #include <QApplication>
-#include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace platform::qt {
 
-TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
+TableWidget::TableWidget(QWidget* parent) : QTableView(parent), m_header(new TableHeader(this)) {
     setShowGrid(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
@@ -22,9 +22,7 @@ TableWidget::TableWidget(QWidget* parent) : QTableView(parent) {
     setItemDelegate(new CellDelegate(this));
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    horizontalHeader()->setStretchLastSection(true);
-    horizontalHeader()->setSectionsClickable(false);
-    horizontalHeader()->setHighlightSections(false);
+    setHorizontalHeader(m_header);
 }
 
 void TableWidget::setTable(const std::shared_ptr<NSTableView>& table) {
@@ -62,10 +60,6 @@ void TableWidget::showSelection(const NSIndexSet& rows, NSInteger current) {
         m_anchor = current;
 }
 
-void TableWidget::setHeaderBorder(bool border) {
-    horizontalHeader()->setFrameShape(border ? QFrame::StyledPanel : QFrame::NoFrame);
-}
-
 void TableWidget::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         enter([&] { press(indexAt(event->position().toPoint()), event->modifiers()); });
@@ -74,7 +68,7 @@ void TableWidget::mousePressEvent(QMouseEvent* event) {
 void TableWidget::press(const QModelIndex& index, Qt::KeyboardModifiers modifiers) {
     const auto table = m_table.lock();
     ++m_renameRequests;
-    if (!table || !commitEditing())
+    if (!table)
         return;
     const auto row = static_cast<NSInteger>(index.row()); // -1 in the empty area
     const bool multiple = table->allowsMultipleSelection();
@@ -106,7 +100,9 @@ void TableWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier)
         enter([&] {
             ++m_renameRequests;
-            rename(indexAt(event->position().toPoint()));
+            const auto index = indexAt(event->position().toPoint());
+            if (selectionModel()->isSelected(index))
+                rename(index);
         });
 }
 
@@ -259,8 +255,8 @@ public:
     }
     void setHeader(bool visible, bool bottomBorder) override {
         if (auto* table = as<TableWidget>()) {
-            table->horizontalHeader()->setVisible(visible);
-            table->setHeaderBorder(bottomBorder);
+            table->headerView().setVisible(visible);
+            table->headerView().setBottomBorder(bottomBorder);
         }
     }
     void reload(NSInteger rows) override {

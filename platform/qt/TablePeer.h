@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "TableHeader.h"
 #include "TableModel.h"
 
 #include <QTableView>
@@ -20,7 +21,7 @@ public:
     void reload(NSInteger rows);
     void showSelection(const NSIndexSet& rows, NSInteger current);
     void showTitle(int column) { m_model->titleChanged(column); }
-    void setHeaderBorder(bool border);
+    TableHeader& headerView() const { return *m_header; }
 
     /// Opens the editor of a cell that can be edited.
     void rename(const QModelIndex& index);
@@ -50,6 +51,7 @@ private:
     void closeEditor();
 
     std::weak_ptr<NSTableView> m_table;
+    TableHeader* m_header;
     TableModel* m_model = nullptr;
     QPointer<LineEdit> m_editor;
     std::shared_ptr<NSTextField> m_editedField;

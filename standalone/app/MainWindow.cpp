@@ -10,10 +10,12 @@
 #include <PlatformQt/Bridge.h>
 #include <engine/Stamper.h>
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -41,20 +43,38 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setWindowTitle(QStringLiteral("Imprinter"));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
     makeMenus();
-    m_session.setOnSaveFailure([this](const store::Failure& failure) { tellSaveFailure(failure); });
-
-    m_pane->willShow();
-    setCentralWidget(widgetOf(*m_pane->view()));
-    m_pane->didShow();
-
-    m_selectionObserver = NSNotificationCenter::defaultCenter().addObserverForNameObjectQueueUsingBlock(
-        NSTableViewSelectionDidChangeNotification, m_pane->table(), nullptr,
-        [this](const NSNotification&) { rememberSelection(); });
+    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
+    showPane();
+    if (const auto table = m_pane->table())
+        m_selectionObserver = NSNotificationCenter::defaultCenter().addObserverForNameObjectQueueUsingBlock(
+            NSTableViewSelectionDidChangeNotification, table, nullptr,
+            [this](const NSNotification&) { rememberSelection(); });
 }
 
 MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
+}
+
+void MainWindow::showPane() {
+    m_pane->willShow();
+    setCentralWidget(widgetOf(*m_pane->view()));
+    m_pane->didShow();
+}
+
+void MainWindow::refreshPane() {
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    setUpdatesEnabled(false);
+    m_pane->refresh(m_session.model());
+    if (focus && focus->isVisible())
+        focus->setFocus();
+    setUpdatesEnabled(true);
+}
+
+void MainWindow::warn(const QString& sentence) {
+    QMessageBox box(QMessageBox::Warning, windowTitle(), sentence, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
 }
 
 void MainWindow::makeMenus() {
@@ -87,28 +107,22 @@ void MainWindow::afterFirstPaint() {
         return;
     }
     m_session.allowPreviews();
-    m_pane->refresh(m_session.model());
+    refreshPane();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    bool left = false;
-    runGuarded([&] { left = m_pane->leave(); });
-    if (left && m_session.hasUnsaved()) {
-        // Once told, the user may close again and do without.
-        left = m_warned;
-        m_warned = true;
-        if (!left)
-            runGuarded([&] {
-                m_pane->willShow();
-                m_pane->didShow();
-            });
+    if (!m_pane->leave()) {
+        event->ignore();
+        return;
     }
-    event->setAccepted(left);
-    if (left)
-        runGuarded([&] {
-            takeCentralWidget();
-            m_pane->didLeave();
-        });
+    takeCentralWidget();
+    runGuarded([this] { m_pane->didLeave(); });
+    // What could not be saved is kept on the screen once; closing again does without.
+    const bool stay = m_session.hasUnsaved() && !m_warned;
+    m_warned = stay;
+    if (stay)
+        runGuarded([this] { showPane(); });
+    event->setAccepted(!stay);
 }
 
 void MainWindow::rememberSelection() {
@@ -118,6 +132,7 @@ void MainWindow::rememberSelection() {
 }
 
 void MainWindow::stampDocument() {
+    tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
     const auto configuration = m_pane->currentConfiguration();
     if (!configuration) {
         QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
@@ -138,18 +153,13 @@ void MainWindow::stampDocument() {
     if (outcome)
         statusBar()->showMessage(text(u"Stamped:") + u' ' + output, 10000);
     else
-        QMessageBox::warning(this, windowTitle(),
-                             fromPath(outcome.path) + u'\n' + QString::fromStdString(outcome.sentence));
+        warn(fromPath(outcome.path) + u'\n' + QString::fromStdString(outcome.sentence));
 }
 
 void MainWindow::editSettings() {
     SettingsDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted)
-        m_pane->refresh(m_session.model());
-}
-
-void MainWindow::tellSaveFailure(const store::Failure& failure) {
-    QMessageBox::warning(this, windowTitle(), toQt(failure.sentence));
+        refreshPane();
 }
 
 } // namespace app

@@ -16,6 +16,9 @@ public:
 
     PaneHost& pane() { return *m_pane; }
 
+    /// A sentence for people, shown as it stands.
+    void warn(const QString& sentence);
+
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();
 
@@ -28,7 +31,9 @@ private:
     void rememberSelection();
     void stampDocument();
     void editSettings();
-    void tellSaveFailure(const store::Failure& failure);
+    void showPane();
+    /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
+    void refreshPane();
 
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;

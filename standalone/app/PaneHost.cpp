@@ -49,23 +49,23 @@ std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() c
 bool PaneHost::leave() {
     if (!m_pane->isSelected())
         return true;
-    const auto window = view()->window();
-    if (window && !window->makeFirstResponder(nullptr))
+    auto reply = NSPreferencePaneUnselectReply::now;
+    runGuarded([this] { tell(view()->window(), &NSWindow::makeFirstResponder, nullptr); });
+    runGuarded([&] { reply = m_pane->shouldUnselect(); });
+    if (reply == NSPreferencePaneUnselectReply::cancel)
         return false;
-    if (m_pane->shouldUnselect() == NSPreferencePaneUnselectReply::cancel)
-        return false;
-    m_pane->willUnselect();
+    runGuarded([this] { m_pane->willUnselect(); });
     return true;
 }
 
-void PaneHost::refresh(const host::Imprinter& imprinter) {
-    const auto current = currentConfiguration();
+void PaneHost::show(const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                    const host::Imprinter& imprinter) {
     const auto list = table();
     tell(list, &NSTableView::reloadData);
     setValueForKey(*m_pane, std::monostate(), currentKey);
-    setValueForKey(*m_pane, std::shared_ptr<NSObject>(current), currentKey);
-    tell(list, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(imprinter.indexOfConfiguration(current)),
-         false);
+    setValueForKey(*m_pane, std::shared_ptr<NSObject>(configuration), currentKey);
+    tell(list, &NSTableView::selectRowIndexesByExtendingSelection,
+         NSIndexSet(imprinter.indexOfConfiguration(configuration)), false);
 }
 
 std::shared_ptr<NSTableView> PaneHost::table() const {

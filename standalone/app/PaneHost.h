@@ -24,14 +24,16 @@ public:
     void willShow() { m_pane->willSelect(); }
     void didShow() { m_pane->didSelect(); }
 
-    /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO where an edit or the
-    /// pane refused.
+    /// The user wants to leave: commits the edit in progress, asks the pane and lets it save. NO only where the pane
+    /// refused: a text that its field does not take is given up, and an error in the pane is logged.
     bool leave();
     /// After the view was taken out.
     void didLeave() { m_pane->didUnselect(); }
 
     /// After the model was changed under the open pane: shows the list anew and reads the current configuration again.
-    void refresh(const host::Imprinter& imprinter);
+    void refresh(const host::Imprinter& imprinter) { show(currentConfiguration(), imprinter); }
+    /// The same, with another configuration as the current one.
+    void show(const std::shared_ptr<host::ImprinterConfiguration>& configuration, const host::Imprinter& imprinter);
 
     /// The pane's table of configurations, or null.
     std::shared_ptr<platform::NSTableView> table() const;

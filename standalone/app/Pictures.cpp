@@ -11,6 +11,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <iostream>
 
 namespace app {
@@ -42,22 +43,26 @@ bool grab(QWidget& window, const fs::path& file) {
 bool grabPages(MainWindow& window, Session& session, const fs::path& folder) {
     bool all = true;
     const auto editor = tabs(window.pane(), u"tabView");
-    const auto pages = tabs(window.pane(), u"mainTabView");
     for (const char16_t* page : {u"Appearance", u"Location"}) {
         tell(editor, &NSTabView::selectTabViewItemWithIdentifier, page);
         all = grab(window,
                    folder / (page == std::u16string_view(u"Location") ? "pane-location.png" : "pane-appearance.png")) &&
               all;
     }
-    const auto back = tell(pages, &NSTabView::selectedTabViewItem);
-    for (const auto& [page, name] :
-         {std::pair(u"Imprint Combined", "pane-combined.png"), std::pair(u"No Imprint", "pane-empty.png")}) {
-        tell(pages, &NSTabView::selectTabViewItemWithIdentifier, page);
-        all = grab(window, folder / name) && all;
-    }
-    if (back)
-        tell(pages, &NSTabView::selectTabViewItemWithIdentifier, back->identifier());
-    window.pane().refresh(session.model());
+    // A combined one for the picture alone; nothing here is stored.
+    auto& model = session.model();
+    const auto first = window.pane().currentConfiguration();
+    const auto combined = model.createConfiguration(true);
+    combined->setName(text(u"Received, with page numbers").toStdU16String());
+    const auto ordinary = model.nonCombinedConfigurations();
+    for (std::size_t i = 0; i < std::min<std::size_t>(ordinary->size(), 2); ++i)
+        combined->addConfiguration((*ordinary)[i]);
+    window.pane().show(combined, model);
+    all = grab(window, folder / "pane-combined.png") && all;
+    model.deleteConfigurationAtIndex(model.indexOfConfiguration(combined));
+    window.pane().show(nullptr, model);
+    all = grab(window, folder / "pane-empty.png") && all;
+    window.pane().show(first, model);
     return all;
 }
 
@@ -93,14 +98,13 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     const auto plain = folder / "sample.pdf";
     try {
         writeSamplePdf(sample, plain);
+        std::cout << plain.string() << '\n';
     } catch (const std::exception& exception) {
         std::cerr << "imprinter: " << exception.what() << '\n';
         return false;
     }
     all = stamp(sample, folder / "sample-stamped.jpg", session) && all;
-    all = stamp(plain, folder / "sample-stamped.pdf", session) && all;
-    window.close();
-    return all;
+    return stamp(plain, folder / "sample-stamped.pdf", session) && all;
 }
 
 } // namespace app

@@ -9,10 +9,12 @@ namespace app {
 Session::Session(const std::filesystem::path& store)
     : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model) {
     m_model->setConfigurations(m_loaded.configurations);
+    m_model->setOnChange([this](const std::shared_ptr<model::Configuration>&) { m_changed = true; });
     m_model->setSaver([this](const model::ImprinterModel& saved) {
         const auto failure = m_store.save(saved);
         m_saveFailed = failure.has_value();
-        if (failure && m_onSaveFailure)
+        m_changed = m_changed && m_saveFailed;
+        if (failure && hasUnsaved() && m_onSaveFailure)
             m_onSaveFailure(*failure);
     });
     m_model->setStamper([this](const std::optional<host::NSURL>& sample,

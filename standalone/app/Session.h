@@ -22,8 +22,8 @@ public:
 
     /// Told about a save that failed; the pane's own messages carry no errors.
     void setOnSaveFailure(std::function<void(const store::Failure&)> tell) { m_onSaveFailure = std::move(tell); }
-    /// Whether the last save failed.
-    bool hasUnsaved() const { return m_saveFailed; }
+    /// Whether something was changed since it was last stored, and could not be stored.
+    bool hasUnsaved() const { return m_saveFailed && m_changed; }
 
     /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
     void allowPreviews();
@@ -42,6 +42,7 @@ private:
     std::function<void(const store::Failure&)> m_onSaveFailure;
     bool m_previews = false;
     bool m_saveFailed = false;
+    bool m_changed = false;
 };
 
 } // namespace app

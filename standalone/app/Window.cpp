@@ -4,12 +4,12 @@
 #include "HostBundle.h"
 #include "MainWindow.h"
 #include "Pictures.h"
+#include "Signals.h"
 
-#include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
 
 #include <QApplication>
 #include <QLibraryInfo>
-#include <QMessageBox>
 #include <QTranslator>
 
 #include <iostream>
@@ -28,6 +28,14 @@ std::unique_ptr<MainWindow> openWindow(Session& session) {
     return std::make_unique<MainWindow>(session, std::move(pane));
 }
 
+/// What the toolkit says about running without a display concerns nobody.
+void dropOffscreenNoise(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtDebugMsg || message.contains(QLatin1String("propagateSizeHints")) ||
+        message.contains(QLatin1String("XDG_RUNTIME_DIR")))
+        return;
+    std::cerr << message.toStdString() << '\n';
+}
+
 void prepare(QApplication& application) {
     QApplication::setApplicationName(QStringLiteral("imprinter"));
     QApplication::setApplicationDisplayName(QStringLiteral("Imprinter"));
@@ -41,22 +49,33 @@ void prepare(QApplication& application) {
 } // namespace
 
 int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
+    // A display that is named but not there would abort the toolkit; offscreen is what it then falls back to.
+    const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (!chosen)
+        qputenv("QT_QPA_PLATFORM",
+                qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? "wayland;xcb;offscreen" : "xcb;offscreen");
     QApplication application(argc, argv);
+    if (!chosen && QGuiApplication::platformName() == QLatin1String("offscreen"))
+        return noDisplay;
     prepare(application);
     Session session(store);
     const auto window = openWindow(session);
     if (!window)
         return 1;
+    closeOnSignals(*window);
     window->show();
     for (const auto& message : session.messages())
-        QMessageBox::warning(window.get(), window->windowTitle(), toQt(message.sentence));
+        window->warn(toQt(message.sentence));
     return QApplication::exec();
 }
 
 int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder) {
+    qInstallMessageHandler(dropOffscreenNoise);
     QApplication application(argc, argv);
     prepare(application);
     Session session(store);
+    for (const auto& message : session.messages())
+        std::cerr << "imprinter: " << platform::toUtf8(message.sentence) << '\n';
     const auto window = openWindow(session);
     return window && leavePictures(*window, session, folder) ? 0 : 1;
 }

@@ -7,7 +7,10 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <map>
 #include <optional>
+
+#include <sys/stat.h>
 
 namespace cli {
 
@@ -22,15 +25,34 @@ int complain(int status, const std::string& sentence) {
     return status;
 }
 
-std::vector<std::shared_ptr<model::Configuration>> load(const fs::path& file) {
-    auto loaded = store::Store(file).load();
-    for (const auto& message : loaded.messages)
+using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
+
+/// None, after having said why, where the supplied configurations would stand in for those of the file.
+std::optional<Configurations> read(const fs::path& file) {
+    auto result = store::Store(file).read();
+    for (const auto& message : result.messages)
         complain(0, toUtf8(message.sentence));
-    return std::move(loaded.configurations);
+    return result.standIns ? std::nullopt : std::optional(std::move(result.configurations));
+}
+
+bool takesValue(const std::string& option) {
+    return option == "--configuration" || option == "--output";
+}
+
+/// Whether `isMeant` answers true for one of the arguments that are neither values of options nor files.
+template <class IsMeant>
+bool anyOption(const std::vector<std::string>& arguments, IsMeant isMeant) {
+    for (std::size_t i = 0; i < arguments.size() && arguments[i] != "--"; ++i) {
+        if (isMeant(arguments[i]))
+            return true;
+        if (takesValue(arguments[i]))
+            ++i;
+    }
+    return false;
 }
 
 /// "there are "A", "B" and "C"".
-std::string namesOf(const std::vector<std::shared_ptr<model::Configuration>>& configurations) {
+std::string namesOf(const Configurations& configurations) {
     if (configurations.empty())
         return "there are none";
     std::string names = configurations.size() == 1 ? "there is " : "there are ";
@@ -56,7 +78,7 @@ std::optional<StampArguments> parse(const std::vector<std::string>& arguments, s
         const auto& argument = arguments[i];
         if (options && argument == "--") {
             options = false;
-        } else if (options && (argument == "--configuration" || argument == "--output")) {
+        } else if (options && takesValue(argument)) {
             if (i + 1 == arguments.size()) {
                 problem = argument + " needs a value";
                 return std::nullopt;
@@ -79,6 +101,55 @@ std::optional<StampArguments> parse(const std::vector<std::string>& arguments, s
     else if (parsed.files.empty())
         problem = "which file is to be stamped?";
     return problem.empty() ? std::optional(parsed) : std::nullopt;
+}
+
+struct Paths {
+    fs::path input;
+    fs::path output;
+};
+
+/// What tells files apart whatever they are called; none where there is no such file.
+std::optional<std::pair<dev_t, ino_t>> identityOf(const fs::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0)
+        return std::nullopt;
+    return std::pair(status.st_dev, status.st_ino);
+}
+
+std::string inQuotes(const fs::path& path) {
+    return '"' + path.string() + '"';
+}
+
+/// A sentence about two files of which one would be lost, or stamped twice; empty where there are none.
+std::string collisionIn(const std::vector<Paths>& files) {
+    std::map<fs::path, const Paths*> byOutput;
+    std::map<std::pair<dev_t, ino_t>, const Paths*> byInput;
+    for (const auto& file : files) {
+        if (const auto identity = identityOf(file.input))
+            if (const auto [other, isNew] = byInput.emplace(*identity, &file); !isNew)
+                return inQuotes(other->second->input) + " and " + inQuotes(file.input) + " are the same file";
+        if (const auto [other, isNew] = byOutput.emplace(file.output.lexically_normal(), &file); !isNew)
+            return inQuotes(other->second->input) + " and " + inQuotes(file.input) + " would both be stamped into " +
+                   inQuotes(file.output);
+    }
+    for (const auto& file : files) {
+        const auto identity = identityOf(file.output);
+        const auto other = identity ? byInput.find(*identity) : byInput.end();
+        // A file that is its own output is the engine's to refuse.
+        if (other != byInput.end() && other->second != &file)
+            return inQuotes(file.input) + " would be stamped into " + inQuotes(file.output) + ", which is the input " +
+                   inQuotes(other->second->input);
+    }
+    return {};
+}
+
+/// One line about a stamp that failed.
+std::string sentenceOf(const engine::Outcome& outcome) {
+    auto sentence = outcome.path.string() + ": " + outcome.sentence;
+    if (outcome.code == engine::Code::nothingToStamp)
+        for (const auto& reason : outcome.warnings)
+            sentence += ' ' + reason;
+    return sentence;
 }
 
 int statusOf(engine::Code code) {
@@ -106,14 +177,14 @@ const char* const helpText =
 
     --store FILE    before any command: use the configurations in FILE
     --configuration may be given several times; the stamps are put on in that order
-    --help, --version
+    --help, also after a command; --version
 
 Examples:
     imprinter stamp --configuration Received --output letter-received.pdf letter.pdf
     imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
 
-Exit status: 0 done, 2 a document could not be read or stamped, 3 a result could not be written,
-4 no such configuration, 64 the command line was not understood.
+Exit status: 0 done, 1 the program could not go on, 2 a document could not be read or stamped, 3 a result could not
+be written, 4 no such configuration or none that can be read, 64 the command line was not understood.
 )";
 
 bool hasDisplay() {
@@ -123,10 +194,26 @@ bool hasDisplay() {
     return false;
 }
 
+bool askForHelp(const std::vector<std::string>& arguments) {
+    return anyOption(arguments, [](const auto& option) { return option == "--help" || option == "-h"; });
+}
+
+bool nameAStore(const std::vector<std::string>& arguments) {
+    return anyOption(arguments,
+                     [](const auto& option) { return option == "--store" || option.starts_with("--store="); });
+}
+
+bool isUsable(const fs::path& store) {
+    return read(store).has_value();
+}
+
 int list(const fs::path& store, const std::vector<std::string>& arguments) {
     if (!arguments.empty())
         return complain(usage, "`list` takes no arguments");
-    for (const auto& configuration : load(store))
+    const auto configurations = read(store);
+    if (!configurations)
+        return noConfiguration;
+    for (const auto& configuration : *configurations)
         std::cout << toUtf8(configuration->name()) << '\n';
     return done;
 }
@@ -137,11 +224,22 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     if (!wanted)
         return complain(usage, problem);
 
+    std::error_code none;
+    const bool intoFolder =
+        wanted->files.size() > 1 || fs::is_directory(wanted->output, none) || !wanted->output.has_filename();
+    std::vector<Paths> files;
+    for (const auto& file : wanted->files)
+        files.push_back({file, intoFolder ? wanted->output / file.filename() : wanted->output});
+    if (const auto collision = collisionIn(files); !collision.empty())
+        return complain(usage, collision);
+
     engine::StampJob job;
-    const auto configurations = load(store);
+    const auto configurations = read(store);
+    if (!configurations)
+        return noConfiguration;
     for (const auto& name : wanted->configurations) {
         std::shared_ptr<model::Configuration> found;
-        for (const auto& configuration : configurations) {
+        for (const auto& configuration : *configurations) {
             if (configuration->name() != fromUtf8(name) && configuration->uniqueID() != fromUtf8(name))
                 continue;
             if (found)
@@ -150,27 +248,28 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
             found = configuration;
         }
         if (!found)
-            return complain(noConfiguration, "no configuration is called \"" + name + "\"; " + namesOf(configurations));
+            return complain(noConfiguration,
+                            "no configuration is called \"" + name + "\"; " + namesOf(*configurations));
         job.configurations.push_back(found);
     }
 
-    std::error_code error;
-    const bool intoFolder =
-        wanted->files.size() > 1 || fs::is_directory(wanted->output, error) || !wanted->output.has_filename();
     if (intoFolder) {
+        std::error_code error;
         fs::create_directories(wanted->output, error);
         if (error)
             return complain(cannotWrite, wanted->output.string() + ": " + error.message());
     }
     int status = done;
-    for (const auto& file : wanted->files) {
-        job.input = file;
-        job.output = intoFolder ? wanted->output / file.filename() : wanted->output;
+    for (const auto& file : files) {
+        job.input = file.input;
+        job.output = file.output;
         const auto outcome = engine::stampFile(job);
+        if (!outcome) {
+            status = complain(statusOf(outcome.code), sentenceOf(outcome));
+            continue;
+        }
         for (const auto& warning : outcome.warnings)
-            complain(0, file.string() + ": " + warning);
-        if (!outcome)
-            status = complain(statusOf(outcome.code), outcome.path.string() + ": " + outcome.sentence);
+            complain(0, file.input.string() + ": " + warning);
     }
     return status;
 }

@@ -13,12 +13,21 @@ enum Status : int {
     failed = 1,          ///< the program itself could not go on
     badInput = 2,        ///< a document cannot be read, or not stamped as asked
     cannotWrite = 3,     ///< a result cannot be written
-    noConfiguration = 4, ///< no configuration, or more than one, has the name
+    noConfiguration = 4, ///< no configuration, or more than one, has the name, or the store cannot be read
     usage = 64,          ///< the command line is not understood
 };
 
 /// Whether a window could be shown: the session has a display, or the environment names a platform to show it on.
 bool hasDisplay();
+
+/// Whether these arguments of a command ask for help.
+bool askForHelp(const std::vector<std::string>& arguments);
+/// Whether these arguments of a command name a store, which has to be done before the command.
+bool nameAStore(const std::vector<std::string>& arguments);
+
+/// Whether the configurations of the store, or the supplied ones before there is a store, can be used; else says why
+/// not. Nothing on disk changes.
+bool isUsable(const std::filesystem::path& store);
 
 int list(const std::filesystem::path& store, const std::vector<std::string>& arguments);
 int stamp(const std::filesystem::path& store, const std::vector<std::string>& arguments);

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     std::filesystem::path store = store::Store::defaultPath();
     if (!arguments.empty() && arguments[0] == "--store") {
-        if (arguments.size() < 2) {
+        if (arguments.size() < 2 || arguments[1].empty()) {
             std::cerr << "imprinter: --store needs a value\n";
             return cli::usage;
         }
@@ -20,15 +20,25 @@ int main(int argc, char** argv) {
     }
     try {
         if (arguments.empty()) {
-            if (!cli::hasDisplay()) {
+            const int status = cli::hasDisplay() ? app::runWindow(argc, argv, store) : app::noDisplay;
+            if (status == app::noDisplay)
                 std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works "
                              "without one\n";
-                return cli::failed;
-            }
-            return app::runWindow(argc, argv, store);
+            return status;
         }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
+        if (command == "list" || command == "stamp" || command == "pictures") {
+            if (cli::askForHelp(arguments)) {
+                std::cout << cli::helpText;
+                return cli::done;
+            }
+            if (cli::nameAStore(arguments)) {
+                std::cerr << "imprinter: --store stands before the command: imprinter --store FILE " << command
+                          << " ...\n";
+                return cli::usage;
+            }
+        }
         if (command == "list")
             return cli::list(store, arguments);
         if (command == "stamp")
@@ -38,6 +48,8 @@ int main(int argc, char** argv) {
                 std::cerr << "imprinter: `pictures` takes the folder to leave them in\n";
                 return cli::usage;
             }
+            if (!cli::isUsable(store))
+                return cli::noConfiguration;
             if (!cli::hasDisplay())
                 setenv("QT_QPA_PLATFORM", "offscreen", 0);
             return app::drawPictures(argc, argv, store, arguments.front());

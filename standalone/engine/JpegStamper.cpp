@@ -18,12 +18,15 @@ namespace {
     throw Failure(Code::damaged, "The picture is damaged.");
 }
 
-void ignoreMessage(j_common_ptr, int) {}
+void countWarning(j_common_ptr info, int level) {
+    if (level < 0)
+        ++info->err->num_warnings;
+}
 
 jpeg_error_mgr* quietErrors(jpeg_error_mgr& errors) {
     jpeg_std_error(&errors);
     errors.error_exit = failJpeg;
-    errors.emit_message = ignoreMessage;
+    errors.emit_message = countWarning;
     return &errors;
 }
 
@@ -284,7 +287,7 @@ DecodedPicture decodeJpeg(std::string_view file) {
     return {image, geometry};
 }
 
-std::string stampJpeg(std::string_view file, const PartsFor& partsFor) {
+std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report) {
     // 1. The pixels with the stamps on them, and the units of the file that the stamps touch.
     Decompressor pixels(file);
     readHeader(pixels.info);
@@ -292,6 +295,8 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor) {
     const bool fourInks = hasFourInks(pixels.info);
     const bool inverse = storesInverseInks(pixels.info);
     QImage image = decode(pixels.info);
+    if (pixels.info.err->num_warnings > 0)
+        report.sentences.insert("The picture is damaged; it was read as far as possible.");
     Grid grid{8 * pixels.info.max_h_samp_factor, 8 * pixels.info.max_v_samp_factor, 0, 0, {}};
     grid.columns = (image.width() + grid.width - 1) / grid.width;
     grid.rows = (image.height() + grid.height - 1) / grid.height;

@@ -2,6 +2,7 @@
 #include "PdfStamper.h"
 
 #include "ContentScan.h"
+#include "Flate.h"
 #include "OutputFile.h"
 #include "PdfFonts.h"
 #include "PdfPainter.h"
@@ -54,12 +55,24 @@ PageGeometry geometryOf(QPDFPageObjectHelper page) {
     return geometry;
 }
 
+/// Whether one of these form fields, or of the fields below them, is a signature that was given.
+bool anySigned(QPDFObjectHandle fields, int levels) {
+    if (!fields.isArray() || levels == 0)
+        return false;
+    for (auto field : fields.getArrayAsVector())
+        if (field.isDictionary() &&
+            ((field.getKey("/FT").isNameAndEquals("/Sig") && field.getKey("/V").isDictionary()) ||
+             anySigned(field.getKey("/Kids"), levels - 1)))
+            return true;
+    return false;
+}
+
 bool isSigned(QPDFObjectHandle root) {
     auto form = root.getKey("/AcroForm");
     if (!form.isDictionary())
         return false;
     auto flags = form.getKey("/SigFlags");
-    return flags.isInteger() && flags.getIntValue() & 1;
+    return (flags.isInteger() && flags.getIntValue() & 1) || anySigned(form.getKey("/Fields"), 16);
 }
 
 void refuseWhatMustNotChange(QPDF& document, const StampJob& job) {
@@ -97,7 +110,7 @@ public:
         }
         auto& stream = m_suffixes[content];
         if (!stream.isStream())
-            stream = m_document.newStream(content);
+            stream = newStream(content);
         auto contents = page.getKey("/Contents");
         contents.appendItem(stream);
     }
@@ -131,13 +144,39 @@ private:
         if (isNew)
             place->second = wrapFor(streams);
         if (!m_save.isInitialized())
-            m_save = m_document.newStream("q\n");
+            m_save = newStream("q\n");
         auto array = QPDFObjectHandle::newArray();
         array.appendItem(m_save);
         for (const auto& stream : place->second.streams)
             array.appendItem(stream);
         page.replaceKey("/Contents", array);
         return place->second.closing;
+    }
+
+    /// Deflated here where that makes it smaller; the document's writer would set up its tables for each one.
+    QPDFObjectHandle newStream(const std::string& content) {
+        const auto deflated = m_flate.deflate(content);
+        const bool smaller = deflated.size() + 20 < content.size(); // the filter's entry
+        auto stream = m_document.newStream(smaller ? deflated : content);
+        if (smaller)
+            stream.getDict().replaceKey("/Filter", QPDFObjectHandle::newName("/FlateDecode"));
+        else
+            stream.setFilterOnWrite(false);
+        return stream;
+    }
+
+    void appendDecoded(QPDFObjectHandle stream, std::string& content) {
+        auto dictionary = stream.getDict();
+        if (dictionary.getKey("/Filter").isNameAndEquals("/FlateDecode") && !dictionary.hasKey("/DecodeParms")) {
+            const auto raw = stream.getRawStreamData();
+            const auto plain = m_flate.inflate({reinterpret_cast<const char*>(raw->getBuffer()), raw->getSize()});
+            if (plain) {
+                content += *plain;
+                return;
+            }
+        }
+        const auto data = stream.getStreamData(qpdf_dl_generalized);
+        content.append(reinterpret_cast<const char*>(data->getBuffer()), data->getSize());
     }
 
     struct Wrap {
@@ -150,8 +189,7 @@ private:
         std::string content;
         try {
             for (auto stream : streams) {
-                const auto data = stream.getStreamData(qpdf_dl_generalized);
-                content.append(reinterpret_cast<const char*>(data->getBuffer()), data->getSize());
+                appendDecoded(stream, content);
                 content += '\n';
             }
         } catch (const QPDFExc&) {
@@ -162,7 +200,7 @@ private:
             // Viewers pass over a restore without a save. Inside the wrapper it would end the wrapper.
             for (const auto offset : balance.surplusRestores)
                 content[offset] = ' ';
-            wrap.streams = {m_document.newStream(content)};
+            wrap.streams = {newStream(content)};
         }
         wrap.closing = "\n";
         if (balance.openText)
@@ -196,7 +234,7 @@ private:
             return form;
         if (!m_resources.isInitialized())
             m_resources = m_document.makeIndirectObject(QPDFObjectHandle::newDictionary());
-        form = m_document.newStream(m_painter.paint(stamp));
+        form = newStream(m_painter.paint(stamp));
         auto dictionary = form.getDict();
         dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
         dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
@@ -213,6 +251,7 @@ private:
 
     QPDF& m_document;
     PdfPainter& m_painter;
+    Flate m_flate;
     QPDFObjectHandle m_save;
     QPDFObjectHandle m_resources;
     std::map<std::vector<QPDFObjGen>, Wrap> m_wraps;
@@ -271,8 +310,11 @@ std::size_t stampDocument(QPDF& document, const StampJob& job, const Facts& fact
 }
 
 void writeDocument(QPDF& document, const StampJob& job, bool linearized) {
+    const auto pageCount = document.getAllPages().size();
     OutputFile output(job.output);
     try {
+        // The writer replaces the entry of a repaired trailer, but adds none.
+        document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
         QPDFWriter writer(document);
         writer.setOutputFile(job.output.c_str(), output.stream(), false);
         writer.setMinimumPDFVersion("1.4");
@@ -283,7 +325,7 @@ void writeDocument(QPDF& document, const StampJob& job, bool linearized) {
     } catch (const QPDFSystemError& error) {
         throw std::system_error(error.getErrno(), std::generic_category());
     }
-    if (job.progress && !job.progress(1, 1))
+    if (job.progress && !job.progress(pageCount, pageCount))
         throw Failure(Code::cancelled, "The run was cancelled.");
     output.commit();
 }

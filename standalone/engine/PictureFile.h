@@ -50,7 +50,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor);
 /// The same for JPEG, without encoding anew what no stamp touches: only the coefficients of the touched units (8 by 8
 /// pixels times the file's largest sampling factors) are replaced. With subsampled colour a pixel beside such a unit
 /// may be decoded slightly differently, since decoders smooth across its edge.
-std::string stampJpeg(std::string_view file, const PartsFor& partsFor);
+/// A file that breaks off is stamped as far as it can be read, and `report` says so.
+std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report);
 
 /// Throws `Failure` for a picture of more than `kLargestPicture` pixels or with an empty side.
 void checkSize(long long width, long long height);

@@ -118,7 +118,7 @@ QImage decode(std::string_view file) {
 /// What may be copied although pixels and colour type changed.
 bool staysTrue(std::string_view type, bool sameColourType) {
     static const std::string_view pixels[] = {"IHDR", "PLTE", "tRNS", "IDAT", "IEND", "hIST"};
-    static const std::string_view ofColourType[] = {"bKGD", "sBIT"};
+    static const std::string_view ofColourType[] = {"bKGD", "sBIT", "acTL", "fcTL", "fdAT"};
     if (std::find(std::begin(pixels), std::end(pixels), type) != std::end(pixels))
         return false;
     return sameColourType ||

@@ -60,7 +60,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         return parts;
     };
     const auto bytes = readWhole(job.input);
-    const auto stamped = kind == Kind::png ? stampPng(bytes, partsFor) : stampJpeg(bytes, partsFor);
+    const auto stamped = kind == Kind::png ? stampPng(bytes, partsFor) : stampJpeg(bytes, partsFor, report);
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
     OutputFile output(job.output);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "File.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -49,11 +51,61 @@ Fingerprint fingerprintOf(const struct stat& status) {
             std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
 }
 
+const auto programStart = fs::file_time_type::clock::now();
+
+/// A folder that the programs of this kind lock as long as they have a temporary file in it.
+class LockedFolder {
+public:
+    /// Waits for the other programs, unless `how` is LOCK_EX | LOCK_NB.
+    LockedFolder(const fs::path& folder, int how)
+        : m_descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        int result;
+        while ((result = ::flock(m_descriptor.number(), how)) != 0 && errno == EINTR)
+            continue;
+        m_locked = result == 0;
+    }
+    int number() const { return m_descriptor.number(); }
+    /// False where another program has the lock, and on network file systems, which do not lock folders.
+    bool isLocked() const { return m_locked; }
+
+private:
+    Descriptor m_descriptor;
+    bool m_locked;
+};
+
+/// The beginning of the names of temporary files for `file`; six letters and digits follow.
+std::string temporaryPrefix(const fs::path& file) {
+    return "." + file.filename().string() + ".saving-";
+}
+
+/// To be called with the folder locked.
+void removeLeftoversOf(const fs::path& target) {
+    const auto prefix = temporaryPrefix(target);
+    const auto isLeftover = [&](const fs::directory_entry& entry) {
+        const auto name = entry.path().filename().string();
+        const auto isLetterOrDigit = [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; };
+        std::error_code error;
+        return name.size() == prefix.size() + 6 && name.starts_with(prefix) &&
+               std::all_of(name.end() - 6, name.end(), isLetterOrDigit) &&
+               entry.symlink_status(error).type() == fs::file_type::regular &&
+               entry.last_write_time(error) < programStart && !error;
+    };
+    std::error_code error;
+    for (fs::directory_iterator entry(target.parent_path(), error), end; !error && entry != end; entry.increment(error))
+        if (isLeftover(*entry))
+            ::unlink(entry->path().c_str());
+}
+
+/// What is replaced where `file` is to be replaced.
+fs::path targetOf(const fs::path& file) {
+    return fs::absolute(fs::is_symlink(file) ? fs::weakly_canonical(file) : file);
+}
+
 /// A file that goes again unless it was renamed.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& beside)
-        : m_path((beside.parent_path() / ("." + beside.filename().string() + ".XXXXXX")).string()),
+        : m_path((beside.parent_path() / (temporaryPrefix(beside) + "XXXXXX")).string()),
           m_descriptor(::mkostemp(m_path.data(), O_CLOEXEC)) {}
     ~TemporaryFile() {
         if (!m_path.empty())
@@ -143,15 +195,15 @@ FileContent readFile(const fs::path& file, std::uintmax_t limit) {
 }
 
 bool replaceFile(const fs::path& file, std::string_view bytes, std::optional<Fingerprint>& seen) {
-    const auto target = fs::absolute(fs::is_symlink(file) ? fs::weakly_canonical(file) : file);
+    const auto target = targetOf(file);
     makeFolders(target.parent_path());
-    const Descriptor folder(::open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Two of our own programs take turns here, so that neither replaces what it has not seen. Where there is no lock a
+    // small gap remains.
+    const LockedFolder folder(target.parent_path(), LOCK_EX);
+    if (folder.isLocked())
+        removeLeftoversOf(target);
     TemporaryFile temporary(target);
     const auto written = temporary.write(bytes);
-    // Two of our own programs take turns here, so that neither replaces what it has not seen. Network file systems do
-    // not lock folders; there a small gap remains.
-    while (::flock(folder.number(), LOCK_EX) != 0 && errno == EINTR)
-        continue;
     if (const auto found = fingerprintOf(target); found && found != seen)
         return false;
     temporary.renameTo(target);
@@ -160,6 +212,17 @@ bool replaceFile(const fs::path& file, std::string_view bytes, std::optional<Fin
     if (::fsync(folder.number()) != 0 && errno != EINVAL)
         fail(errno);
     return true;
+}
+
+void removeLeftovers(const fs::path& file) {
+    try {
+        const auto target = targetOf(file);
+        const LockedFolder folder(target.parent_path(), LOCK_EX | LOCK_NB);
+        if (folder.isLocked())
+            removeLeftoversOf(target);
+    } catch (const std::system_error&) {
+        // Without the folder there is nothing to remove.
+    }
 }
 
 fs::path renameAside(const fs::path& file, const std::string& word) {

@@ -454,7 +454,7 @@ private:
 std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown) {
     auto object = document(bytes);
     if (object.take(key::format).toString() != formatName)
-        throw Problem{Code::damaged, QStringLiteral("it is not a file of configurations")};
+        throw Problem{Code::damaged, QStringLiteral("its format is not “%1”").arg(formatName)};
     const auto version = integer(object.take(key::version), {nullptr, key::version});
     if (version > formatVersion)
         throw Problem{Code::newer, QStringLiteral("format %1").arg(version)};
@@ -503,7 +503,12 @@ std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, Unknow
     return configurations;
 }
 
-QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown) {
+bool looksLikeConfigurations(const QByteArray& bytes) {
+    const auto start = bytes.left(1024).trimmed();
+    return (start.startsWith('{') || start.startsWith("\xEF\xBB\xBF{")) && bytes.contains(formatName.data());
+}
+
+QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown, qsizetype mostBytes) {
     auto object = unknown.document;
     object[key::format] = formatName;
     object[key::version] = formatVersion;

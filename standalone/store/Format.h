@@ -12,7 +12,6 @@
 namespace store {
 
 inline constexpr qint64 formatVersion = 1;
-inline constexpr qsizetype mostBytes = qsizetype{64} << 20;
 inline constexpr qsizetype mostConfigurations = 100'000;
 inline constexpr qsizetype mostMembers = 100'000;
 inline constexpr qsizetype mostTitleTokens = 10'000;
@@ -33,7 +32,10 @@ struct UnknownKeys {
 /// Throws Problem.
 std::vector<std::shared_ptr<model::Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown);
 
-/// Throws Problem.
-QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown);
+/// Whether the bytes, damaged as they may be, look like a file of configurations.
+bool looksLikeConfigurations(const QByteArray& bytes);
+
+/// Throws Problem, also where it would be more than `mostBytes`.
+QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown, qsizetype mostBytes);
 
 } // namespace store

@@ -21,10 +21,11 @@ namespace {
 class CommandLine : public ::testing::Test {
 protected:
     /// Runs the program with data and settings of its own; both of its streams are in `output`.
-    render::Run imprinter(const std::string& arguments) {
+    render::Run imprinter(const std::string& arguments, const std::string& variables = {}) {
         const std::string environment = "env -u DISPLAY -u WAYLAND_DISPLAY HOME=" + quoted(folder.path()) +
                                         " XDG_DATA_HOME=" + quoted(folder / "data") +
-                                        " XDG_CONFIG_HOME=" + quoted(folder / "config") + " LC_ALL=C.UTF-8 ";
+                                        " XDG_CONFIG_HOME=" + quoted(folder / "config") + " LC_ALL=C.UTF-8 " +
+                                        variables + " ";
         return render::run("cd " + quoted(folder.path()) + " && " + environment + quoted(IMPRINTER) + " " + arguments);
     }
 
@@ -95,20 +96,46 @@ TEST_F(CommandLine, StampsPictures) {
 
 TEST_F(CommandLine, UsesAnotherStoreWhenToldSo) {
     ASSERT_EQ(imprinter("list").status, 0);
-    writeFile(folder / "mine.json", R"({"format": "imprinter-configurations", "version": 99})");
+    writeFile(
+        folder / "mine.json",
+        R"({"format": "imprinter-configurations", "version": 1, "configurations": [{"uniqueID": "a", "name": "Mine"}]})");
     const auto run = imprinter("--store mine.json list");
-    EXPECT_NE(run.output.find("mine.json"), std::string::npos) << run.output;
-    EXPECT_EQ(readFile(folder / "mine.json").find("\"version\": 99") != std::string::npos, true);
+    EXPECT_EQ(run.output, "Mine\n");
+    EXPECT_EQ(run.status, 0);
 }
 
-TEST_F(CommandLine, ADamagedStoreIsKeptAsideAndBothFilesAreNamed) {
+TEST_F(CommandLine, AStoreThatCannotBeReadIsOneLineStatusFourAndLeftAsItIs) {
+    struct Row {
+        fs::path store;
+        std::string bytes;
+    };
     fs::create_directories(folder / "data" / "imprinter");
-    writeFile(folder / "data" / "imprinter" / "configurations.json", "{ not json");
-    const auto run = imprinter("list");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.output.find("imprinter/configurations.json"), std::string::npos) << run.output;
-    EXPECT_NE(run.output.find("imprinter/configurations.damaged-"), std::string::npos) << run.output;
-    EXPECT_NE(run.output.find("Received\n"), std::string::npos) << run.output;
+    fs::create_directories(folder / "folder" / "inside");
+    for (const auto& [store, bytes] :
+         {Row{folder / "data" / "imprinter" / "configurations.json", "{ not json"},
+          Row{folder / "mine.json", R"({"format": "imprinter-configurations", "version": 1})"},
+          Row{folder / "newer.json", R"({"format": "imprinter-configurations", "version": 99})"},
+          Row{folder / "store.pdf", document(1, "/MediaBox [0 0 595 842]", "BT ET")}, Row{folder / "folder", ""}}) {
+        if (!bytes.empty())
+            writeFile(store, bytes);
+        letter();
+        const auto before = files();
+        const auto beside = render::run("ls -a " + quoted(store.parent_path())).output;
+        for (const std::string command :
+             {"list", "stamp --configuration Received --output new/out.pdf letter.pdf", "pictures new"}) {
+            const auto run = imprinter("--store " + quoted(store) + " " + command);
+            EXPECT_EQ(run.status, 4) << command << ": " << run.output;
+            EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << run.output;
+            EXPECT_NE(run.output.find(store.string()), std::string::npos) << run.output;
+            EXPECT_TRUE(run.output.ends_with("The file is left as it is.\n")) << run.output;
+            EXPECT_EQ(files(), before) << command;
+            EXPECT_EQ(render::run("ls -a " + quoted(store.parent_path())).output, beside) << command;
+        }
+        if (!bytes.empty()) {
+            EXPECT_EQ(readFile(store), bytes);
+        }
+    }
+    EXPECT_TRUE(fs::exists(folder / "folder" / "inside"));
 }
 
 struct BadInput {
@@ -180,6 +207,59 @@ TEST_F(CommandLine, NeverWritesOverItsInput) {
     EXPECT_EQ(readFile(file), before);
 }
 
+TEST_F(CommandLine, TwoFilesOfOneNameAreNotStampedIntoOne) {
+    fs::create_directories(folder / "a");
+    fs::create_directories(folder / "b");
+    letter("a/x.pdf");
+    letter("b/x.pdf");
+    const auto run = imprinter("stamp --configuration Received --output out a/x.pdf b/x.pdf");
+    EXPECT_EQ(run.status, 64);
+    EXPECT_EQ(run.output, "imprinter: \"a/x.pdf\" and \"b/x.pdf\" would both be stamped into \"out/x.pdf\"\n");
+    EXPECT_FALSE(fs::exists(folder / "out"));
+}
+
+TEST_F(CommandLine, OneFileIsNotStampedTwice) {
+    letter();
+    fs::create_symlink("letter.pdf", folder / "link.pdf");
+    fs::create_hard_link(folder / "letter.pdf", folder / "hard.pdf");
+    for (const std::string other : {"letter.pdf", "./letter.pdf", "link.pdf", "hard.pdf"}) {
+        const auto run = imprinter("stamp --configuration Received --output out letter.pdf " + other);
+        EXPECT_EQ(run.status, 64) << other;
+        EXPECT_EQ(run.output, "imprinter: \"letter.pdf\" and \"" + other + "\" are the same file\n");
+    }
+    EXPECT_FALSE(fs::exists(folder / "out"));
+}
+
+TEST_F(CommandLine, NoOutputTakesThePlaceOfAnotherInput) {
+    fs::create_directories(folder / "out");
+    letter("x.pdf");
+    const auto other = letter("out/y.pdf");
+    const auto before = readFile(other);
+    fs::create_symlink("y.pdf", folder / "out" / "x.pdf");
+    const auto run = imprinter("stamp --configuration Received --output out x.pdf out/y.pdf");
+    EXPECT_EQ(run.status, 64);
+    EXPECT_EQ(run.output,
+              "imprinter: \"x.pdf\" would be stamped into \"out/x.pdf\", which is the input \"out/y.pdf\"\n");
+    EXPECT_EQ(readFile(other), before);
+}
+
+TEST_F(CommandLine, WithoutAnyFontOneLineSaysSo) {
+    letter();
+    ASSERT_TRUE(render::white(400, 300).save(QString::fromStdString((folder / "scan.png").string())));
+    writeFile(folder / "fonts.conf", "<?xml version=\"1.0\"?><fontconfig><cachedir>" + (folder / "data").string() +
+                                         "</cachedir></fontconfig>");
+    for (const std::string name : {"letter.pdf", "scan.png"}) {
+        const auto before = files();
+        const auto run = imprinter("stamp --configuration Received --output out " + name,
+                                   "FONTCONFIG_FILE=" + quoted(folder / "fonts.conf"));
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 1) << run.output;
+        EXPECT_NE(run.output.find(name + ": There is nothing to stamp"), std::string::npos) << run.output;
+        EXPECT_NE(run.output.find("This machine has no font that can be stamped."), std::string::npos) << run.output;
+        EXPECT_EQ(files(), before);
+    }
+}
+
 TEST_F(CommandLine, AFolderThatCannotBeMadeIsNamed) {
     letter();
     writeFile(folder / "taken", "");
@@ -208,7 +288,10 @@ TEST_F(CommandLine, AnIncompleteCommandSaysWhatIsMissing) {
           Row{"stamp --configuration Received --output o.pdf", "which file"},
           Row{"stamp --configuration", "--configuration needs a value"}, Row{"stamp --colour red", "--colour"},
           Row{"stampede", "stampede"}, Row{"list all", "list"}, Row{"--store", "--store needs a value"},
-          Row{"pictures", "pictures"}}) {
+          Row{"--store ''", "--store needs a value"}, Row{"pictures", "pictures"},
+          Row{"list --store a.json", "--store stands before the command"},
+          Row{"stamp --store=a.json --configuration Received --output o.pdf a.pdf",
+              "--store stands before the command: imprinter --store FILE stamp"}}) {
         const auto run = imprinter(row.arguments);
         EXPECT_EQ(run.status, 64) << row.arguments << ": " << run.output;
         EXPECT_NE(run.output.find(row.says), std::string::npos) << row.arguments << ": " << run.output;
@@ -223,10 +306,33 @@ TEST_F(CommandLine, HelpShowsEveryCommand) {
         EXPECT_NE(run.output.find(command), std::string::npos) << command;
 }
 
+TEST_F(CommandLine, HelpIsShownAfterACommandToo) {
+    const auto help = imprinter("--help").output;
+    for (const char* arguments : {"list --help", "list -h", "stamp --help", "pictures --help",
+                                  "stamp --configuration Received --help", "stamp a.pdf --store x -h"}) {
+        const auto run = imprinter(arguments);
+        EXPECT_EQ(run.status, 0) << arguments;
+        EXPECT_EQ(run.output, help) << arguments;
+    }
+}
+
+TEST_F(CommandLine, WhatIsGivenToAnOptionOrStandsBehindTwoDashesIsNoCallForHelp) {
+    letter();
+    EXPECT_EQ(imprinter("stamp --configuration --help --output out.pdf letter.pdf").status, 4);
+    EXPECT_EQ(imprinter("stamp --configuration Received --output out.pdf -- --help").status, 2);
+}
+
 TEST_F(CommandLine, WithoutADisplayTheWindowSaysSo) {
     const auto run = imprinter("");
-    EXPECT_NE(run.status, 0);
+    EXPECT_EQ(run.status, 5);
     EXPECT_NE(run.output.find("display"), std::string::npos) << run.output;
+}
+
+TEST_F(CommandLine, ADisplayThatIsNotThereIsSaidToBeNone) {
+    const auto run =
+        render::run("DISPLAY=:4711 WAYLAND_DISPLAY= HOME=" + quoted(folder.path()) + " " + quoted(IMPRINTER));
+    EXPECT_EQ(run.status, 5) << run.output;
+    EXPECT_NE(run.output.find("there is no display"), std::string::npos) << run.output;
 }
 
 TEST_F(CommandLine, LeavesPicturesOfTheProgramWithoutADisplay) {

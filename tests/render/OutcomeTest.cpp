@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <locale>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace render;
@@ -127,7 +129,7 @@ TEST(Outcomes, ProgressIsToldAndCanEndTheRun) {
 }
 
 TEST(Outcomes, NumbersInDocumentsDoNotFollowTheLocale) {
-    // A locale whose decimal sign is a comma, where the machine has one; the C++ locale follows a facet of our own.
+    // A global locale whose decimal sign is a comma, on any machine.
     struct Comma final : std::numpunct<char> {
         char do_decimal_point() const override { return ','; }
     };
@@ -143,4 +145,41 @@ TEST(Outcomes, NumbersInDocumentsDoNotFollowTheLocale) {
     EXPECT_EQ(run("qpdf --check " + quoted(folder / "out")).status, 0);
     const auto plain = run("qpdf --qdf " + quoted(folder / "out") + " -").output;
     EXPECT_NE(plain.find("0.83581 0.54902 -0.54902 0.83581"), std::string::npos);
+}
+
+TEST(Outcomes, ADiskThatFillsUpLeavesNothingBehind) {
+    Folder folder;
+    writeFile(folder / "a.pdf", document(400, kPage, "0 0 9 9 re f"));
+    QImage noise = white(200, 200);
+    for (int i = 0; i < 40000; ++i)
+        noise.setPixel(i % 200, i / 200, static_cast<unsigned>(i) * 2654435761U | 0xFF000000U);
+    noise.save((folder / "a.png").c_str());
+    for (const char* name : {"a.pdf", "a.png"}) {
+        SCOPED_TRACE(name);
+        ASSERT_GT(std::filesystem::file_size(folder / name), 8192U);
+        const auto task = job(folder / name, folder / "out", {configuration(u"Full")});
+        // No file may grow beyond this, as if the disk were full.
+        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        const rlimit small{8192, old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        const auto outcome = engine::stampFile(task);
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, oldHandler);
+        EXPECT_EQ(outcome.code, Code::cannotWrite) << outcome.sentence;
+        EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.pdf", "a.png"}));
+    }
+}
+
+TEST(Outcomes, APictureThatBreaksOffIsReported) {
+    Folder folder;
+    white(400, 400).save((folder / "a.jpg").c_str());
+    const auto whole = readFile(folder / "a.jpg");
+    writeFile(folder / "in", whole.substr(0, whole.size() - 40));
+    const auto outcome = engine::stampFile(job(folder / "in", folder / "out", {configuration(u"Cut")}));
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_EQ(outcome.warnings.size(), 1U);
+    writeFile(folder / "in", whole);
+    EXPECT_TRUE(engine::stampFile(job(folder / "in", folder / "out", {configuration(u"Whole")})).warnings.empty());
 }

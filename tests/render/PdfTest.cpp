@@ -224,6 +224,7 @@ TEST(PdfDocuments, ACombinedConfigurationStampsItsMembersEachWithItsOwnPlaceAndP
     const Stamped result(document(2, kPage, kGreyCorner), {both});
     EXPECT_EQ(result.text(1), "every");
     EXPECT_EQ(result.text(2), "every\n\neven");
+    both->members.clear(); // which held itself
 }
 
 TEST(PdfDocuments, LigaturesMarksAndOtherScriptsAreReadBackExactly) {

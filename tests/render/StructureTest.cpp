@@ -157,6 +157,14 @@ TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
     EXPECT_TRUE(work.stamp());
 }
 
+TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
+    const auto form = [](const std::string& value) {
+        return "/AcroForm << /Fields [<< /T (a) /Kids [<< /FT /Sig /T (b) " + value + " >>] >>] >>";
+    };
+    EXPECT_EQ(Work(document(1, kPage, "", form("/V << /Type /Sig >>"))).stamp().code, Code::isSigned);
+    EXPECT_EQ(Work(document(1, kPage, "", form(""))).stamp().code, Code::ok);
+}
+
 TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >> /Perms << /DocMDP << /Type /Sig >> >>"));
     work.task.breakSignatures = true;
@@ -217,4 +225,12 @@ TEST(PdfStructure, OddPageAttributesCountAsTheirDefaults) {
         ASSERT_TRUE(outcome) << outcome.sentence;
         EXPECT_EQ(work.text(), "Stamp\n\n\f");
     }
+}
+
+TEST(PdfStructure, ADocumentWhoseTrailerLacksItsSizeComesOutWhole) {
+    auto bytes = document(1, kPage, "0 0 9 9 re f");
+    bytes.replace(bytes.rfind("/Size"), 7, "       ");
+    Work work(bytes);
+    ASSERT_TRUE(work.stamp());
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos) << work.check();
 }

@@ -1,5 +1,6 @@
 # The engine's parts that know no toolkit.
 add_executable(unit_engine
+    ${CMAKE_SOURCE_DIR}/tests/support/LeakSuppressions.cpp
     ${CMAKE_SOURCE_DIR}/tests/unit/engine_content.cpp
     ${CMAKE_SOURCE_DIR}/tests/unit/engine_layout.cpp
     ${CMAKE_SOURCE_DIR}/tests/unit/engine_pages.cpp

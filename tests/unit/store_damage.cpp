@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store_support.h"
 
+#include <fstream>
+
 #include <sys/stat.h>
 
 namespace {
@@ -14,6 +16,7 @@ TEST_F(Damage, IsKeptAsideAndNamedAndTheSuppliedConfigurationsTakeItsPlace) {
     const auto result = store.load();
     EXPECT_EQ(namesOf(result.configurations), suppliedNames);
     EXPECT_FALSE(result.readOnly);
+    EXPECT_TRUE(result.standIns);
     ASSERT_EQ(result.messages.size(), 1u);
     EXPECT_EQ(result.messages[0].code, Code::damaged);
     EXPECT_EQ(result.messages[0].file, file);
@@ -72,8 +75,9 @@ std::vector<Bad> badFiles() {
     return {
         {"empty", "", Code::damaged, "line 1"},
         {"zeros", std::string(4096, '\0'), Code::damaged, "line 1"},
-        {"a list", "[]", Code::damaged, "not a file of configurations"},
-        {"another format", R"({"format": "recipes", "version": 1})", Code::damaged, "not a file of configurations"},
+        {"a list", "[]", Code::damaged, "its format is not “imprinter-configurations”"},
+        {"another format", R"({"format": "recipes", "version": 1})", Code::damaged,
+         "its format is not “imprinter-configurations”"},
         {"two documents", documentOf("") + documentOf(""), Code::damaged, "line 1"},
         {"ill-formed UTF-8", with("name", "\"\xff\""), Code::damaged, "line 1"},
         {"a number beyond double", with("rotation", "1e999"), Code::damaged, "line 1"},
@@ -189,26 +193,31 @@ TEST_F(Damage, ByChangingAnyByteLosesNothing) {
     }
 }
 
-TEST_F(Damage, OfAFolderInThePlaceOfTheFileIsKeptAside) {
+TEST_F(Damage, OfAFolderInThePlaceOfTheFileLeavesTheFolderThere) {
     std::filesystem::create_directories(file / "inside");
-    const auto result = store::Store(file).load();
+    store::Store store(file);
+    const auto result = store.load();
     EXPECT_EQ(namesOf(result.configurations), suppliedNames);
+    EXPECT_TRUE(result.readOnly);
     ASSERT_EQ(result.messages.size(), 1u);
-    EXPECT_EQ(result.messages[0].code, Code::unreadable);
-    ASSERT_EQ(othersInFolder().size(), 1u);
-    EXPECT_TRUE(std::filesystem::exists(folder / othersInFolder()[0] / "inside"));
+    EXPECT_EQ(result.messages[0].code, Code::foreign);
+    EXPECT_NE(sentenceOf(result).find("it is a folder"), std::string::npos) << sentenceOf(result);
+    EXPECT_TRUE(store.save(*modelOf({})));
+    EXPECT_TRUE(std::filesystem::exists(file / "inside"));
+    EXPECT_TRUE(othersInFolder().empty());
 }
 
 TEST_F(Damage, OfAPipeInThePlaceOfTheFileDoesNotHoldTheProgramUp) {
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     const auto result = store::Store(file).load();
     ASSERT_EQ(result.messages.size(), 1u);
-    EXPECT_EQ(result.messages[0].code, Code::unreadable);
+    EXPECT_EQ(result.messages[0].code, Code::foreign);
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
 }
 
 TEST_F(Damage, OfAFileThatIsTooLargeIsFoundWithoutReadingIt) {
     put("{");
-    std::filesystem::resize_file(file, (std::uintmax_t{64} << 20) + 1);
+    std::filesystem::resize_file(file, (std::uintmax_t{64} << 20) + 1); // a hole, which takes no time
     const auto result = store::Store(file).load();
     ASSERT_EQ(result.messages.size(), 1u);
     EXPECT_EQ(result.messages[0].code, Code::tooLarge);
@@ -227,6 +236,85 @@ TEST_F(Damage, OfTheWayToTheFileMakesTheStoreReadOnly) {
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::readOnly);
     EXPECT_EQ(content(), "a file");
+}
+
+TEST_F(Damage, OfAFileThatOnlyClaimsToBeAStoreIsKeptAsideWhereverItStands) {
+    const auto given = data / "mine.json";
+    std::ofstream(given) << documentOf("{}");
+    const auto result = store::Store(given).load();
+    EXPECT_FALSE(result.readOnly);
+    EXPECT_FALSE(std::filesystem::exists(given));
+    EXPECT_NE(sentenceOf(result).find((data / "mine.damaged-").string()), std::string::npos) << sentenceOf(result);
+}
+
+TEST_F(Damage, IsNotWhatAnotherKindOfFileIsCalled) {
+    const auto given = data / "letter.pdf";
+    for (const std::string bytes : {"%PDF-1.7\n(imprinter-configurations)", "\x89PNG\r\n", "", "{}", "[1, 2]",
+                                    "  {\"format\": \"recipes\"}", "Dear {name}"}) {
+        std::ofstream(given, std::ios::binary) << bytes;
+        store::Store store(given);
+        const auto result = store.load();
+        EXPECT_EQ(namesOf(result.configurations), suppliedNames) << bytes;
+        EXPECT_TRUE(result.readOnly) << bytes;
+        ASSERT_EQ(result.messages.size(), 1u) << bytes;
+        EXPECT_EQ(result.messages[0].code, Code::foreign) << bytes;
+        EXPECT_TRUE(sentenceOf(result).starts_with("“" + given.string() + "” is not a file of configurations"))
+            << sentenceOf(result);
+        const auto failure = store.save(*modelOf({}));
+        ASSERT_TRUE(failure) << bytes;
+        EXPECT_EQ(failure->code, Code::readOnly) << bytes;
+        EXPECT_EQ(readAll(given), bytes);
+    }
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+using Reading = StoreTest;
+
+TEST_F(Reading, RenamesNothingAndSaysThatTheSuppliedConfigurationsStandIn) {
+    const auto given = data / "given.json";
+    for (const auto& path : {file, given}) {
+        for (const auto& text : {std::string("{ not json"), documentOf("{}"), std::string("%PDF-1.7"),
+                                 std::string(R"({"format": "imprinter-configurations", "version": 99})")}) {
+            std::ofstream(path, std::ios::binary) << text;
+            const auto result = store::Store(path).read();
+            EXPECT_EQ(namesOf(result.configurations), suppliedNames) << text;
+            EXPECT_TRUE(result.standIns) << text;
+            ASSERT_EQ(result.messages.size(), 1u) << text;
+            EXPECT_NE(sentenceOf(result).find(path.string()), std::string::npos) << sentenceOf(result);
+            EXPECT_TRUE(sentenceOf(result).ends_with("). The file is left as it is.")) << sentenceOf(result);
+            EXPECT_EQ(readAll(path), text);
+        }
+    }
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(Reading, OfAFolderLeavesItAlone) {
+    const auto result = store::Store(data).read();
+    EXPECT_TRUE(result.standIns);
+    EXPECT_EQ(sentenceOf(result),
+              "“" + data.string() + "” is not a file of configurations (it is a folder). The file is left as it is.");
+    EXPECT_TRUE(std::filesystem::is_directory(data));
+}
+
+TEST_F(Reading, AnswersWhatTheFileHoldsAndAtFirstTheSuppliedConfigurations) {
+    auto result = store::Store(file).read();
+    EXPECT_EQ(namesOf(result.configurations), suppliedNames);
+    EXPECT_FALSE(result.standIns);
+    EXPECT_TRUE(result.messages.empty());
+    put(documentOf(R"({"uniqueID": "a", "name": "mine"})"));
+    result = store::Store(file).read();
+    EXPECT_EQ(namesOf(result.configurations), std::vector<std::string>{"mine"});
+    EXPECT_FALSE(result.standIns);
+    EXPECT_TRUE(result.messages.empty());
+}
+
+TEST_F(Reading, IsNotEnoughToSave) {
+    put(documentOf(""));
+    store::Store store(file);
+    store.read();
+    const auto failure = store.save(*modelOf({}));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::changedElsewhere);
 }
 
 using NewerFile = StoreTest;

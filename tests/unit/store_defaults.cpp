@@ -2,26 +2,7 @@
 #include "model_title.h"
 #include "store_support.h"
 
-#include <cstdlib>
-
 namespace {
-
-/// Sets a variable of the environment until it goes.
-class Environment {
-public:
-    Environment(const char* name, const char* value) : m_name(name) {
-        if (const char* old = std::getenv(name))
-            m_old = old;
-        value ? ::setenv(name, value, 1) : ::unsetenv(name);
-    }
-    ~Environment() { m_old ? ::setenv(m_name, m_old->c_str(), 1) : ::unsetenv(m_name); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    const char* m_name;
-    std::optional<std::string> m_old;
-};
 
 std::string titleText(const host::ImprinterConfiguration& configuration) {
     std::string text;

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -329,10 +328,10 @@ TEST_F(RoundTrip, GivesMissingKeysTheValuesOfANewConfiguration) {
     EXPECT_EQ(show(*loaded[1]), show(*Configuration::makeWithID(u"b", true)));
 }
 
-TEST_F(RoundTrip, LoadsTenThousandConfigurations) {
+TEST_F(RoundTrip, LoadsTwoThousandConfigurations) {
     const auto supplied = store::suppliedConfigurations();
     Configurations many;
-    for (int i = 0; i < 10000; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         many.push_back(supplied[static_cast<std::size_t>(i) % 3]->copy());
         many.back()->setName(platform::fromUtf8("Configuration " + std::to_string(i)));
     }
@@ -341,22 +340,13 @@ TEST_F(RoundTrip, LoadsTenThousandConfigurations) {
         all->addConfiguration(configuration);
     many.push_back(all);
     const auto model = modelOf(many);
-    using Clock = std::chrono::steady_clock;
-    const auto milliseconds = [](Clock::time_point from) {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - from).count();
-    };
     store::Store store(file);
     store.load();
-    auto start = Clock::now();
     ASSERT_EQ(sentenceOf(store.save(*model)), "");
-    std::cout << "saved " << many.size() << " in " << milliseconds(start) << " ms, "
-              << std::filesystem::file_size(file) / 1024 << " KiB\n";
-    start = Clock::now();
     const auto loaded = store::Store(file).load().configurations;
-    std::cout << "loaded in " << milliseconds(start) << " ms\n";
     ASSERT_EQ(loaded.size(), many.size());
-    EXPECT_EQ(show(*loaded[4711]), show(*many[4711]));
-    EXPECT_EQ(platform::count(loaded.back()->configurations()), 10000u);
+    EXPECT_EQ(show(*loaded[1711]), show(*many[1711]));
+    EXPECT_EQ(platform::count(loaded.back()->configurations()), 2000u);
 }
 
 } // namespace

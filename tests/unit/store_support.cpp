@@ -8,21 +8,39 @@
 #include <fstream>
 #include <iterator>
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
 
 const std::vector<std::string> suppliedNames{"Received", "Page of Pages", "Confidential"};
 
+Environment::Environment(const char* name, const char* value) : m_name(name) {
+    if (const char* old = std::getenv(name))
+        m_old = old;
+    value ? ::setenv(name, value, 1) : ::unsetenv(name);
+}
+
+Environment::~Environment() {
+    m_old ? ::setenv(m_name, m_old->c_str(), 1) : ::unsetenv(m_name);
+}
+
 StoreTest::StoreTest() {
-    auto name = (fs::temp_directory_path() / "imprinter-store-XXXXXX").string();
+    // In memory where that is possible, so that no test waits for a disk.
+    const fs::path memory("/dev/shm");
+    const bool hasMemory = ::access(memory.c_str(), W_OK | X_OK) == 0;
+    auto name = ((hasMemory ? memory : fs::temp_directory_path()) / "imprinter-store-XXXXXX").string();
     if (!::mkdtemp(name.data()))
         throw std::runtime_error("no folder for the test");
-    folder = name;
+    data = name;
+    m_environment.emplace("XDG_DATA_HOME", data.c_str());
+    folder = data / "imprinter";
+    fs::create_directory(folder);
     file = folder / "configurations.json";
 }
 
 StoreTest::~StoreTest() {
     std::error_code ignored;
-    fs::remove_all(folder, ignored);
+    fs::remove_all(data, ignored);
 }
 
 void StoreTest::put(const std::string& text) const {

@@ -7,7 +7,20 @@
 
 using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
 
-/// A test with a folder of its own, which goes with it.
+/// Sets a variable of the environment until it goes.
+class Environment {
+public:
+    Environment(const char* name, const char* value);
+    ~Environment();
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    const char* m_name;
+    std::optional<std::string> m_old;
+};
+
+/// A test with a data folder of its own, which goes with it; the store's file has its default path there.
 class StoreTest : public testing::Test {
 protected:
     StoreTest();
@@ -19,8 +32,12 @@ protected:
     /// The names in the folder but that of the store's file, sorted.
     std::vector<std::string> othersInFolder() const;
 
+    std::filesystem::path data;
     std::filesystem::path folder;
     std::filesystem::path file;
+
+private:
+    std::optional<Environment> m_environment;
 };
 
 /// A document of version 1 with these configurations, each a JSON object.

@@ -19,7 +19,9 @@ void NSAlert::setAnswerer(Answerer newAnswerer) {
 }
 
 NSInteger NSAlert::runModal() {
-    return answerer() ? answerer()(*this) : runAlertModally(*this);
+    // Held, since the answer to one alert may set that to the next.
+    const auto answer = answerer();
+    return answer ? answer(*this) : runAlertModally(*this);
 }
 
 } // namespace platform

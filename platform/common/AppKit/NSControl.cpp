@@ -9,8 +9,8 @@
 #include "Peers.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace platform {
@@ -24,12 +24,9 @@ std::u16string textOfReal(double number, int digits) {
     if (std::isinf(number))
         return number < 0 ? u"-inf" : u"inf";
     std::array<char, 48> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.*g", digits, number);
-    std::u16string out(text.data(), text.data() + length);
-    for (auto& character : out)
-        if (character == u',')
-            character = u'.';
-    return out;
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, digits).ptr;
+    return {text.data(), end};
 }
 
 NSInteger towardZero(double number) {
@@ -47,7 +44,9 @@ NSInteger towardZero(double number) {
 
 NSControl::NSControl() : m_cell(std::make_shared<NSCell>([this] { cellChanged(); })) {}
 
-NSControl::~NSControl() = default;
+NSControl::~NSControl() {
+    m_cell->m_changed = nullptr;
+}
 
 std::u16string_view NSControl::className() const {
     return u"NSControl";

@@ -7,6 +7,11 @@
 
 namespace platform {
 
+NSMatrix::~NSMatrix() {
+    for (const auto& cell : m_cells)
+        cell->m_changed = nullptr;
+}
+
 std::u16string_view NSMatrix::className() const {
     return u"NSMatrix";
 }

@@ -131,8 +131,13 @@ bool NSTableView::userSelects(const NSIndexSet& rows, NSInteger last) {
     if (!isEnabled() || rows == m_selection)
         return rows == m_selection;
     const auto self = std::static_pointer_cast<NSTableView>(shared_from_this());
-    if (auto* shown = dynamic_cast<TablePeer*>(peer()); shown && !shown->commitEditing())
+    const auto showAgain = [this] {
+        if (auto* shown = dynamic_cast<TablePeer*>(peer()))
+            shown->setSelection(m_selection, m_selectedRow);
         return false;
+    };
+    if (auto* shown = dynamic_cast<TablePeer*>(peer()); shown && !shown->commitEditing())
+        return showAgain();
     auto wanted = rows;
     wanted.removeIndexesFrom(static_cast<NSUInteger>(m_rows));
     bool asked = false;
@@ -150,11 +155,8 @@ bool NSTableView::userSelects(const NSIndexSet& rows, NSInteger last) {
                 wanted.removeIndex(row);
         });
     }
-    if (asked && !allowed) {
-        if (auto* shown = dynamic_cast<TablePeer*>(peer()))
-            shown->setSelection(m_selection, m_selectedRow);
-        return false;
-    }
+    if (asked && !allowed)
+        return showAgain();
     // Whoever was asked may have changed the number of rows.
     wanted.removeIndexesFrom(static_cast<NSUInteger>(m_rows));
     changeSelection(wanted, last);

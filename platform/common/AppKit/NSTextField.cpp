@@ -56,8 +56,6 @@ bool NSTextField::userChangedText(const std::u16string& text) {
             return false;
         }
         m_editing = true;
-        m_editedText = text;
-        m_textPending = true;
         center.postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
     }
     m_editedText = text;
@@ -83,7 +81,6 @@ bool NSTextField::userEndsEditing(Ending ending) {
 
 void NSTextField::userCancelsEditing() {
     abandonEditing();
-    showValue();
 }
 
 void NSTextField::setValue(NSValue value) {
@@ -93,7 +90,8 @@ void NSTextField::setValue(NSValue value) {
 
 void NSTextField::abandonEditing() {
     m_textPending = false;
-    m_editing = false;
+    if (std::exchange(m_editing, false))
+        showValue();
 }
 
 void NSTextField::showValue() {

@@ -12,12 +12,23 @@ std::u16string_view NSWindow::className() const {
     return u"NSWindow";
 }
 
+namespace {
+
+bool isSeen(const std::shared_ptr<NSView>& view) {
+    for (auto outer = view; outer; outer = outer->superview())
+        if (outer->isHidden())
+            return false;
+    return true;
+}
+
+} // namespace
+
 bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
     if (!m_peer)
         return false;
     if (!view)
         return m_peer->clearFocus();
-    if (!view->acceptsFirstResponder() || !view->peer() || !m_peer->contains(*view->peer()))
+    if (!view->acceptsFirstResponder() || !isSeen(view) || !view->peer() || !m_peer->contains(*view->peer()))
         return false;
     return view->peer()->focus();
 }

@@ -64,8 +64,9 @@ std::vector<std::shared_ptr<NSBundle>>& loadedBundles() {
 } // namespace
 
 std::shared_ptr<NSBundle> NSBundle::bundleWithPath(const fs::path& path) {
+    std::error_code error;
     for (const auto& loaded : loadedBundles())
-        if (loaded->bundlePath() == path)
+        if (fs::equivalent(loaded->bundlePath(), path, error))
             return loaded;
     const auto xml = bytesOfFile(path / "Info.plist");
     auto information = xml ? textsOfPropertyList(*xml) : std::nullopt;

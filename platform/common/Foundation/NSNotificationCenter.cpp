@@ -60,12 +60,16 @@ void NSNotificationCenter::removeObserver(const std::shared_ptr<NSObject>& obser
 void NSNotificationCenter::removeObserverNameObject(const std::shared_ptr<NSObject>& observer,
                                                     const std::u16string& name,
                                                     const std::shared_ptr<NSObject>& object) {
+    // A block that goes may hold the last owner of another observer, which then comes here as well: the list is whole
+    // again before anything goes.
+    std::vector<std::shared_ptr<Entry>> removed;
     std::erase_if(m_entries, [&](const std::shared_ptr<Entry>& entry) {
         const auto held = entry->observer.lock();
         if (held &&
             (held != observer || (!name.empty() && entry->name != name) || (object && entry->object.lock() != object)))
             return false;
         entry->removed = true;
+        removed.push_back(entry);
         return true;
     });
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <Foundation/NSString.h>
 
-#include <charconv>
+#include <clocale>
+#include <cstdlib>
 #include <limits>
 
 namespace platform {
@@ -145,27 +146,13 @@ NSInteger integerValue(std::u16string_view text) {
 }
 
 double doubleValue(std::u16string_view text) {
-    std::string number;
-    std::size_t at = skipWhitespace(text);
-    if (at < text.size() && text[at] == u'+')
-        ++at;
-    else if (at < text.size() && text[at] == u'-')
-        number.push_back(static_cast<char>(text[at++]));
+    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     // Only what a decimal number is made of, so that "inf", "nan" and hexadecimal forms read as 0.
-    for (; at < text.size() && (isDigit(text[at]) || text[at] == u'.' || text[at] == u'e' || text[at] == u'E' ||
-                                text[at] == u'-' || text[at] == u'+');
-         ++at)
-        number.push_back(static_cast<char>(text[at]));
-    double value = 0;
-    const auto result =
-        std::from_chars(number.data(), number.data() + number.size(), value, std::chars_format::general);
-    if (result.ec == std::errc::result_out_of_range) {
-        const auto exponent = number.find_first_of("eE");
-        const bool tiny = exponent != std::string::npos && exponent + 1 < number.size() && number[exponent + 1] == '-';
-        const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
-        return number.front() == '-' ? -magnitude : magnitude;
-    }
-    return result.ec == std::errc() ? value : 0;
+    std::string number;
+    const auto rest = text.substr(skipWhitespace(text));
+    for (const char16_t unit : rest.substr(0, rest.find_first_not_of(u"0123456789+-.eE")))
+        number.push_back(static_cast<char>(unit));
+    return strtod_l(number.c_str(), nullptr, classic);
 }
 
 bool hasPrefix(std::u16string_view text, std::u16string_view prefix) {

@@ -29,9 +29,11 @@ public:
     explicit Scanner(const std::u16string& text) : m_text(text) {}
 
     bool atEnd() const { return m_at >= m_text.size(); }
-    std::size_t line() const {
-        return 1 + static_cast<std::size_t>(
-                       std::count(m_text.begin(), m_text.begin() + static_cast<std::ptrdiff_t>(m_at), u'\n'));
+    /// What went wrong, with the line in which the faulty piece begins.
+    std::string problem(const std::string& expected) const {
+        const auto place = m_text.begin() + static_cast<std::ptrdiff_t>(m_unended ? m_opening : m_at);
+        return "line " + std::to_string(1 + std::count(m_text.begin(), place, u'\n')) + ": " +
+               (m_unended ? m_unended : expected);
     }
 
     /// NO for a comment that does not end.
@@ -45,7 +47,7 @@ public:
             } else if (m_text.compare(m_at, 2, u"/*") == 0) {
                 const auto close = m_text.find(u"*/", m_at + 2);
                 if (close == std::u16string::npos)
-                    return false;
+                    return fail(m_at, "a comment does not end");
                 m_at = close + 2;
             } else {
                 break;
@@ -73,7 +75,14 @@ public:
     }
 
 private:
+    bool fail(std::size_t opening, const char* unended) {
+        m_opening = opening;
+        m_unended = unended;
+        return false;
+    }
+
     std::optional<std::u16string> takeQuoted(char16_t quote) {
+        const std::size_t opening = m_at - 1;
         std::u16string text;
         while (!atEnd()) {
             const char16_t unit = m_text[m_at++];
@@ -84,6 +93,7 @@ private:
             else if (!atEnd())
                 text.push_back(takeEscape());
         }
+        fail(opening, "a quoted text does not end");
         return std::nullopt;
     }
 
@@ -106,6 +116,8 @@ private:
 
     const std::u16string& m_text;
     std::size_t m_at = 0;
+    std::size_t m_opening = 0;
+    const char* m_unended = nullptr;
 };
 
 } // namespace
@@ -113,25 +125,21 @@ private:
 std::optional<TextMap> readStringsTable(const std::u16string& text, std::string& problem) {
     Scanner scanner(text);
     TextMap table;
-    const auto fail = [&](const std::string& reason) {
-        problem = "line " + std::to_string(scanner.line()) + ": " + reason;
+    const auto fail = [&](const char* expected) {
+        problem = scanner.problem(expected);
         return std::nullopt;
     };
     for (;;) {
         if (!scanner.skipSpace())
-            return fail("a comment does not end");
+            return fail("an entry is expected");
         if (scanner.atEnd())
             return table;
         const auto key = scanner.takeText();
         if (!key)
             return fail("a key is expected");
         auto value = key;
-        if (!scanner.skipSpace())
-            return fail("a comment does not end");
-        if (scanner.take(u'=')) {
-            if (!scanner.skipSpace())
-                return fail("a comment does not end");
-            value = scanner.takeText();
+        if (scanner.skipSpace() && scanner.take(u'=')) {
+            value = scanner.skipSpace() ? scanner.takeText() : std::nullopt;
             if (!value)
                 return fail("a value is expected");
         }

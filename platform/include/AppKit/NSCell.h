@@ -7,7 +7,8 @@ namespace platform {
 
 class NSMenu;
 
-/// The part of a control that shows its value; in a matrix, one of the choices.
+/// The part of a control that shows its value; in a matrix, one of the choices. A cell may outlive its control, and is
+/// then shown nowhere.
 class NSCell : public NSObject {
 public:
     /// `changed` runs after each change, so that the control can show it.
@@ -24,6 +25,8 @@ public:
     void setMenu(const std::shared_ptr<NSMenu>& menu);
 
 private:
+    friend class NSControl;
+    friend class NSMatrix;
     void changed() const;
 
     std::function<void()> m_changed;

@@ -55,6 +55,7 @@ protected:
     const NSValue& value() const { return m_value; }
     /// Sets without sending anything, and shows it.
     virtual void setValue(NSValue value);
+    /// Forgets the text being edited and shows the value instead.
     virtual void abandonEditing() {}
     /// Shows the value in the peer.
     virtual void showValue() {}

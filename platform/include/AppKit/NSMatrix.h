@@ -9,6 +9,7 @@ namespace platform {
 /// A group of radio buttons; at most one of its cells is selected.
 class NSMatrix final : public NSControl {
 public:
+    ~NSMatrix() override;
     std::u16string_view className() const override;
 
     /// In the order of the cells; the cell's title and tag can be changed afterwards.

@@ -29,7 +29,8 @@ public:
 /// Editing begins at the first change the user makes, not with the focus. Order of messages: `should begin`, the
 /// did-begin notification; a did-change notification after each change; and at the end `should end`, the text is taken
 /// over, the did-end notification, and then the action, after Return always and else only if the field is told so.
-/// Setting a value while the field is edited keeps the focus and abandons the edit.
+/// Setting a value while the field is edited abandons what was typed and keeps the focus: the edit goes on with the
+/// value, and its end is asked for and told like any other.
 class NSTextField : public NSControl {
 public:
     enum class Ending { returnKey, tabKey, focusLost };

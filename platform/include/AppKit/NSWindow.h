@@ -17,8 +17,8 @@ public:
     const std::shared_ptr<NSView>& contentView() const { return m_contentView; }
 
     /// Gives `view` the focus and selects all of a text field's text; begins no editing. Null takes the focus from
-    /// whatever has it. A view that is hidden, disabled or in another window is left alone. Answers NO where the focus
-    /// stayed, also because the field that has it refused to end its editing.
+    /// whatever has it. A view that is hidden, in a hidden one, disabled or in another window is left alone. Answers NO
+    /// where the focus stayed, also because the field that has it refused to end its editing.
     bool makeFirstResponder(const std::shared_ptr<NSView>& view);
 
     /// Shows the window in front of the program's others and gives it the keyboard.

@@ -25,7 +25,8 @@ std::vector<std::u16string> componentsSeparatedByString(std::u16string_view text
 /// saturates at both ends of 64 bits.
 NSInteger integerValue(std::u16string_view text);
 
-/// The longest decimal number at the start of `text`, "." as separator whatever the locale; 0 without one.
+/// The longest decimal number at the start of `text`, "." as separator whatever the locale; 0 without one. Infinity for
+/// one that is too large, 0 for one that is too small.
 double doubleValue(std::u16string_view text);
 
 /// NO for an empty prefix or suffix.

@@ -1,22 +1,24 @@
 // SPDX-License-Identifier: MIT
+#include "Interface.h"
+
 #include <AppKit/NSAlert.h>
 
 #include <Foundation/dispatch.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
-#include <gtest/gtest.h>
-
 using namespace platform;
 
 namespace {
 
-class AlertTest : public ::testing::Test {
+class AlertTest : public testing_support::InterfaceTest {
 protected:
+    void SetUp() override { setMainQueue(nullptr); }
     ~AlertTest() override { NSAlert::setAnswerer({}); }
 
     static std::shared_ptr<NSAlert> alertWith(const std::vector<std::u16string>& buttons) {
@@ -36,7 +38,7 @@ protected:
             if (!box || !box->isActiveWindow())
                 return;
             poll.stop();
-            ++shown;
+            ++shownAlerts;
             act(*box);
         });
         poll.start(1);
@@ -49,7 +51,7 @@ protected:
         return nullptr;
     }
 
-    int shown = 0;
+    int shownAlerts = 0;
 };
 
 TEST_F(AlertTest, AnAnswererAnswersInPlaceOfTheUser) {
@@ -64,12 +66,21 @@ TEST_F(AlertTest, AnAnswererAnswersInPlaceOfTheUser) {
 
 TEST_F(AlertTest, ReturnMeansTheFirstButton) {
     EXPECT_EQ(run({u"Delete", u"Cancel"}, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }), 1000);
-    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(shownAlerts, 1);
 }
 
 TEST_F(AlertTest, EscapeMeansTheButtonTitledCancel) {
     EXPECT_EQ(run({u"Delete", u"Keep", u"Cancel"}, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }),
               1002);
+}
+
+TEST_F(AlertTest, EscapeMeansTheButtonTitledWithTheBundlesWordForCancel) {
+    QDir(folder.path()).mkdir("en.lproj");
+    write("en.lproj/Localizable.strings", "\"Cancel\" = \"Abbrechen\";");
+    loadFile({}, "");
+    EXPECT_EQ(
+        run({u"Löschen", u"Behalten", u"Abbrechen"}, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }),
+        1002);
 }
 
 TEST_F(AlertTest, TheCloseBoxMeansTheButtonTitledCancel) {

@@ -62,6 +62,14 @@ TEST_F(ButtonTest, APlainButtonDoesNotStayIn) {
     EXPECT_FALSE(shownButton->isChecked());
 }
 
+TEST_F(ButtonTest, OnlyTheViewTurnsTheWidgetOver) {
+    showButton("QCheckBox");
+    button.reset();
+    contents = {};
+    QTest::mouseClick(shownButton, Qt::LeftButton, {}, {5, shownButton->height() / 2});
+    EXPECT_FALSE(shownButton->isChecked());
+}
+
 TEST_F(ButtonTest, TwoStayInButtonsAreNotExclusive) {
     const auto stayIn = setting("checkable", "bool", "true");
     show({"one", "two"}, column({widget("QPushButton", "one", stayIn), widget("QPushButton", "two", stayIn)}));

@@ -94,6 +94,22 @@ TEST_F(MatrixTest, ArrowKeysStopAtTheEnds) {
     EXPECT_EQ(owner->taken(), Log());
 }
 
+TEST_F(MatrixTest, TheFocusGoesToTheSelectedCellOrTheFirst) {
+    EXPECT_TRUE(matrix->window()->makeFirstResponder(matrix));
+    EXPECT_EQ(window->focusWidget(), button("every"));
+    matrix->selectCellWithTag(2);
+    EXPECT_TRUE(matrix->window()->makeFirstResponder(matrix));
+    EXPECT_EQ(window->focusWidget(), button("twin"));
+    EXPECT_EQ(owner->taken(), Log());
+}
+
+TEST_F(MatrixTest, OnlyTheViewTurnsAChoiceOver) {
+    matrix.reset();
+    contents = {};
+    press("even");
+    EXPECT_EQ(on(), "");
+}
+
 TEST_F(MatrixTest, ACellsTitleCanBeChangedAfterwards) {
     matrix->cellWithTag(0)->setTitle(u"Every Page");
     EXPECT_EQ(button("every")->text(), "Every Page");

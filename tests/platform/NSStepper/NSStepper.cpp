@@ -4,6 +4,7 @@
 #include <AppKit/NSStepper.h>
 
 #include <QApplication>
+#include <QSpinBox>
 #include <QStyle>
 #include <QTimer>
 #include <QWheelEvent>
@@ -26,6 +27,13 @@ protected:
 
     std::shared_ptr<NSStepper> stepper;
 };
+
+TEST_F(StepperTest, IsAsHighAsASpinBoxAndNoWiderThanItsArrows) {
+    showStepper();
+    EXPECT_EQ(shown("stepper")->sizeHint().height(), QSpinBox().sizeHint().height());
+    EXPECT_GE(shown("stepper")->sizeHint().width(), 10);
+    EXPECT_LE(shown("stepper")->sizeHint().width(), 30);
+}
 
 TEST_F(StepperTest, CountsFromZeroTo59ByOneUnlessTheFileSaysOtherwise) {
     showStepper();

@@ -41,6 +41,16 @@ TEST_F(TableCells, OfADisabledFieldAreDimmed) {
     EXPECT_GT(darkest(1), 90);
 }
 
+TEST_F(TableCells, OfADisabledFieldAreDimmedInASelectedRowToo) {
+    showTable(false, {u"####"});
+    select({0});
+    const auto enabled = grid->viewport()->grab(cell(0)).toImage();
+    owner->disabledRows = {0};
+    table->reloadData();
+    EXPECT_EQ(shownSelection(), Rows{0});
+    EXPECT_NE(grid->viewport()->grab(cell(0)).toImage(), enabled);
+}
+
 TEST_F(TableCells, HaveUniformRowsAndNoGrid) {
     showTable();
     EXPECT_EQ(cell(0).height(), cell(3).height());

@@ -22,6 +22,14 @@ TEST_F(TableRename, ADoubleClickOpensTheCellWithAllItsTextSelected) {
     EXPECT_EQ(table->editedCell(), table->viewAtColumnRow(0, 1));
 }
 
+TEST_F(TableRename, ADoubleClickOnARefusedRowOpensNothing) {
+    showTable();
+    select({0});
+    owner->refusedRows = {1};
+    doubleClick(1);
+    EXPECT_FALSE(editing());
+}
+
 TEST_F(TableRename, F2OpensTheSelectedRowsCell) {
     showTable();
     select({2});

@@ -161,6 +161,18 @@ TEST_F(TableSelection, TheKeysStayWhereAllFurtherRowsAreRefused) {
     EXPECT_EQ(shownSelection(), Rows{1});
 }
 
+TEST_F(TableSelection, TheKeysGoNoFurtherWhereWhoeverHearsSelectsTheOldRowAgain) {
+    showTable();
+    select({0});
+    owner->onSelection = [this] {
+        if (table->selectedRow() != 0)
+            table->selectRowIndexesByExtendingSelection(NSIndexSet(0), false);
+    };
+    key(Qt::Key_Down);
+    EXPECT_EQ(owner->taken(), (Log{"shouldSelect 1", "selected 1", "selected 0"}));
+    EXPECT_EQ(shownSelection(), Rows{0});
+}
+
 TEST_F(TableSelection, TheKeysScrollToTheRowTheySelect) {
     showTable(false, std::vector<std::u16string>(200, u"row"));
     select({150});

@@ -5,6 +5,9 @@
 
 namespace app {
 
+/// The exit status of `runWindow` where there is no display to open a window on.
+inline constexpr int noDisplay = 5;
+
 /// Opens the window on the configurations in `store` and runs until it is closed. Answers the program's exit status.
 int runWindow(int& argc, char** argv, const std::filesystem::path& store);
 

@@ -3,6 +3,7 @@
 
 #include <model/ImprinterModel.h>
 
+#include <cstdint>
 #include <filesystem>
 
 namespace store {
@@ -11,6 +12,7 @@ namespace store {
 enum class Code {
     unreadable,       ///< the file is there and cannot be read
     damaged,          ///< it is not JSON, or not a file of configurations
+    foreign,          ///< what is there is something else than a file of configurations
     invalid,          ///< it holds a value or a reference that cannot be
     newer,            ///< a newer version of the program wrote it
     tooLarge,         ///< it has, or would get, more of something than a file may have
@@ -33,16 +35,21 @@ struct LoadResult {
     std::vector<Failure> messages;
     /// The file is left as it is: nothing can be saved.
     bool readOnly = false;
+    /// Something is there, and the configurations are not from it: the supplied ones stand in for them. False where
+    /// there is nothing, at the first start.
+    bool standIns = false;
 };
 
 /// The configurations on disk: one file, described in docs/file-format.md.
 ///
-/// A file that cannot be understood is never overwritten: it is kept aside under another name, or, where a newer
-/// version of the program wrote it, left in its place. A save that fails leaves the file of the last one.
+/// A file that cannot be understood is never overwritten: it is kept aside under another name, or left in its place. A
+/// save that fails leaves the file of the last one.
 class Store {
 public:
-    /// `file` and its folder need not exist.
-    explicit Store(std::filesystem::path file);
+    static constexpr std::uintmax_t largestFile = std::uintmax_t{64} << 20;
+
+    /// `file` and its folder need not exist. A file of more than `mostBytes` is neither read nor written.
+    explicit Store(std::filesystem::path file, std::uintmax_t mostBytes = largestFile);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -53,10 +60,16 @@ public:
 
     const std::filesystem::path& file() const { return m_file; }
 
-    /// Reads the file. Where there is none, or none that can be understood, the supplied configurations are answered.
+    /// Reads the file and changes nothing on disk, for whoever does not save. Where there is none, or none that can be
+    /// understood, the supplied configurations are answered. The result is read-only.
+    LoadResult read() const;
+
+    /// Reads the file as `read` does, so that it can be saved.
     ///
     /// An unreadable or damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number
-    /// where that exists; if it cannot be renamed, or a newer program wrote it, the result is read-only.
+    /// where that exists. Left in its place, and read-only, is: what a newer program wrote; what is no ordinary file;
+    /// what cannot be renamed; and, at any other than the default path, what does not look like a file of
+    /// configurations. What a killed program left behind when it saved is removed.
     LoadResult load();
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
@@ -68,10 +81,11 @@ public:
 
 private:
     struct State;
+    struct Reading;
 
-    LoadResult keepAside(Code code, const std::u16string& what);
-
+    Reading readFile() const;
     std::filesystem::path m_file;
+    std::uintmax_t m_mostBytes;
     std::unique_ptr<State> m_state;
 };
 
