@@ -519,11 +519,60 @@ bool VelImprinterPrefPane::tableViewAcceptDropRowDropOperation(const std::shared
 void VelImprinterPrefPane::updatePreview() {
     if (!m_currentConfiguration)
         return;
-    const auto sample = tell(NSBundle::bundleForClass(NSClassFromString(u"VelPreviewViewController")),
-                             &NSBundle::URLForResourceWithExtension, u"Preview", u"jpg");
-    setPreviewURL(tell(m_imprinter, &host::Imprinter::imprintFileAtURLWithIndex, sample, m_currentConfiguration, 0));
+    setPreviewURL(tell(m_imprinter, &host::Imprinter::imprintFileAtURLWithIndex,
+                       VelPreviewViewController::samplePictureURL(), m_currentConfiguration, 0));
+    if (m_previewURL)
+        tell(m_popoverViewController, &VelPreviewViewController::setPreviewURL, m_previewURL);
 }
 
-void VelImprinterPrefPane::onPreview(const std::shared_ptr<NSObject>&) {}
+void VelImprinterPrefPane::setPopover(const std::shared_ptr<NSPopover>& popover) {
+    m_popover = popover;
+}
+
+void VelImprinterPrefPane::setPopoverViewController(const std::shared_ptr<VelPreviewViewController>& controller) {
+    m_popoverViewController = controller;
+}
+
+void VelImprinterPrefPane::onPreview(const std::shared_ptr<NSObject>& sender) {
+    if (!m_popoverViewController) {
+        const auto controller = std::make_shared<VelPreviewViewController>();
+        controller->initWithNibNameBundle(u"VelPreviewViewController", NSBundle::bundleForClass(classTable()));
+        setPopoverViewController(controller);
+        controller->loadView();
+    }
+    if (tell(m_popover, &NSPopover::isDetached)) {
+        const auto window = tell(m_popoverViewController->view(), &NSView::window);
+        tell(window, &NSWindow::makeKeyAndOrderFront, nullptr);
+        return;
+    }
+    createPopover();
+    m_popoverViewController->setPreviewURL(m_previewURL);
+    const auto view = std::dynamic_pointer_cast<NSView>(sender);
+    m_popover->showRelativeToRectOfViewPreferredEdge(tell(view, &NSView::bounds), view, NSRectEdge::maxY);
+}
+
+void VelImprinterPrefPane::createPopover() {
+    if (m_popover)
+        return;
+    const auto popover = std::make_shared<NSPopover>();
+    popover->setContentViewController(m_popoverViewController);
+    popover->setAppearance(NSAppearance::appearanceNamed(NSAppearanceNameVibrantLight));
+    popover->setAnimates(true);
+    popover->setBehavior(NSPopoverBehavior::transient);
+    popover->setDelegate(self());
+    setPopover(popover);
+}
+
+void VelImprinterPrefPane::popoverWillShow(const NSNotification&) {}
+void VelImprinterPrefPane::popoverDidShow(const NSNotification&) {}
+
+void VelImprinterPrefPane::popoverDidClose(const NSNotification&) {
+    setPopover(nullptr);
+    tell(m_popoverViewController, &VelPreviewViewController::resetZoom);
+}
+
+bool VelImprinterPrefPane::popoverShouldDetach(const std::shared_ptr<NSPopover>&) {
+    return true;
+}
 
 } // namespace pane

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSMenu.h>
+#include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSGeometry.h>
@@ -47,6 +48,7 @@ class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSTabViewDelegate,
                              public platform::NSMenuDelegate,
                              public platform::NSUserInterfaceValidations,
+                             public platform::NSPopoverDelegate,
                              public platform::NSControlTextEditingDelegate {
 public:
     using NSObject = platform::NSObject;
@@ -78,6 +80,12 @@ public:
     /// The font run that the font controls edit; null for none.
     const std::shared_ptr<host::ImprinterFont>& currentFont() const { return m_currentFont; }
     void setCurrentFont(const std::shared_ptr<host::ImprinterFont>& font) { m_currentFont = font; }
+    /// Null unless the preview is shown, attached or torn off.
+    const std::shared_ptr<platform::NSPopover>& popover() const { return m_popover; }
+    virtual void setPopover(const std::shared_ptr<platform::NSPopover>& popover);
+    /// Made for the first preview and kept.
+    const std::shared_ptr<VelPreviewViewController>& popoverViewController() const { return m_popoverViewController; }
+    virtual void setPopoverViewController(const std::shared_ptr<VelPreviewViewController>& controller);
 
     // Declared for hosts that expect them; nothing in the pane reads or writes these.
 
@@ -141,7 +149,14 @@ public:
 
     /// Has the host stamp the sample page with the current configuration; a nil answer leaves the picture on show.
     virtual void updatePreview();
+    /// Shows the last result beside the sender, or brings the window of a preview that was torn off to the front.
     virtual void onPreview(const std::shared_ptr<NSObject>& sender);
+    /// Does nothing where there is one.
+    virtual void createPopover();
+    void popoverWillShow(const platform::NSNotification& notification) override;
+    void popoverDidShow(const platform::NSNotification& notification) override;
+    void popoverDidClose(const platform::NSNotification& notification) override;
+    bool popoverShouldDetach(const std::shared_ptr<platform::NSPopover>& popover) override;
 
     // Location editor
 
@@ -210,6 +225,7 @@ private:
     std::shared_ptr<host::ImprinterFont> m_currentFont;
     std::shared_ptr<NSObject> tokenChangeObserver;
     std::optional<platform::NSURL> m_previewURL;
+    std::shared_ptr<platform::NSPopover> m_popover;
     std::shared_ptr<VelPreviewViewController> m_popoverViewController;
     std::shared_ptr<VelCombinedViewController> m_combinedVC;
     std::shared_ptr<platform::NSWindow> m_previewWindow;

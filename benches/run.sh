@@ -3,9 +3,10 @@
 set -uo pipefail
 bin=$1/bin
 home=$(mktemp -d)
-trap 'rm -rf "$home"' EXIT
-export HOME=$home XDG_DATA_HOME=$home/data XDG_CONFIG_HOME=$home/config XDG_RUNTIME_DIR=$home LC_ALL=C.UTF-8
-chmod 700 "$home"
+memory=$(mktemp -d -p /dev/shm) # where a session keeps its runtime folder
+trap 'rm -rf "$home" "$memory"' EXIT
+export HOME=$home XDG_DATA_HOME=$home/data XDG_CONFIG_HOME=$home/config XDG_RUNTIME_DIR=$memory LC_ALL=C.UTF-8
+chmod 700 "$home" "$memory"
 status=0
 claim() { "$@" || status=1; }
 
@@ -13,4 +14,5 @@ echo "$(nproc) cores, $(uname -sr), $(date -u +%F)"
 IMPRINTER_END_AFTER_PAINT=1 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_opening" 21 "$bin/bare_window" "$bin/imprinter"
 claim "$bin/bench_list"
 claim "$bin/bench_page_list"
+claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_preview"
 exit $status

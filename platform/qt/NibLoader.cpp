@@ -3,6 +3,7 @@
 
 #include "Alert.h"
 #include "NibWidgets.h"
+#include "Text.h"
 #include "Window.h"
 
 #include <AppKit/NSTabView.h>
@@ -29,13 +30,28 @@ std::string plain(const QString& text) {
 
 /// The dynamic properties that mean something here.
 const std::set<QString>& knownProperties() {
-    static const std::set<QString> names{"action",     "cellClass",  "cells",
-                                         "columns",    "controller", "controllerOutlet",
-                                         "delegate",   "dataSource", "formatter",
-                                         "identifier", "increment",  "keyboardGroup",
-                                         "maxValue",   "minValue",   "multipleSelection",
-                                         "outlets",    "pullsDown",  "sendsActionOnEndEditing",
-                                         "tag",        "tags",       "value"};
+    static const std::set<QString> names{"action",
+                                         "allowsMagnification",
+                                         "cellClass",
+                                         "cells",
+                                         "columns",
+                                         "controller",
+                                         "controllerOutlet",
+                                         "delegate",
+                                         "dataSource",
+                                         "formatter",
+                                         "identifier",
+                                         "increment",
+                                         "keyboardGroup",
+                                         "maxValue",
+                                         "minValue",
+                                         "multipleSelection",
+                                         "outlets",
+                                         "pullsDown",
+                                         "sendsActionOnEndEditing",
+                                         "tag",
+                                         "tags",
+                                         "value"};
     return names;
 }
 
@@ -57,6 +73,7 @@ public:
         qt::noteCancelTitle(m_bundle.localizedStringForKeyValueTable(u"Cancel", u"", u""));
         for (const auto& className : m_loader.unknownClasses())
             report("the class " + plain(className) + " is not known here; its views are left out");
+        root->setWindowTitle(qt::toQt(localized(root->windowTitle())));
         m_named["owner"] = m_owner;
         const auto view = build(*root, nullptr, {m_owner, true});
         m_contents.window = std::make_shared<NSWindow>(view);

@@ -4,8 +4,10 @@
 #include "ButtonGroupKeys.h"
 #include "ButtonPeer.h"
 #include "ColorWellPeer.h"
+#include "ImagePeer.h"
 #include "MatrixPeer.h"
 #include "PopUpPeer.h"
+#include "ScrollPeer.h"
 #include "SegmentedPeer.h"
 #include "StepperPeer.h"
 #include "TabPeer.h"
@@ -13,6 +15,7 @@
 #include "TextFieldPeer.h"
 #include "TokenFieldPeer.h"
 
+#include <AppKit/NSImageView.h>
 #include <AppKit/NSPopUpButton.h>
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSClass.h>
@@ -154,6 +157,15 @@ void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& wi
     view->setPeer(makeColorWellPeer(widget));
 }
 
+void showImage(const std::shared_ptr<NSImageView>& view, ImageWidget& widget, NibText&) {
+    view->setPeer(makeImagePeer(widget));
+}
+
+void showScroll(const std::shared_ptr<NSScrollView>& view, ScrollWidget& widget, NibText&) {
+    view->setAllowsMagnification(widget.property("allowsMagnification").toBool());
+    view->setPeer(makeScrollPeer(view, widget));
+}
+
 std::string nameOf(const QWidget& widget) {
     return widget.objectName().toStdString();
 }
@@ -262,6 +274,10 @@ const QHash<QString, NibKind>& kinds() {
              {u"NSSegmentedControl", Role::control, make<QWidget>, show<NSSegmentedControl, QWidget, showSegments>}},
             {"NSColorWell",
              {u"NSColorWell", Role::control, make<ColorWellWidget>, show<NSColorWell, ColorWellWidget, showColorWell>}},
+            {"NSImageView",
+             {u"NSImageView", Role::control, make<ImageWidget>, show<NSImageView, ImageWidget, showImage>}},
+            {"NSScrollView",
+             {u"NSScrollView", Role::container, make<ScrollWidget>, show<NSScrollView, ScrollWidget, showScroll>}},
             {"QTabWidget",
              {u"NSTabView", Role::container, make<AskingTabWidget>, show<NSTabView, AskingTabWidget, showTabs>}},
             {"QStackedWidget", {u"NSTabView", Role::container, nullptr, show<NSTabView, QStackedWidget, showStack>}},

@@ -60,6 +60,11 @@ bool WidgetPeer::focus() {
     return true;
 }
 
+NSSize WidgetPeer::size() {
+    return m_widget ? NSSize{static_cast<double>(m_widget->width()), static_cast<double>(m_widget->height())}
+                    : NSSize();
+}
+
 bool endEditingInWindow(const QWidget& widget) {
     auto* editing = dynamic_cast<EditingWidget*>(widget.window()->focusWidget());
     return !editing || editing->endEditing(NSTextField::Ending::focusLost);

@@ -36,6 +36,7 @@ public:
     void setAccessibilityLabel(const std::u16string& text) override;
     std::shared_ptr<NSWindow> window() override;
     bool focus() override;
+    NSSize size() override;
 
 protected:
     template <class Widget>

@@ -32,6 +32,17 @@ public:
         return other->widget()->window() == topLevel && other->widget()->isVisibleTo(topLevel);
     }
 
+    void orderFront() override {
+        if (!m_widget)
+            return;
+        auto& window = *m_widget->window();
+        if (window.isMinimized())
+            window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.show();
+        window.raise();
+        window.activateWindow();
+    }
+
 private:
     QPointer<QWidget> m_widget;
 };

@@ -7,6 +7,9 @@ namespace app {
 
 /// A folder for files of this run alone: readable by nobody else, with a name that cannot be guessed, removed with the
 /// object. In the user's runtime folder, else in the system's folder for temporary files.
+///
+/// The owner holds a lock on the folder (`flock`), which the system releases when the program ends in whatever way: so
+/// a folder that nobody has locked was left by a program that was killed.
 class PrivateFolder {
 public:
     /// Throws std::system_error where none can be made.
@@ -17,8 +20,13 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
 
+    /// Removes the folders that killed programs of this user left; never one whose owner is alive, nor what a symbolic
+    /// link points at. Answers how many were removed.
+    static int removeLeftovers();
+
 private:
     std::filesystem::path m_path;
+    int m_lock = -1;
 };
 
 } // namespace app

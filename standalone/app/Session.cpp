@@ -40,6 +40,11 @@ void Session::saveChanges() {
         m_model->saveConfigurations();
 }
 
+void Session::allowPreviews() {
+    PrivateFolder::removeLeftovers();
+    m_previews = true;
+}
+
 std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,
                                                 const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
     if (!m_previewStamper) {

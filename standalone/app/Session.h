@@ -32,7 +32,7 @@ public:
     void saveChanges();
 
     /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
-    void allowPreviews() { m_previews = true; }
+    void allowPreviews();
 
 private:
     std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <AppKit/NSButton.h>
 #include <AppKit/NSColorWell.h>
+#include <AppKit/NSImageView.h>
 #include <AppKit/NSMatrix.h>
 #include <AppKit/NSPopUpButton.h>
+#include <AppKit/NSScrollView.h>
 #include <AppKit/NSSegmentedControl.h>
 #include <AppKit/NSStepper.h>
 #include <AppKit/NSTabView.h>
@@ -35,7 +37,9 @@ const ClassRegistration registrations[] = {
     ClassRegistration(ClassTable<NSPopUpButtonCell>(u"NSPopUpButtonCell")),
     ClassRegistration(ClassTable<NSTableView>(u"NSTableView", u"NSControl")),
     ClassRegistration(ClassTable<NSTabView>(u"NSTabView", u"NSView")),
-    ClassRegistration(ClassTable<NSViewController>(u"NSViewController")),
+    ClassRegistration(ClassTable<NSScrollView>(u"NSScrollView", u"NSView")),
+    ClassRegistration(ClassTable<NSImageView>(u"NSImageView", u"NSControl")),
+    ClassRegistration(NSViewController::describeClass()),
 };
 
 } // namespace

@@ -27,6 +27,10 @@ std::shared_ptr<NSWindow> NSView::window() const {
     return m_peer ? m_peer->window() : nullptr;
 }
 
+NSRect NSView::bounds() const {
+    return {{}, m_peer ? m_peer->size() : NSSize()};
+}
+
 void NSView::setMenu(const std::shared_ptr<NSMenu>& menu) {
     m_menu = menu;
     if (m_peer)

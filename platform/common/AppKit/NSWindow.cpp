@@ -33,6 +33,11 @@ bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
     return view->peer()->focus();
 }
 
+void NSWindow::makeKeyAndOrderFront(const std::shared_ptr<NSObject>&) {
+    if (m_peer)
+        m_peer->orderFront();
+}
+
 void NSWindow::setPeer(std::unique_ptr<WindowPeer> peer) {
     m_peer = std::move(peer);
 }

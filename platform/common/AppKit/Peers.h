@@ -6,12 +6,16 @@
 
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSColor.h>
+#include <AppKit/NSPopover.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSIndexSet.h>
 
+#include <filesystem>
+
 namespace platform {
 
+class NSImage;
 class NSMatrix;
 class NSPopUpButton;
 
@@ -28,6 +32,7 @@ public:
     virtual void setToolTip(const std::u16string&) {}
     virtual void setAccessibilityLabel(const std::u16string&) {}
     virtual void setDraggedTypes(const std::vector<std::u16string>&) {}
+    virtual NSSize size() { return {}; }
 };
 
 class WindowPeer {
@@ -37,6 +42,8 @@ public:
     virtual bool clearFocus() = 0;
     /// Whether the view whose peer this is stands in the window, on no page that is not shown.
     virtual bool contains(ViewPeer& peer) = 0;
+    /// Shows the window in front of the program's others and gives it the keyboard.
+    virtual void orderFront() {}
 };
 
 class ButtonPeer : public virtual ViewPeer {
@@ -97,7 +104,41 @@ public:
     virtual void abandonEditing() = 0;
 };
 
+class ImagePeer : public virtual ViewPeer {
+public:
+    /// Null shows nothing.
+    virtual void setImage(const std::shared_ptr<const NSImage>& image) = 0;
+};
+
+class ScrollPeer : public virtual ViewPeer {
+public:
+    virtual void setMagnification(double magnification) = 0;
+};
+
+/// Shows a popover's content; the popover says when.
+class PopoverPeer {
+public:
+    virtual ~PopoverPeer() = default;
+    /// Whether the view is on screen.
+    virtual bool canShowBeside(NSView& view) = 0;
+    /// Shows the content, or moves it, and tells the popover that it has appeared: after `seconds`, or inside the call
+    /// where that is 0. Calls off a hiding that has not ended.
+    virtual void show(NSRect rect, NSView& view, NSRectEdge edge, double seconds) = 0;
+    /// Takes the content off the screen and tells the popover that it has disappeared, in the same way. A second call
+    /// ends the first.
+    virtual void hide(double seconds) = 0;
+};
+
+/// A decoded picture.
+class Picture {
+public:
+    virtual ~Picture() = default;
+};
+
 /// The toolkit's side of the things that are not views.
+std::unique_ptr<PopoverPeer> makePopoverPeer(const std::shared_ptr<NSPopover>& popover);
+/// Null for a file that is missing, unreadable or no picture.
+std::shared_ptr<const Picture> loadPicture(const std::filesystem::path& file);
 NSInteger runAlertModally(const NSAlert& alert);
 
 } // namespace platform

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Foundation/NSGeometry.h>
 #include <Foundation/NSObject.h>
 
 #include <memory>
@@ -32,6 +33,9 @@ public:
 
     /// The window the view is in, or null while it is in none.
     std::shared_ptr<NSWindow> window() const;
+
+    /// The view's own rectangle, at the origin, in points; empty while nothing shows the view.
+    NSRect bounds() const;
 
     /// -1 for what is no control.
     virtual NSInteger tag() const { return -1; }

@@ -21,6 +21,9 @@ public:
     /// left alone. Answers NO where the focus stayed, also because the field that has it refused to end its editing.
     bool makeFirstResponder(const std::shared_ptr<NSView>& view);
 
+    /// Shows the window in front of the program's others and gives it the keyboard.
+    void makeKeyAndOrderFront(const std::shared_ptr<NSObject>& sender);
+
     void setPeer(std::unique_ptr<WindowPeer> peer);
 
 private:

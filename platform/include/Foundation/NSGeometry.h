@@ -21,4 +21,7 @@ struct NSRect {
     bool operator==(const NSRect&) const = default;
 };
 
+/// A side of a rectangle whose vertical axis points up.
+enum class NSRectEdge { minX = 0, minY = 1, maxX = 2, maxY = 3 };
+
 } // namespace platform

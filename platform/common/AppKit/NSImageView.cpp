@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include <AppKit/NSImageView.h>
+
+#include "Peers.h"
+
+namespace platform {
+
+std::u16string_view NSImageView::className() const {
+    return u"NSImageView";
+}
+
+void NSImageView::setImage(const std::shared_ptr<NSImage>& image) {
+    m_image = image;
+    showImage();
+}
+
+void NSImageView::showImage() {
+    if (auto* shown = dynamic_cast<ImagePeer*>(peer()))
+        shown->setImage(m_image);
+}
+
+void NSImageView::showAll() {
+    NSControl::showAll();
+    showImage();
+}
+
+} // namespace platform

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <AppKit/NSControl.h>
+#include <AppKit/NSImage.h>
+
+namespace platform {
+
+/// Shows one picture, whole and in its proportions, as large as it fits.
+class NSImageView final : public NSControl {
+public:
+    std::u16string_view className() const override;
+    bool acceptsFirstResponder() const override { return false; }
+
+    const std::shared_ptr<NSImage>& image() const { return m_image; }
+    /// Null clears the view.
+    void setImage(const std::shared_ptr<NSImage>& image);
+
+protected:
+    void showAll() override;
+
+private:
+    void showImage();
+
+    std::shared_ptr<NSImage> m_image;
+};
+
+} // namespace platform
