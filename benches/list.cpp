@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What selecting a row costs, in the real pane on the real model, with 10 and with 10,000 configurations in the list; and
-// how long the long list takes to open. Rows are chosen as the user does, through the proposal.
+// What selecting a row costs, in the real pane on the real model, with 10 and with 10,000 configurations in the list;
+// and how long the long list takes to open. Rows are chosen as the user does, through the proposal.
 
 #include "PaneHost.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Times programs from their start to the line "painted" on their standard output, in turns; prints medians and the ratio
-// of the second to the first.
+// Times programs from their start to the line "painted" on their standard output, in turns; prints medians and the
+// ratio of the second to the first.
 //
 //     bench_opening ROUNDS FLOOR PROGRAM
 
@@ -36,8 +36,7 @@ double timeToPaint(char* program) {
     for (ssize_t length = 0; (length = read(ends[0], buffer, sizeof buffer)) > 0;) {
         output.append(buffer, static_cast<std::size_t>(length));
         if (milliseconds < 0 && output.find("painted") != std::string::npos)
-            milliseconds =
-                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+            milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     }
     close(ends[0]);
     waitpid(child, nullptr, 0);
