@@ -72,7 +72,7 @@ std::shared_ptr<Configuration> Configuration::make(bool combined) {
 }
 
 std::shared_ptr<Configuration> Configuration::makeWithID(std::u16string uniqueID, bool combined) {
-    const std::shared_ptr<Configuration> made(new Configuration(std::move(uniqueID), combined));
+    std::shared_ptr<Configuration> made(new Configuration(std::move(uniqueID), combined));
     std::vector<TitleToken> title;
     if (!combined)
         title.emplace_back(made->createFontToken());

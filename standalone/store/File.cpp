@@ -229,7 +229,7 @@ fs::path renameAside(const fs::path& file, const std::string& word) {
     const auto base = file.stem().string() + "." + word + "-" + dateAndTime();
     for (int number = 1;; ++number) {
         const auto suffix = number == 1 ? std::string() : "-" + std::to_string(number);
-        const auto aside = file.parent_path() / (base + suffix + file.extension().string());
+        auto aside = file.parent_path() / (base + suffix + file.extension().string());
         if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0)
             return aside;
         if (errno == EEXIST)

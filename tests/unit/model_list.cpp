@@ -17,7 +17,7 @@ using Names = std::vector<std::u16string>;
 
 /// A model with ordinary configurations of these names.
 std::shared_ptr<ImprinterModel> modelOf(const Names& names) {
-    const auto model = std::make_shared<ImprinterModel>();
+    auto model = std::make_shared<ImprinterModel>();
     for (const auto& name : names)
         model->createConfiguration(false)->setName(name);
     return model;
@@ -147,6 +147,7 @@ TEST(ConfigurationList, RefusesNullAndRepeatedIdentifiersAsAWhole) {
 TEST(ConfigurationList, KnowsTheRowOfEachOfTwoThousand) {
     const auto model = std::make_shared<ImprinterModel>();
     std::vector<std::shared_ptr<Configuration>> many;
+    many.reserve(2000);
     for (int i = 0; i < 2000; ++i)
         many.push_back(Configuration::make(false));
     model->setConfigurations(many);
