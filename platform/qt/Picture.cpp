@@ -27,7 +27,7 @@ QImage readPlainBitmap(const QString& name) {
     const std::int64_t width = number(18);
     const std::int64_t height = -std::int64_t(number(22));
     const bool isPlain = header[0] == 'B' && header[1] == 'M' && number(10) == headerSize && number(14) == 40 &&
-                       half(28) == 32 && number(30) == 0;
+                         half(28) == 32 && number(30) == 0;
     if (!isPlain || width <= 0 || height <= 0 || width * height > largestPicture ||
         file.size() - headerSize < 4 * width * height || Q_BYTE_ORDER != Q_LITTLE_ENDIAN)
         return {};
