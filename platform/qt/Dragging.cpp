@@ -66,10 +66,11 @@ std::unique_ptr<QMimeData> mimeDataOf(const NSPasteboard& pasteboard) {
 }
 
 NSDragOperation runDrag(QWidget& widget, const std::shared_ptr<NSObject>& source,
-                        const std::shared_ptr<NSPasteboard>& pasteboard) {
+                        const std::shared_ptr<NSPasteboard>& pasteboard, const QPixmap& picture) {
     const RunningDrag declared(source, pasteboard);
     auto* drag = new QDrag(&widget); // deletes itself when it has ended
     drag->setMimeData(mimeDataOf(*pasteboard).release());
+    drag->setPixmap(picture);
     return drag->exec(Qt::MoveAction) == Qt::MoveAction ? NSDragOperationMove : NSDragOperationNone;
 }
 

@@ -120,6 +120,8 @@ void MainWindow::afterFirstPaint() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    // After a deletion the next configuration may have come into the same row, and no selection has changed.
+    runGuarded([this] { rememberSelection(); });
     if (!m_pane->leave()) {
         event->ignore();
         return;
@@ -140,7 +142,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::rememberSelection() {
     const auto current = m_pane->currentConfiguration();
-    if (current && m_pane->table() && m_pane->table()->selectedRow() >= 0)
+    if (current && m_session.model().indexOfConfiguration(current) != NSNotFound && m_pane->table() &&
+        m_pane->table()->selectedRow() >= 0)
         NSUserDefaults::standardUserDefaults().setObjectForKey(current->uniqueID(), u"ImprinterPrefLastSelected");
 }
 

@@ -42,7 +42,9 @@ void OrderList::startDrag(Qt::DropActions) {
         for (const auto& index : selectedIndexes())
             rows.addIndex(static_cast<NSUInteger>(index.row()));
         const QPointer<OrderList> self(this);
-        const bool moved = runDrag(*this, std::make_shared<Source>(), pasteboardOf(rows)) == NSDragOperationMove;
+        const auto picture = viewport()->grab(visualRect(currentIndex()));
+        const bool moved =
+            runDrag(*this, std::make_shared<Source>(), pasteboardOf(rows), picture) == NSDragOperationMove;
         if (moved && self && m_dropped)
             m_dropped();
     });

@@ -29,8 +29,12 @@ x_offset="605 88" y_offset="605 118" rotation="605 148"
 custom="344 379" custom_field="470 404" appearance="364 48"
 
 start_program
-# The first configuration stands at the top right on the first page. The button in the middle of the left edge:
+# The first configuration stands at the top right on the first page. The button in the middle of the left edge with the
+# mouse, and from there with the keyboard to the middle of the bottom edge, which Space chooses.
 click 369 177
+keys Down Right
+screenshot location-keyboard
+keys space
 fill $x_offset 12.5 Tab
 fill $y_offset -7.25 Return
 fill $x_offset "" Return
@@ -55,7 +59,7 @@ keys ctrl+Tab
 screenshot location-left
 stop_program
 [ "$program_status" -eq 0 ] || fail "the program ended with status $program_status: $(cat "$home/output")"
-stored position 3
+stored position 7
 json_is "[float(n) for n in c[0]['offset']]" "[0.0, -7.25]" || fail "the offset was stored as $(json "c[0]['offset']")"
 json_is "float(c[0]['rotation'])" "30.0" || fail "the rotation was stored as $(json "c[0]['rotation']")"
 stored occurance 4

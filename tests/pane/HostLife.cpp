@@ -7,6 +7,7 @@
 #include "MainWindow.h"
 #include "SettingsDialog.h"
 
+#include <AppKit/NSAlert.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSString.h>
 
@@ -129,6 +130,20 @@ TEST_F(HostLife, RemembersTheConfigurationThatTheUserChose) {
     window->pane().table()->userSelects(NSIndexSet(1), 1);
     EXPECT_EQ(defaults->stringForKey(u"ImprinterPrefLastSelected"),
               (*session->model().configurations())[1]->uniqueID());
+}
+
+TEST_F(HostLife, RemembersTheConfigurationThatTookTheRowOfADeletedOne) {
+    NSAlert::setAnswerer([](const NSAlert&) { return NSAlertFirstButtonReturn; });
+    open(folder / "configurations.json");
+    window->pane().table()->userSelects(NSIndexSet(1), 1);
+    const auto next = (*session->model().configurations())[2];
+    const auto* pressed = window->pane().pane().classTable()->action(u"deleteConfiguration:");
+    ASSERT_TRUE(pressed);
+    (*pressed)(window->pane().pane(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->pane().currentConfiguration() == next; }));
+    window->close();
+    EXPECT_EQ(defaults->stringForKey(u"ImprinterPrefLastSelected"), next->uniqueID());
+    NSAlert::setAnswerer({});
 }
 
 TEST_F(HostLife, DuplicatesByDefaultUnlessSomebodyChoseOtherwise) {

@@ -7,6 +7,7 @@
 #include <AppKit/NSWindow.h>
 
 class QMimeData;
+class QPixmap;
 class QWidget;
 
 namespace platform {
@@ -36,8 +37,9 @@ private:
 /// The data of the pasteboard, the names of the types as format names.
 std::unique_ptr<QMimeData> mimeDataOf(const NSPasteboard& pasteboard);
 
-/// Runs a drag that moves, from `widget`, until it is dropped or given up. Answers what was done.
+/// Runs a drag that moves, from `widget`, with a picture under the pointer, until it is dropped or given up. Answers
+/// what was done.
 NSDragOperation runDrag(QWidget& widget, const std::shared_ptr<NSObject>& source,
-                        const std::shared_ptr<NSPasteboard>& pasteboard);
+                        const std::shared_ptr<NSPasteboard>& pasteboard, const QPixmap& picture);
 
 } // namespace platform
