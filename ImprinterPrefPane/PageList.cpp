@@ -37,10 +37,13 @@ void appendDecimal(std::u16string& out, NSInteger number) {
 } // namespace
 
 std::u16string normalizedPageList(const std::u16string& text) {
-    const auto list = host::stringByTrimmingPrefixCharacter(std::u16string(trimmed(text)), u',');
-    std::u16string_view rest = list;
+    // A long list is not copied where nothing stands before its first number.
+    std::u16string list;
+    std::u16string_view rest = trimmed(text);
+    if (!rest.empty() && rest.front() == u',')
+        rest = list = host::stringByTrimmingPrefixCharacter(std::u16string(rest), u',');
     std::u16string result;
-    result.reserve(list.size());
+    result.reserve(rest.size());
     bool first = true;
     for (bool more = true; more;) {
         const auto comma = rest.find(u',');
