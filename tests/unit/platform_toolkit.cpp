@@ -10,6 +10,14 @@ NSInteger runAlertModally(const NSAlert&) {
     throw std::logic_error("nobody is there to answer an alert");
 }
 
+std::unique_ptr<PopoverPeer> makePopoverPeer(const std::shared_ptr<NSPopover>&) {
+    throw std::logic_error("nothing is there to show a popover");
+}
+
+std::shared_ptr<const Picture> loadPicture(const std::filesystem::path&) {
+    throw std::logic_error("nothing is there to read a picture");
+}
+
 NibContents loadNibNamedOwner(const NSBundle&, const std::u16string&, const std::shared_ptr<NSObject>&) {
     throw std::logic_error("nothing is there to show an interface file");
 }
