@@ -102,8 +102,7 @@ TEST_F(HostLife, AFailedSaveKeepsTheWindowOpenOnce) {
 }
 
 TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {
-    open(folder / "configurations.json");
-    session = std::make_unique<app::Session>(folder / "other.json");
+    session = std::make_unique<app::Session>(folder / "configurations.json");
     auto& model = session->model();
     const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
     const auto configuration = model.configurations()->front();
@@ -112,7 +111,6 @@ TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {
     const auto stamped = model.imprintFileAtURLWithIndex(sample, configuration, 0);
     ASSERT_TRUE(stamped);
     EXPECT_GT(fs::file_size(stamped->path()), 1000U);
-    window.reset();
 }
 
 TEST_F(HostLife, AMissingSampleGivesNoPreview) {

@@ -138,7 +138,10 @@ TEST_F(Preview, SwitchingClearsTheResultFirstAndThenRendersForTheNewConfiguratio
     imprinter->setStampResult(blue);
     pane->setCurrentConfiguration(b);
     EXPECT_EQ(duringSwitch, std::nullopt);
-    EXPECT_EQ(takenWithoutListing().back(), stamping("b"));
+    auto messages = takenWithoutListing();
+    // A field that only shows its value reads it again once the switch is over.
+    std::erase(messages, "b fillOpacity");
+    EXPECT_EQ(messages.back(), stamping("b"));
     EXPECT_EQ(pane->previewURL(), blue);
 }
 
