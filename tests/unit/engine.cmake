@@ -8,4 +8,5 @@ add_executable(unit_engine
 )
 target_include_directories(unit_engine PRIVATE ${CMAKE_SOURCE_DIR}/standalone/engine)
 target_link_libraries(unit_engine PRIVATE engine_layout GTest::gtest_main)
-gtest_discover_tests(unit_engine PROPERTIES LABELS unit)
+add_test(NAME Unit.unit_engine COMMAND unit_engine)
+set_tests_properties(Unit.unit_engine PROPERTIES LABELS unit)
