@@ -39,13 +39,15 @@ QWindow* windowAt(QPoint place) {
     return nullptr;
 }
 
-/// Sends a press that closed the popover to what is below it. The toolkit would do so only where it could grab the
-/// mouse.
+/// Sends a press that closed the popover to what is below it, before the release can come. The toolkit would do so later
+/// and only where it could grab the mouse.
 void passOn(const QMouseEvent& press) {
-    if (auto* window = windowAt(press.globalPosition().toPoint()))
-        QCoreApplication::postEvent(window, new QMouseEvent(press.type(), window->mapFromGlobal(press.globalPosition()),
-                                                            press.globalPosition(), press.button(), press.buttons(),
-                                                            press.modifiers()));
+    auto* window = windowAt(press.globalPosition().toPoint());
+    if (!window)
+        return;
+    QMouseEvent again(press.type(), window->mapFromGlobal(press.globalPosition()), press.globalPosition(),
+                      press.button(), press.buttons(), press.modifiers());
+    QCoreApplication::sendEvent(window, &again);
 }
 
 QMargins arrowMargins(NSRectEdge edge) {
@@ -224,14 +226,15 @@ void PopoverFrame::mouseReleaseEvent(QMouseEvent*) {
 }
 
 void PopoverFrame::becomeWindow() {
-    auto content = body();
-    content.moveTopLeft(mapToGlobal(content.topLeft()));
+    const auto inner = m_content ? m_content->geometry() : body();
+    const QRect content(mapToGlobal(inner.topLeft()), inner.size());
     m_form = Form::window;
+    clearMask(); // while there is a native window to clear it of
     hide();
     setAttribute(Qt::WA_TranslucentBackground, false);
     setAttribute(Qt::WA_NoSystemBackground, false);
     setWindowFlags(Qt::Window);
-    setMinimumSize(160, 160);
+    setMinimumSize(QSize(160, 160).boundedTo(content.size()));
     setGeometry(content);
     layOut();
     show();

@@ -49,9 +49,7 @@ protected:
     void clickAt(QWidget& target) {
         auto* handle = target.window()->windowHandle();
         const auto at = handle->mapFromGlobal(target.mapToGlobal(target.rect().center()));
-        QTest::mousePress(handle, Qt::LeftButton, {}, at);
-        QApplication::processEvents(); // a press that closed a popover is sent on
-        QTest::mouseRelease(handle, Qt::LeftButton, {}, at);
+        QTest::mouseClick(handle, Qt::LeftButton, {}, at);
         QApplication::processEvents();
     }
     void pressPreview() { clickAt(button()); }

@@ -117,9 +117,7 @@ protected:
     void clickAt(const QWidget& target) {
         auto* handle = target.window()->windowHandle();
         const auto at = handle->mapFromGlobal(onScreen(target).center());
-        QTest::mousePress(handle, Qt::LeftButton, {}, at);
-        QCoreApplication::processEvents(); // a press that closed a popover is sent on
-        QTest::mouseRelease(handle, Qt::LeftButton, {}, at);
+        QTest::mouseClick(handle, Qt::LeftButton, {}, at);
         QCoreApplication::processEvents();
     }
     /// Moves the pointer by `way` from `from`, both on the screen, and tells the frame's window.
@@ -368,6 +366,7 @@ TEST_F(Popovers, DraggedBecomeAWindowWithTheSameContent) {
     EXPECT_TRUE(popover->isDetached());
     ASSERT_TRUE(frame());
     EXPECT_EQ(content(), before);
+    EXPECT_EQ(content()->size(), place.size());
     EXPECT_EQ(frame()->windowType(), Qt::Window);
     EXPECT_FALSE(frame()->windowFlags() & Qt::FramelessWindowHint);
     EXPECT_EQ(frame()->windowTitle(), QStringLiteral("Torn off"));
