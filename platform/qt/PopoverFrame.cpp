@@ -39,8 +39,8 @@ QWindow* windowAt(QPoint place) {
     return nullptr;
 }
 
-/// Sends a press that closed the popover to what is below it, before the release can come. The toolkit would do so later
-/// and only where it could grab the mouse.
+/// Sends a press that closed the popover to what is below it, before the release can come. The toolkit would do so
+/// later and only where it could grab the mouse.
 void passOn(const QMouseEvent& press) {
     auto* window = windowAt(press.globalPosition().toPoint());
     if (!window)
