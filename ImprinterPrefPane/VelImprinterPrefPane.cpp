@@ -384,8 +384,7 @@ std::shared_ptr<NSMenu> VelImprinterPrefPane::buildActionMenu() {
     auto menu = std::make_shared<NSMenu>();
     menu->setDelegate(self());
     const auto add = [&](const std::u16string& title, const std::u16string& action, NSInteger tag = 0) {
-        auto item =
-            menu->addItemWithTitleActionKeyEquivalent(title.empty() ? title : localized(title), action, u"");
+        auto item = menu->addItemWithTitleActionKeyEquivalent(title.empty() ? title : localized(title), action, u"");
         item->setTarget(self());
         item->setTag(tag);
         return item;
