@@ -69,6 +69,7 @@ NSInteger runAlertModally(const NSAlert& alert) {
     box.setStyleSheet(
         QStringLiteral("QDialogButtonBox { button-layout: 3 } QLabel#qt_msgbox_label { font-weight: bold }"));
     std::vector<QAbstractButton*> buttons;
+    buttons.reserve(titles.size());
     for (const auto& title : titles)
         buttons.push_back(box.addButton(qt::withoutShortcut(title), QMessageBox::AcceptRole));
     box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));

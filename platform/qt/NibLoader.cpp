@@ -124,7 +124,7 @@ private:
                 build(*child, parent, scope);
             return nullptr;
         }
-        const auto view = makeView(widget, className, *kind);
+        auto view = makeView(widget, className, *kind);
         view->setToolTip(localized(widget.toolTip()));
         view->setAccessibilityLabel(localized(widget.accessibleName()));
         if (const auto control = std::dynamic_pointer_cast<NSControl>(view)) {

@@ -169,7 +169,7 @@ std::unique_ptr<const PropertyList> readBinaryPropertyList(const NSData& data, s
 }
 
 std::unique_ptr<const PropertyList> PropertyList::read(const NSData& data, std::string& error) {
-    constexpr std::size_t largest = 16 * 1024 * 1024;
+    constexpr std::size_t largest = std::size_t(16) << 20;
     if (!data || data->empty()) {
         error = "there is no data";
         return nullptr;
