@@ -154,7 +154,7 @@ void showSegments(const std::shared_ptr<NSSegmentedControl>& view, QWidget& widg
 }
 
 void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& widget, NibText&) {
-    view->setPeer(makeColorWellPeer(widget));
+    view->setPeer(makeColorWellPeer(view, widget));
 }
 
 void showImage(const std::shared_ptr<NSImageView>& view, ImageWidget& widget, NibText&) {
