@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 using namespace render;
 
 namespace {
@@ -35,7 +37,7 @@ TEST_F(Previews, TheStampIsShownWhateverPagesItIsMeantFor) {
     }
 }
 
-TEST_F(Previews, TwoNamesTakeTurnsAndNothingElseIsLeftInTheFolder) {
+TEST_F(Previews, TwoNamesTakeTurnsBesideOneSpareFile) {
     const auto with = configuration(u"One");
     const auto first = m_stamper.stamp(sample(), with).path;
     const auto bytes = readFile(first);
@@ -45,7 +47,7 @@ TEST_F(Previews, TwoNamesTakeTurnsAndNothingElseIsLeftInTheFolder) {
     EXPECT_EQ(readFile(first), bytes);
     EXPECT_EQ(m_stamper.stamp(sample(), with).path, first);
     EXPECT_EQ(readFile(first), readFile(second));
-    EXPECT_EQ(m_results.names().size(), 2U);
+    EXPECT_EQ(m_results.names(), (std::vector<std::string>{".spare", second.filename(), first.filename()}));
 }
 
 TEST_F(Previews, AStampThatMovedLeavesNothingBehind) {
@@ -56,6 +58,46 @@ TEST_F(Previews, AStampThatMovedLeavesNothingBehind) {
     const QRect area = differingArea(QImage(moved.c_str()), QImage(sample().c_str()));
     EXPECT_GT(area.left(), 400);
     EXPECT_GT(area.top(), 300);
+}
+
+TEST_F(Previews, EachOfManyStampsLeavesNothingOfTheOnesBefore) {
+    const QImage plain(sample().c_str());
+    const auto wandering = configuration(u"Wandering");
+    const auto resting = configuration(u"Resting");
+    resting->identifier = u"resting";
+    const auto rest = readFile(m_stamper.stamp(sample(), resting).path);
+    engine::PreviewStamper fresh(m_folder.path());
+    for (int step = 0; step < 40; ++step) {
+        wandering->anchor = (step * 5) % 9;
+        wandering->setTitle({step % 7 == 3 ? std::u16string(u" ") : std::u16string(u"Step ") + char16_t(u'A' + step)});
+        const auto path = m_stamper.stamp(sample(), wandering).path;
+        ASSERT_EQ(readFile(path), readFile(fresh.stamp(sample(), wandering).path)) << step;
+        if (step % 3 == 0) {
+            ASSERT_EQ(readFile(m_stamper.stamp(sample(), resting).path), rest) << step;
+        }
+    }
+}
+
+TEST_F(Previews, WhoHasAnOldResultOpenReadsItToTheEnd) {
+    const auto with = configuration(u"Kept");
+    const auto first = m_stamper.stamp(sample(), with).path;
+    const auto bytes = readFile(first);
+    std::ifstream open(first, std::ios::binary);
+    for (int step = 0; step < 6; ++step) {
+        with->setTitle({std::u16string(1, char16_t(u'A' + step))});
+        ASSERT_TRUE(m_stamper.stamp(sample(), with));
+    }
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(open), {}), bytes);
+}
+
+TEST_F(Previews, AResultThatSomebodyRemovedIsMadeAgain) {
+    const auto with = configuration(u"Gone");
+    for (int step = 0; step < 6; ++step) {
+        const auto path = m_stamper.stamp(sample(), with).path;
+        ASSERT_FALSE(QImage(path.c_str()).isNull()) << step;
+        for (const auto& name : m_results.names())
+            std::filesystem::remove(m_results / name);
+    }
 }
 
 TEST_F(Previews, AChangedSampleIsReadAgain) {

@@ -15,8 +15,9 @@ namespace engine {
 /// bitmaps (BMP, 32 bits, rows from the top), which cost least to write and to load. Not for several threads at once.
 class PreviewStamper {
 public:
-    /// Results go into `folder`, an existing folder of the user's own.
-    explicit PreviewStamper(std::filesystem::path folder, std::string defaultFont = "DejaVuSans");
+    /// Results go into `folder`, an existing folder of the user's own, beside a spare file that the next one is made
+    /// in.
+    explicit PreviewStamper(const std::filesystem::path& folder, std::string defaultFont = "DejaVuSans");
     ~PreviewStamper();
 
     /// Stamps `configuration` onto the PNG or JPEG picture `sample` as page 1 of 1, whatever pages it is meant for. A
