@@ -57,6 +57,8 @@ bool NSTextField::takeOverText() {
         taken = *number;
     }
     m_textPending = false;
+    if (!m_former)
+        m_former = Former{value(), m_typedText};
     m_typedText = m_editedText;
     NSControl::setValue(std::move(taken));
     return true;
@@ -83,6 +85,7 @@ bool NSTextField::userChangedText(const std::u16string& text) {
             return false;
         }
         m_editing = true;
+        m_former.reset();
         center.postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
     }
     m_editedText = text;
@@ -115,6 +118,11 @@ bool NSTextField::userEndsEditing(Ending ending) {
 }
 
 void NSTextField::userCancelsEditing() {
+    if (m_editing && m_former) {
+        m_typedText = m_former->typedText;
+        NSControl::setValue(m_former->value);
+    }
+    m_former.reset();
     abandonEditing();
 }
 
@@ -122,6 +130,7 @@ void NSTextField::setValue(NSValue value) {
     m_textPending = false;
     m_unwritten = false;
     m_typedText.reset();
+    m_former.reset();
     showRefusal(Refusal::none);
     NSControl::setValue(std::move(value));
 }

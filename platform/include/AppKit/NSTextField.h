@@ -69,7 +69,8 @@ public:
     bool userChangedText(const std::u16string& text);
     /// The user is about to leave the field or pressed Return. Answers NO where the focus must stay.
     bool userEndsEditing(Ending ending);
-    /// The user pressed Escape: the old text comes back, nothing is sent.
+    /// The user pressed Escape: the text from before the edit comes back, even where somebody asked for the value
+    /// meanwhile, but never over a value that was set meanwhile. Nothing is sent.
     void userCancelsEditing();
 
 protected:
@@ -88,6 +89,12 @@ private:
     std::shared_ptr<const NSNumberFormatter> m_formatter;
     std::u16string m_editedText;
     std::optional<std::u16string> m_typedText; // the value as the user wrote it
+    /// What the field had before this edit was taken over.
+    struct Former {
+        NSValue value;
+        std::optional<std::u16string> typedText;
+    };
+    std::optional<Former> m_former;
     std::size_t m_maximumLength = 0;
     bool m_editing = false;
     bool m_textPending = false; // edited text not yet taken over
