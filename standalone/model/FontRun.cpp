@@ -8,6 +8,8 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <cmath>
+
 namespace model {
 
 namespace {
@@ -63,6 +65,9 @@ std::u16string FontRun::fullFontName() const {
 }
 
 void FontRun::setFullFontName(const std::u16string& name) {
+    // Whoever chose a face that has no name, or no number for a size, chose none.
+    if (name.empty())
+        return;
     m_font = nullptr;
     set(m_fullFontName, std::optional(name));
 }
@@ -80,12 +85,15 @@ void FontRun::setColour(const std::shared_ptr<const host::NSColor>& colour) {
 }
 
 void FontRun::setFontSize(double points) {
+    if (!std::isfinite(points))
+        return;
     m_font = nullptr;
     set(m_fontSize, points);
 }
 
 void FontRun::setStrokeWidth(double points) {
-    set(m_strokeWidth, points);
+    if (std::isfinite(points))
+        set(m_strokeWidth, points);
 }
 
 void FontRun::setOutline(bool outline) {
