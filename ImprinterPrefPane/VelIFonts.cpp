@@ -147,8 +147,8 @@ std::shared_ptr<NSMenu> VelIFonts::fontAttributeMenuForFontUseFont(const std::u1
     NSInteger place = 0;
     for (const auto& attribute : sortedKeys(*faces)) {
         const bool first = caseInsensitiveCompare(attribute, regular) == 0;
-        const auto item = menu->insertItemWithTitleActionKeyEquivalentAtIndex(attribute, u"", u"",
-                                                                              first ? 0 : menu->numberOfItems());
+        const auto item =
+            menu->insertItemWithTitleActionKeyEquivalentAtIndex(attribute, u"", u"", first ? 0 : menu->numberOfItems());
         item->setTag(place++);
         if (useFont)
             item->setAttributedTitle(attributedStringInFont(attribute, faces->at(attribute)));
@@ -169,9 +169,8 @@ std::shared_ptr<NSAttributedString> VelIFonts::attributedStringInFontForFontFami
     return fullFontName ? attributedStringInFont(string, *fullFontName) : nullptr;
 }
 
-std::optional<std::u16string>
-VelIFonts::fullFontNameForFamilyAttibute(const std::optional<std::u16string>& family,
-                                         const std::optional<std::u16string>& attribute) {
+std::optional<std::u16string> VelIFonts::fullFontNameForFamilyAttibute(const std::optional<std::u16string>& family,
+                                                                       const std::optional<std::u16string>& attribute) {
     const auto* const faces = family ? facesOf(*family) : nullptr;
     if (!faces || !attribute)
         return std::nullopt;
@@ -207,7 +206,8 @@ const VelIFonts::FaceTable* VelIFonts::facesOfFamilyContaining(const std::u16str
 std::shared_ptr<NSAttributedString> attributedStringInFont(const std::u16string& string,
                                                            const std::u16string& fullFontName) {
     return std::make_shared<NSAttributedString>(
-        string, NSAttributedString::Attributes{{NSFontAttributeName, NSFont::fontWithNameSize(fullFontName, sampleSize)}});
+        string,
+        NSAttributedString::Attributes{{NSFontAttributeName, NSFont::fontWithNameSize(fullFontName, sampleSize)}});
 }
 
 } // namespace pane

@@ -20,11 +20,10 @@ std::shared_ptr<NSFont> NSAttributedString::font() const {
 }
 
 bool operator==(const NSAttributedString& a, const NSAttributedString& b) {
-    return a.m_string == b.m_string &&
-           std::equal(a.m_attributes.begin(), a.m_attributes.end(), b.m_attributes.begin(), b.m_attributes.end(),
-                      [](const auto& one, const auto& other) {
-                          return one.first == other.first && *one.second == *other.second;
-                      });
+    return a.m_string == b.m_string && std::equal(a.m_attributes.begin(), a.m_attributes.end(), b.m_attributes.begin(),
+                                                  b.m_attributes.end(), [](const auto& one, const auto& other) {
+                                                      return one.first == other.first && *one.second == *other.second;
+                                                  });
 }
 
 } // namespace platform

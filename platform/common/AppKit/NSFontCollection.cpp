@@ -15,7 +15,8 @@ NSArray<std::shared_ptr<NSFontDescriptor>> NSFontCollection::matchingDescriptors
     descriptors->reserve(names.size());
     for (auto& name : names) {
         NSFontDescriptor::Attributes attributes;
-        attributes.emplace(NSFontNameAttribute, std::move(name));
+        if (!name.empty())
+            attributes.emplace(NSFontNameAttribute, std::move(name));
         descriptors->push_back(std::make_shared<NSFontDescriptor>(std::move(attributes)));
     }
     return descriptors;

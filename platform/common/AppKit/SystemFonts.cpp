@@ -82,8 +82,8 @@ FontNames deriveNames(const FcPattern* face) {
     const auto full = textIn(face, FC_FULLNAME, FC_FULLNAMELANG, language);
     const auto style = textIn(face, FC_STYLE, FC_STYLELANG, language).value_or(textOf(face, FC_STYLE));
 
-    const bool named = full && full->starts_with(*family) &&
-                       (full->size() == family->size() || (*full)[family->size()] == ' ');
+    const bool named =
+        full && full->starts_with(*family) && (full->size() == family->size() || (*full)[family->size()] == ' ');
     FontNames names{fromUtf8(textOf(face, FC_POSTSCRIPT_NAME)), fromUtf8(*family), {}};
     if (named)
         names.displayName = fromUtf8(*full);
@@ -166,8 +166,8 @@ private:
         if (name.empty() || !counts(face))
             return;
         const auto [place, isNew] = m_byName.try_emplace(name, m_entries.size());
-        m_entries.push_back({face, name, isNew ? none : std::exchange(place->second, m_entries.size()),
-                             name.front() != '.', nullptr});
+        m_entries.push_back(
+            {face, name, isNew ? none : std::exchange(place->second, m_entries.size()), name.front() != '.', nullptr});
     }
 
     void leaveOutDoubles() {
