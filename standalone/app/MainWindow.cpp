@@ -76,7 +76,7 @@ void MainWindow::showPane() {
 }
 
 void MainWindow::refreshPane() {
-    const QPointer<QWidget> focus = QApplication::focusWidget();
+    const QPointer<QWidget> focus = focusWidget();
     setUpdatesEnabled(false);
     m_pane->refresh(m_session.model());
     if (focus && focus->isVisible())

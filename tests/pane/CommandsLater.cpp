@@ -171,4 +171,54 @@ TEST_F(CommandsLater, TheDelayIsRealOnTheEventLoop) {
     EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
 }
 
+TEST_F(CommandsLater, CreatingThenRenamingRenamesTheRowStillSelected) {
+    startWith({u"a", u"b"});
+    choose("New Configuration");
+    rename("z");
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"z", "b", "New Imprinter"}));
+    EXPECT_EQ(table()->selectedRow(), 2);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, CreatingThenMovingARowSelectsTheNewOneWhereItIsThen) {
+    startWith({u"a", u"b"});
+    choose("New Configuration");
+    ASSERT_TRUE(dropAbove(0, rowsFrom("rows_2_to_4.binary")));
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"New Imprinter", "a", "b"}));
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, DeletingThenCreatingShowsTheNewOneInTheEnd) {
+    startWith({u"a", u"b"});
+    pressDelete();
+    choose("New Configuration");
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"b", "New Imprinter"}));
+    EXPECT_EQ(table()->selectedRow(), 1);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, DeletingThenMovingShowsWhatStandsInTheRowThen) {
+    startWith({u"a", u"b", u"c", u"d"});
+    pressDelete();
+    ASSERT_TRUE(dropAbove(0, rowsFrom("rows_2_to_4.binary")));
+    EXPECT_EQ(rows(), (Names{"d", "b", "c"}));
+    waitForSelection();
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[3]);
+}
+
+TEST_F(CommandsLater, DeletingThenClickingARowShowsTheNextOneAllTheSame) {
+    startWith({u"a", u"b", u"c"});
+    pressDelete();
+    clickRow(1);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[2]);
+    waitForSelection();
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[1]);
+}
+
 } // namespace

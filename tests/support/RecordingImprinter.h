@@ -184,8 +184,11 @@ public:
                               host::NSInteger index) override {
         note("imprintFileAtURLWithIndex " + (url ? url->path().filename().string() : "nil") + " " +
              (configuration ? nameOf(*configuration) : "nil") + " " + std::to_string(index));
+        m_stampedFrom = url;
         return m_stampResult;
     }
+    /// The page that was to be stamped last.
+    const std::optional<host::NSURL>& stampedFrom() const { return m_stampedFrom; }
 
 private:
     using List = std::vector<std::shared_ptr<host::ImprinterConfiguration>>;
@@ -208,6 +211,7 @@ private:
     MessageLog& m_log;
     std::shared_ptr<std::vector<std::shared_ptr<host::ImprinterConfiguration>>> m_list;
     std::optional<host::NSURL> m_stampResult;
+    std::optional<host::NSURL> m_stampedFrom;
     int m_numberMade = 0;
 };
 
