@@ -83,7 +83,7 @@ OrderPalette::OrderPalette(model::ImprinterModel& model, PaneHost& pane, std::fu
     connect(m_list, &QListWidget::currentRowChanged, this, [this] { choose(); });
     m_list->setMayMove([this] { return mayMove(); });
     // The pane moves the row, and leaves the selection to its host.
-    m_list->setDropped([this] { m_refreshPane(); });
+    m_list->setDropped([this] { showMoved(); });
 }
 
 OrderPalette::~OrderPalette() = default;
@@ -124,10 +124,17 @@ void OrderPalette::move(int direction) {
     m_model.moveConfigurationAtIndexTo(static_cast<NSUInteger>(row),
                                        static_cast<NSUInteger>(direction < 0 ? target : target + 1));
     refresh();
+    showMoved();
+}
+
+void OrderPalette::showMoved() {
     m_refreshPane();
+    if (m_focus && m_focus->isVisible() && m_focus->isEnabled())
+        m_focus->setFocus();
 }
 
 bool OrderPalette::mayMove() {
+    m_focus = parentWidget()->focusWidget(); // ending the edit takes it away
     if (m_pane.commitEditing())
         return true;
     // What the field refuses is said where it stands.

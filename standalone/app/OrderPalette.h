@@ -6,6 +6,7 @@
 #include <model/ImprinterModel.h>
 
 #include <QListWidget>
+#include <QPointer>
 
 class QPushButton;
 
@@ -51,12 +52,15 @@ private:
     void move(int direction);
     /// NO where the pane has an edit that cannot be ended.
     bool mayMove();
+    /// Shows the new order in the pane, and leaves the focus there where it was.
+    void showMoved();
     /// Remembers the selected configuration and enables what can be done with it.
     void choose();
 
     model::ImprinterModel& m_model;
     PaneHost& m_pane;
     std::function<void()> m_refreshPane;
+    QPointer<QWidget> m_focus;
     std::weak_ptr<host::ImprinterConfiguration> m_chosen;
     OrderList* m_list;
     QPushButton* m_up;
