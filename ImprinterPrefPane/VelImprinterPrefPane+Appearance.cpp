@@ -5,7 +5,9 @@ using namespace platform;
 
 namespace pane {
 
-void VelImprinterPrefPane::initAppearance() {}
+void VelImprinterPrefPane::initAppearance() {
+    setUpTitleField();
+}
 void VelImprinterPrefPane::translateAppearanceUI() {}
 void VelImprinterPrefPane::enableAppearenceControls(bool) {}
 void VelImprinterPrefPane::updateAppearance() {}
@@ -18,7 +20,13 @@ void VelImprinterPrefPane::onBorderColourChanged(const std::shared_ptr<NSObject>
 void VelImprinterPrefPane::onBorderThicknessChanged(const std::shared_ptr<NSObject>&) {}
 void VelImprinterPrefPane::onFillChanged(const std::shared_ptr<NSObject>&) {}
 void VelImprinterPrefPane::onFillColourChanged(const std::shared_ptr<NSObject>&) {}
-void VelImprinterPrefPane::fontPopuWillBeDisplayed(const NSNotification&) {}
+
+void VelImprinterPrefPane::onSelectFont(const std::shared_ptr<NSObject>& sender) {
+    const auto chosen = tell(std::dynamic_pointer_cast<NSMenuItem>(sender), &NSMenuItem::representedObject);
+    const auto* object = std::get_if<std::shared_ptr<NSObject>>(&chosen);
+    if (object && *object)
+        m_currentFont = std::dynamic_pointer_cast<host::ImprinterFont>(*object);
+}
 
 double VelImprinterPrefPane::fontSizeValue() const {
     return tell(m_currentFont, &host::ImprinterFont::fontSize);

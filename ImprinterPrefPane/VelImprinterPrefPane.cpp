@@ -130,6 +130,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .action(u"onChangePosition:", &Pane::onChangePosition)
         .action(u"onRotationChanged:", &Pane::onRotationChanged)
         .action(u"onOccuranceChanged:", &Pane::onOccuranceChanged)
+        .action(u"onSelectFont:", &Pane::onSelectFont)
+        .action(u"addTokenItem:", &Pane::addTokenItem)
         .action(u"onFontColourChanged:", &Pane::onFontColourChanged)
         .action(u"onFontAttributeSegChanged:", &Pane::onFontAttributeSegChanged)
         .action(u"onBorderStyleChanged:", &Pane::onBorderStyleChanged)

@@ -165,7 +165,7 @@ TEST_F(Preview, AnOpenPopoverFollowsTheTitleWithinTheSameNotification) {
     imprinter->setStampResult(blue);
     taken();
     changeTitle();
-    EXPECT_EQ(taken(), MessageLog{stamping("a")});
+    EXPECT_EQ(taken(), (MessageLog{"a setTitleTokens", stamping("a")}));
     EXPECT_EQ(shownColour(), QColor(Qt::blue));
 }
 

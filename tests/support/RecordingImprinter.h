@@ -35,8 +35,11 @@ public:
         bool fillEnabled = false;
         std::shared_ptr<const host::NSColor> fillColour;
         double fillOpacity = 1;
+        host::NSArray<host::TitleToken> titleTokens;
     };
     Values values;
+    /// Makes the runs that the pane asks for; none without it.
+    std::function<std::shared_ptr<host::ImprinterFont>()> makeFont;
     /// Runs when the pane asks whether this is a combined configuration, the first thing it asks on switching to it.
     std::function<void()> onSwitch;
 
@@ -54,14 +57,16 @@ public:
     void deleteConfiguration(const std::shared_ptr<host::ImprinterConfiguration>&) override {
         note("deleteConfiguration");
     }
-    std::shared_ptr<host::ImprinterFont> createFontToken() override { return note("createFontToken"), nullptr; }
+    std::shared_ptr<host::ImprinterFont> createFontToken() override {
+        return note("createFontToken"), makeFont ? makeFont() : nullptr;
+    }
     host::NSInteger duplicateRecord() const override { return note("duplicateRecord"), values.duplicateRecord; }
     void setDuplicateRecord(host::NSInteger code) override {
         note("setDuplicateRecord " + std::to_string(code)), values.duplicateRecord = code;
     }
-    host::NSArray<host::TitleToken> titleTokens() const override { return note("titleTokens"), m_titleTokens; }
+    host::NSArray<host::TitleToken> titleTokens() const override { return note("titleTokens"), values.titleTokens; }
     void setTitleTokens(const host::NSArray<host::TitleToken>& tokens) override {
-        note("setTitleTokens"), m_titleTokens = tokens;
+        note("setTitleTokens"), values.titleTokens = tokens;
     }
     host::NSInteger position() const override { return note("position"), values.position; }
     void setPosition(host::NSInteger anchor) override {
@@ -123,7 +128,6 @@ private:
     bool m_combined;
     std::u16string m_name;
     host::ConfigurationArray m_members;
-    host::NSArray<host::TitleToken> m_titleTokens;
 };
 
 /// A host that honours the contract and records every message.
