@@ -129,14 +129,15 @@ void VelImprinterPrefPane::updateFontSelections(const FontRuns& fonts) {
     if (fonts.empty())
         return;
     m_currentFont = fonts.front();
+    tell(m_fontPopup, &VelIFontPopupButton::updatePopupForFont, m_currentFont->font());
     const auto size = static_cast<float>(m_currentFont->fontSize());
     tell(m_fontSizeField, &NSControl::setFloatValue, size);
     tell(m_fontSizeStepper, &NSControl::setFloatValue, size);
 }
 
 void VelImprinterPrefPane::selectedFontUpdatedFullFontName(const std::shared_ptr<VelIFontPopupButton>&,
-                                                           const std::u16string& fullFontName) {
-    tell(m_currentFont, &host::ImprinterFont::setFullFontName, fullFontName);
+                                                           const std::optional<std::u16string>& fullFontName) {
+    setNameOfCurrentFont(fullFontName);
     updatePreview();
 }
 
@@ -301,8 +302,8 @@ void VelImprinterPrefPane::insertPlaceholderTitleToMenuAtIndex(const std::u16str
                                                                const std::u16string& title,
                                                                const std::shared_ptr<NSMenu>& menu, NSInteger index) {
     const auto localTitle = localized(title);
-    const auto item = tell(menu, &NSMenu::insertItemWithTitleActionKeyEquivalentAtIndex, u"", u"addTokenItem:", u"",
-                           index);
+    const auto item =
+        tell(menu, &NSMenu::insertItemWithTitleActionKeyEquivalentAtIndex, u"", u"addTokenItem:", u"", index);
     tell(item, &NSMenuItem::setTarget, shared_from_this());
     const auto cell = std::make_shared<NSTokenFieldCell>(localTitle);
     cell->setTokenizingCharacterSet(newlineCharacterSet);

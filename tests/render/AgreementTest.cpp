@@ -34,7 +34,7 @@ private:
 
 std::shared_ptr<support::PlainConfiguration> anyConfiguration(Chance& chance) {
     static const char16_t* const faces[] = {u"DejaVuSans", u"DejaVuSans-Bold", u"DejaVuSerif", u"DejaVuSansMono"};
-    static const char16_t* const texts[] = {u"Received ", u"No. 4711",  u"fi ffl ", u"Übergröße",
+    static const char16_t* const texts[] = {u"Received ", u"No. 4711",   u"fi ffl ", u"Übergröße",
                                             u"שלום ",     u"two\nlines", u"Привет ", u"CONFIDENTIAL"};
     std::vector<host::TitleToken> tokens;
     for (int run = chance.upTo(2); run >= 0; --run) {
@@ -80,10 +80,9 @@ TEST(Agreement, PicturesAndDocumentsDifferInLessThanTwoPercentOfTheirPixels) {
     const Folder folder;
     const auto plain = folder / "plain.png";
     ASSERT_TRUE(white(827, 1169, QImage::Format_RGB32, kDotsPerInch).save(plain.c_str(), "png"));
-    writeFile(folder / "in.pdf", document(kConfigurations,
-                                          "/MediaBox [0 0 " + std::to_string(kWidth) + " " + std::to_string(kHeight) +
-                                              "]",
-                                          ""));
+    writeFile(folder / "in.pdf",
+              document(kConfigurations,
+                       "/MediaBox [0 0 " + std::to_string(kWidth) + " " + std::to_string(kHeight) + "]", ""));
     Chance chance(20261121);
     std::vector<std::shared_ptr<support::PlainConfiguration>> all;
     for (int page = 1; page <= kConfigurations; ++page) {
