@@ -67,6 +67,7 @@ std::string namesOf(const Configurations& configurations) {
 struct StampArguments {
     std::vector<std::string> configurations;
     fs::path output;
+    engine::Saving saving = engine::Saving::automatic;
     std::vector<fs::path> files;
 };
 
@@ -87,6 +88,10 @@ std::optional<StampArguments> parse(const std::vector<std::string>& arguments, s
                 parsed.output = arguments[++i];
             else
                 parsed.configurations.push_back(arguments[++i]);
+        } else if (options && argument == "--incremental") {
+            parsed.saving = engine::Saving::update;
+        } else if (options && argument == "--rewrite") {
+            parsed.saving = engine::Saving::rewrite;
         } else if (options && argument.starts_with("-")) {
             problem = "unknown option " + argument;
             return std::nullopt;
@@ -234,6 +239,7 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
         return complain(usage, collision);
 
     engine::StampJob job;
+    job.saving = wanted->saving;
     const auto configurations = read(store);
     if (!configurations)
         return noConfiguration;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "PdfObjects.h"
+
 #include <engine/Stamp.h>
 
-#include <qpdf/QPDF.hh>
-
 #include <map>
+#include <set>
 
 namespace engine {
 
@@ -17,21 +18,21 @@ public:
         std::shared_ptr<const Face> face;
         std::string resourceName;                       ///< "/F0"
         std::map<std::uint32_t, std::u16string> glyphs; ///< Each used glyph with the text it stands for.
-        std::map<std::uint32_t, unsigned> codes;        ///< Two-byte codes by glyph; filled by `embed`.
-        QPDFObjectHandle object;
+        std::map<std::uint32_t, unsigned> codes;        ///< Two-byte codes by glyph; filled by `subset`.
+        std::string program;
     };
 
     void collect(const Stamp& stamp);
 
-    /// Writes the fonts into `document`. A face that may not or cannot be embedded is not among `fontFor` afterwards;
-    /// `report` says so.
-    void embed(QPDF& document, std::set<std::string>& sentences);
+    /// Makes the subsets, once all stamps are collected. A face that may not or cannot be embedded is not among
+    /// `fontFor` afterwards; `sentences` says so.
+    void subset(std::set<std::string>& sentences);
 
     /// Null for faces that are drawn as outlines.
     const Font* fontFor(const Face& face) const;
 
-    /// A dictionary of resource names and fonts.
-    QPDFObjectHandle resources() const;
+    /// Adds the fonts and answers a dictionary of resource names and fonts.
+    std::string write(PdfObjects& objects) const;
 
 private:
     std::map<const Face*, Font> m_fonts;

@@ -168,17 +168,15 @@ void PdfPainter::paintPath(std::string& content, const PathShape& shape) {
     content += shape.stroked ? "S\n" : "f\n";
 }
 
-QPDFObjectHandle PdfPainter::resources() const {
-    auto dictionary = QPDFObjectHandle::newDictionary();
-    dictionary.replaceKey("/Font", m_fonts.resources());
+std::string PdfPainter::writeResources(PdfObjects& objects) const {
+    std::string dictionary = "<</Font " + m_fonts.write(objects);
     if (!m_opacities.empty()) {
-        auto states = QPDFObjectHandle::newDictionary();
+        dictionary += "/ExtGState<<";
         for (const auto& [opacity, name] : m_opacities)
-            states.replaceKey(
-                name, QPDFObjectHandle::parse("<< /Type /ExtGState /ca " + opacity + " /CA " + opacity + " >>"));
-        dictionary.replaceKey("/ExtGState", states);
+            dictionary += name + "<</Type/ExtGState/ca " + opacity + "/CA " + opacity + ">>";
+        dictionary += ">>";
     }
-    return dictionary;
+    return dictionary + ">>";
 }
 
 } // namespace engine

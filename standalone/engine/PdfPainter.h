@@ -14,8 +14,8 @@ public:
 
     std::string paint(const Stamp& stamp);
 
-    /// For all stamps painted so far.
-    QPDFObjectHandle resources() const;
+    /// Adds what all stamps painted so far name, and answers a dictionary of it.
+    std::string writeResources(PdfObjects& objects) const;
 
 private:
     void setColour(std::string& content, const Colour& colour, bool stroked);

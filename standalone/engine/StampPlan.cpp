@@ -53,14 +53,4 @@ std::u16string accountName() {
     return platform::fromUtf8(name.empty() ? account->pw_name : name);
 }
 
-const std::shared_ptr<const Stamp>& StampCache::stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,
-                                                         Report& report) {
-    auto title = resolveTitle(plan.appearance, facts, report);
-    const auto found = m_stamps.find(title);
-    if (found != m_stamps.end())
-        return found->second;
-    auto stamp = layOut(plan.appearance, title, faces, report);
-    return m_stamps.emplace(std::move(title), std::move(stamp)).first->second;
-}
-
 } // namespace engine

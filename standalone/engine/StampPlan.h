@@ -3,8 +3,6 @@
 
 #include <engine/Layout.h>
 
-#include <unordered_map>
-
 namespace engine {
 
 /// One ordinary configuration, read once for a run.
@@ -25,16 +23,5 @@ std::vector<StampPlan> planStamps(const std::vector<std::shared_ptr<host::Imprin
 
 /// What the account calls its user: the full name, else the short one.
 std::u16string accountName();
-
-/// The laid-out titles of one plan, each distinct one made once.
-class StampCache {
-public:
-    /// Null for a blank title.
-    const std::shared_ptr<const Stamp>& stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,
-                                                 Report& report);
-
-private:
-    std::unordered_map<std::u16string, std::shared_ptr<const Stamp>> m_stamps;
-};
 
 } // namespace engine

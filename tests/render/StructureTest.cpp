@@ -153,7 +153,7 @@ TEST(PdfStructure, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
 TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >>"));
     EXPECT_EQ(work.stamp().code, Code::isSigned);
-    work.task.breakSignatures = true;
+    work.task.allowSigned = true;
     EXPECT_TRUE(work.stamp());
 }
 
@@ -167,7 +167,7 @@ TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
 
 TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >> /Perms << /DocMDP << /Type /Sig >> >>"));
-    work.task.breakSignatures = true;
+    work.task.allowSigned = true;
     EXPECT_EQ(work.stamp().code, Code::certified);
 }
 

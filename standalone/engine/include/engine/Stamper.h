@@ -9,6 +9,13 @@
 
 namespace engine {
 
+/// How a document is written.
+enum class Saving {
+    automatic, ///< Updated where that is possible, unless it is linearized; else written anew.
+    update,    ///< Updated; a failure where that is impossible.
+    rewrite,   ///< Written anew; signed documents are updated nevertheless.
+};
+
 /// One file to stamp. Plain values; the configurations are read when the job runs.
 struct StampJob {
     std::filesystem::path input;
@@ -21,9 +28,12 @@ struct StampJob {
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
-    std::string password;                   ///< The user's or owner's, as bytes; for encrypted documents.
-    bool inPlace = false;                   ///< Output and input may be one file.
-    bool breakSignatures = false;           ///< Stamp signed documents too, which makes their signatures invalid.
+    std::string password; ///< The user's or owner's, as bytes; for encrypted documents.
+    bool inPlace = false; ///< Output and input may be one file.
+    /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
+    bool allowSigned = false;
+    Saving saving = Saving::automatic;      ///< Documents only.
+    unsigned threads = 2;                   ///< How many the work on the file may take.
     bool deterministic = false;             ///< The same job gives the same bytes (not for encrypted documents).
     std::string defaultFont = "DejaVuSans"; ///< PostScript name; see `FaceLibrary`.
 

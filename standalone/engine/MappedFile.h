@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace engine {
+
+/// A file whose bytes are read where they are. It has to stay as it is until this object is gone.
+class MappedFile {
+public:
+    /// Throws `Failure`.
+    explicit MappedFile(const std::filesystem::path& path);
+    ~MappedFile();
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    std::string_view bytes() const { return m_bytes; }
+    int descriptor() const { return m_descriptor; }
+
+private:
+    int m_descriptor = -1;
+    std::string_view m_bytes;
+};
+
+} // namespace engine
