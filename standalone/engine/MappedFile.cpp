@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-
 namespace engine {
 
 MappedFile::MappedFile(const std::filesystem::path& path) : m_descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
@@ -28,6 +27,11 @@ MappedFile::MappedFile(const std::filesystem::path& path) : m_descriptor(::open(
         ::close(m_descriptor);
         throw Failure(Code::unreadable, "The file cannot be read.");
     }
+}
+
+void MappedFile::release() const {
+    if (!m_bytes.empty())
+        ::madvise(const_cast<char*>(m_bytes.data()), m_bytes.size(), MADV_DONTNEED);
 }
 
 MappedFile::~MappedFile() {

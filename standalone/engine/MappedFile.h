@@ -16,6 +16,8 @@ public:
     MappedFile& operator=(const MappedFile&) = delete;
 
     std::string_view bytes() const { return m_bytes; }
+    /// Gives the memory back that reading has taken so far; what is read again comes from the file again.
+    void release() const;
     int descriptor() const { return m_descriptor; }
 
 private:

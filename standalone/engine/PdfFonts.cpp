@@ -210,59 +210,54 @@ std::string writeFont(PdfObjects& objects, const PdfFonts::Font& font) {
 
 } // namespace
 
-void PdfFonts::collect(const Stamp& stamp) {
-    for (const auto& shape : stamp.shapes) {
-        const auto* run = std::get_if<GlyphRun>(&shape);
-        if (!run)
-            continue;
-        auto& font = m_fonts[run->face.get()];
-        font.face = run->face;
-        const auto& glyphs = run->glyphs;
-        for (std::size_t i = 0; i < glyphs.size(); ++i) {
-            // A glyph that shares its cluster with others stands for no text of its own.
-            const bool alone = !glyphs[i].text.empty() && (i + 1 == glyphs.size() || !glyphs[i + 1].text.empty());
-            auto& text = font.glyphs[glyphs[i].glyph];
-            if (alone && text.empty())
-                text = glyphs[i].text;
-        }
+const PdfFonts::Font* PdfFonts::collect(const GlyphRun& run) {
+    const Face* const face = run.face.get();
+    if (!face->mayBeEmbedded() || m_outlined.count(face) > 0) {
+        m_outlined.insert(face);
+        m_outlinedFaces.insert(face->postScriptName());
+        return nullptr;
     }
+    const auto [place, isNew] = m_fonts.try_emplace(face);
+    auto& font = place->second;
+    if (isNew) {
+        font.face = run.face;
+        font.number = static_cast<std::uint16_t>(m_order.size());
+        m_order.push_back(&font);
+    }
+    const auto& glyphs = run.glyphs;
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        // A glyph that shares its cluster with others stands for no text of its own.
+        const bool alone = !glyphs[i].text.empty() && (i + 1 == glyphs.size() || !glyphs[i + 1].text.empty());
+        auto& text = font.glyphs[glyphs[i].glyph];
+        if (alone && text.empty())
+            text = glyphs[i].text;
+    }
+    return &font;
 }
 
-void PdfFonts::subset(std::set<std::string>& sentences) {
-    // By name, so that the same job numbers its fonts alike.
-    std::vector<Font*> order;
-    for (auto& [face, font] : m_fonts)
-        order.push_back(&font);
-    std::sort(order.begin(), order.end(), [](const Font* a, const Font* b) {
-        return std::pair(a->face->file(), a->face->index()) < std::pair(b->face->file(), b->face->index());
-    });
-    std::size_t number = 0;
-    for (auto* font : order) {
-        auto program = font->face->mayBeEmbedded() ? engine::subset(*font->face, font->glyphs) : std::nullopt;
+bool PdfFonts::subset() {
+    bool whole = true;
+    for (auto& [face, font] : m_fonts) {
+        auto program = engine::subset(*face, font.glyphs);
         if (!program) {
-            sentences.insert("The font \"" + font->face->postScriptName() +
-                             "\" may not be embedded; its text is drawn as outlines and cannot be searched.");
-            m_fonts.erase(font->face.get());
+            m_outlined.insert(face);
+            whole = false;
             continue;
         }
-        font->resourceName = "/F" + std::to_string(number++);
-        font->codes = std::move(program->codes);
-        font->program = std::move(program->bytes);
+        font.codes = std::move(program->codes);
+        font.program = std::move(program->bytes);
     }
-}
-
-const PdfFonts::Font* PdfFonts::fontFor(const Face& face) const {
-    const auto found = m_fonts.find(&face);
-    return found == m_fonts.end() ? nullptr : &found->second;
+    if (!whole) {
+        m_fonts.clear();
+        m_order.clear();
+    }
+    return whole;
 }
 
 std::string PdfFonts::write(PdfObjects& objects) const {
-    std::map<std::string, const Font*> byName;
-    for (const auto& [face, font] : m_fonts)
-        byName.emplace(font.resourceName, &font);
     std::string dictionary = "<<";
-    for (const auto& [name, font] : byName)
-        dictionary += name + ' ' + writeFont(objects, *font);
+    for (const auto* font : m_order)
+        dictionary += font->resourceName() + ' ' + writeFont(objects, *font);
     return dictionary + ">>";
 }
 

@@ -34,7 +34,7 @@ public:
 
 private:
     QPDF& m_document;
-    std::map<std::string, QPDFObjectHandle, std::less<>> m_entries; ///< Parsed once; their values are shared.
+    std::map<std::string, QPDFObjectHandle, std::less<>> m_entries; ///< Parsed once, and shared.
 };
 
 } // namespace engine

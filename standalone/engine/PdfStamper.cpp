@@ -21,6 +21,7 @@
 #include <cmath>
 #include <deque>
 #include <future>
+#include <memory>
 #include <unordered_map>
 
 namespace engine {
@@ -148,8 +149,7 @@ std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents) {
 /// Writes stamps onto pages.
 class PageWriter {
 public:
-    PageWriter(PdfObjects& objects, const std::vector<StampPlan>& plans, const StampPress& press,
-               const ContentReader& reader)
+    PageWriter(PdfObjects& objects, const std::vector<StampPlan>& plans, StampPress& press, const ContentReader& reader)
         : m_objects(objects), m_plans(plans), m_press(press), m_reader(reader),
           m_resources(objects.add(press.painter().writeResources(objects))), m_forms(press.forms().size()) {
         for (const auto& plan : plans)
@@ -273,7 +273,7 @@ private:
         auto& reference = m_forms[number];
         if (!reference.empty())
             return reference;
-        const auto& form = m_press.forms()[number];
+        auto& form = m_press.forms()[number];
         std::string entries = "/Subtype/Form/BBox [";
         // A point of air, since renderers clip to whole pixels of the box.
         for (const double edge : {std::floor(form.ink.llx - 1), std::floor(form.ink.lly - 1),
@@ -284,12 +284,14 @@ private:
         entries += "]/Resources " + m_resources;
         if (form.deflated)
             entries += "/Filter/FlateDecode";
-        return reference = m_objects.addStream(entries, form.content);
+        reference = m_objects.addStream(entries, form.content);
+        form.content = {}; // it is in the document now
+        return reference;
     }
 
     PdfObjects& m_objects;
     const std::vector<StampPlan>& m_plans;
-    const StampPress& m_press;
+    StampPress& m_press;
     const ContentReader& m_reader;
     std::string m_resources; ///< A reference, as are the following.
     std::vector<std::string> m_forms;
@@ -345,7 +347,7 @@ public:
     PressRun& operator=(const PressRun&) = delete;
 
     std::size_t pageCount() const { return m_pageCount; }
-    const StampPress& finish() {
+    StampPress& finish() {
         m_done.get();
         return m_press;
     }
@@ -385,7 +387,7 @@ public:
         }
 
         const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();
-        ContentReader reader(inFile ? bytes : std::string_view(), aside);
+        auto reader = std::make_unique<ContentReader>(inFile ? bytes : std::string_view(), aside);
         std::vector<Page> sources;
         sources.reserve(pages.size());
         Inheritance inheritance;
@@ -406,16 +408,18 @@ public:
             const auto attributes = inheritance.of(page);
             source.geometry = geometryOf(page, attributes);
             source.resources = attributes.resources;
-            source.content = reader.add(streamsOf(page.getKey("/Contents")));
+            source.content = reader->add(streamsOf(page.getKey("/Contents")));
         }
-        reader.finish(m_document.anyWarnings());
-        const auto& stamps = press->finish();
+        reader->finish(m_document.anyWarnings());
+        auto& stamps = press->finish();
         m_report.sentences.insert(stamps.report().sentences.begin(), stamps.report().sentences.end());
         if (stamps.stampedPages() == 0)
             throw Failure(Code::nothingToStamp, "There is nothing to stamp on any page of the document.");
 
+        const auto stampedPages = stamps.stampedPages();
         const auto write = [&](PdfObjects& objects, double last) {
-            PageWriter writer(objects, plans, stamps, reader);
+            m_file.release();
+            PageWriter writer(objects, plans, stamps, *reader);
             for (std::size_t i = 0; i < pages.size(); ++i) {
                 if (i % 64 == 0)
                     m_progress.tell(0.4 + (last - 0.4) * static_cast<double>(i) / static_cast<double>(pages.size()),
@@ -424,6 +428,11 @@ public:
                     writer.stamp(pages[i], sources[i].geometry, sources[i].resources, sources[i].content,
                                  stamps.pages()[i]);
             }
+            // The writer of the document needs none of it.
+            sources = {};
+            reader.reset();
+            press.reset();
+            inheritance = {};
         };
         if (mayUpdate())
             update(write);
@@ -431,7 +440,7 @@ public:
             rewrite(write);
         if (m_document.anyWarnings())
             m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
-        return stamps.stampedPages();
+        return stampedPages;
     }
 
 private:
@@ -484,8 +493,11 @@ private:
             if (m_job.deterministic && !m_document.isEncrypted())
                 writer.setDeterministicID(true);
             const auto pageCount = m_document.getAllPages().size();
-            writer.registerProgressReporter(std::make_shared<QPDFWriter::FunctionProgressReporter>(
-                [this, pageCount](int percent) { m_progress.tell(0.6 + 0.004 * percent, pageCount); }));
+            writer.registerProgressReporter(
+                std::make_shared<QPDFWriter::FunctionProgressReporter>([this, pageCount](int percent) {
+                    m_file.release();
+                    m_progress.tell(0.6 + 0.004 * percent, pageCount);
+                }));
             writer.write();
         } catch (const QPDFSystemError& error) {
             throw std::system_error(error.getErrno(), std::generic_category());

@@ -12,25 +12,29 @@
 namespace engine {
 
 void StampPress::run(std::size_t pageCount) {
-    std::vector<std::shared_ptr<const Stamp>> stamps;
-    layOutAll(pageCount, stamps);
-    m_fonts.subset(m_report.sentences);
+    std::vector<PdfPainter::Content> contents;
+    do
+        paintAll(pageCount, contents);
+    while (!m_stopped && !m_fonts.subset());
+    for (const auto& name : m_fonts.outlinedFaces())
+        m_report.sentences.insert("The font \"" + name + "\" may not be embedded; its text is drawn as outlines and " +
+                                  "cannot be searched.");
     Flate flate;
-    m_forms.reserve(stamps.size());
-    for (auto& stamp : stamps) {
-        if (m_stopped)
-            return;
-        auto content = m_painter.paint(*stamp);
-        auto smaller = flate.deflate(content);
-        const bool deflated = smaller.size() + 20 < content.size(); // the filter's entry
-        m_forms.push_back({stamp->size, stamp->ink, deflated ? std::move(smaller) : std::move(content), deflated});
-        m_forms.back().content.shrink_to_fit();
-        stamp.reset();
+    for (std::size_t i = 0; i < contents.size() && !m_stopped; ++i) {
+        auto& content = contents[i];
+        m_painter.fillCodes(content);
+        auto smaller = flate.deflate(content.text);
+        m_forms[i].deflated = smaller.size() + 20 < content.text.size(); // the filter's entry
+        m_forms[i].content = m_forms[i].deflated ? std::move(smaller) : std::move(content.text);
+        m_forms[i].content.shrink_to_fit();
+        content = {};
     }
 }
 
-void StampPress::layOutAll(std::size_t pageCount, std::vector<std::shared_ptr<const Stamp>>& stamps) {
-    m_pages.resize(pageCount);
+void StampPress::paintAll(std::size_t pageCount, std::vector<PdfPainter::Content>& contents) {
+    contents.clear();
+    m_forms.clear();
+    m_pages.assign(pageCount, {});
     std::vector<std::vector<std::size_t>> chosen;
     for (const auto& plan : m_plans)
         chosen.push_back(choosePages(plan.occurrence, plan.customPages, pageCount));
@@ -49,9 +53,11 @@ void StampPress::layOutAll(std::size_t pageCount, std::vector<std::shared_ptr<co
             if (isNew) {
                 // Null for a blank title.
                 if (auto stamp = engine::layOut(m_plans[i].appearance, form->first, m_faces, m_report)) {
-                    m_fonts.collect(*stamp);
-                    form->second = static_cast<std::uint32_t>(stamps.size());
-                    stamps.push_back(std::move(stamp));
+                    form->second = static_cast<std::uint32_t>(m_forms.size());
+                    contents.push_back(m_painter.paint(*stamp));
+                    contents.back().text.shrink_to_fit();
+                    contents.back().codes.shrink_to_fit();
+                    m_forms.push_back({stamp->size, stamp->ink, {}, false});
                 }
             }
             if (form->second)

@@ -38,13 +38,13 @@ public:
 
     /// What each page gets, in stamping order.
     const std::vector<std::vector<Bearing>>& pages() const { return m_pages; }
-    const std::vector<Form>& forms() const { return m_forms; }
+    std::vector<Form>& forms() { return m_forms; }
     const PdfPainter& painter() const { return m_painter; }
     const Report& report() const { return m_report; }
     std::size_t stampedPages() const;
 
 private:
-    void layOutAll(std::size_t pageCount, std::vector<std::shared_ptr<const Stamp>>& stamps);
+    void paintAll(std::size_t pageCount, std::vector<PdfPainter::Content>& contents);
 
     const std::vector<StampPlan>& m_plans;
     const Facts& m_facts;

@@ -104,6 +104,10 @@ TEST(PdfStructure, StampsAreMarkedAsArtifactsWithTheirConfiguration) {
 TEST(PdfStructure, OldVersionsAreRaisedForTransparency) {
     Work work(document(1, kPage, ""));
     ASSERT_TRUE(work.stamp());
+    EXPECT_NE(run("pdfinfo " + quoted(work.task.output)).output.find("PDF version:     1.4"), std::string::npos);
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos);
+    work.task.saving = engine::Saving::rewrite;
+    ASSERT_TRUE(work.stamp());
     EXPECT_EQ(readFile(work.task.output).substr(0, 8), "%PDF-1.4");
 }
 
