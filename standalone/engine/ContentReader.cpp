@@ -18,13 +18,13 @@ void judge(std::string& text, PageContent& content) {
     content.openStates = balance.openStates;
     content.openMarks = balance.openMarks;
     content.openText = balance.openText;
-    content.mended.reset();
+    content.text.reset();
     if (balance.surplusRestores.empty())
         return;
     // Viewers pass over a restore without a save. Inside the wrapper it would end the wrapper.
     for (const auto offset : balance.surplusRestores)
         text[offset] = ' ';
-    content.mended = text;
+    content.text = text;
 }
 
 } // namespace
@@ -112,6 +112,13 @@ std::size_t ContentReader::add(const std::vector<QPDFObjectHandle>& streams) {
     return m_contents.size() - 1;
 }
 
+std::size_t ContentReader::add(std::string text) {
+    auto& content = m_contents.emplace_back();
+    judge(text, content);
+    content.text = std::move(text);
+    return m_contents.size() - 1;
+}
+
 void ContentReader::work() {
     Flate flate;
     std::string buffer;
@@ -171,6 +178,8 @@ void ContentReader::finish(bool distrusted) {
         m_worker.get();
     }
     const auto again = [this](PageContent& content) {
+        if (content.streams.empty())
+            return;
         std::vector<QPDFObjectHandle> streams;
         for (const auto& id : content.streams)
             streams.push_back(m_document->getObjectByObjGen(id));

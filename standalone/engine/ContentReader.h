@@ -21,8 +21,10 @@ struct PageContent {
     std::size_t openStates = 0;
     std::size_t openMarks = 0;
     bool openText = false;
-    /// The content without the restores that nothing was saved for; in place of the streams.
-    std::optional<std::string> mended;
+    /// In place of the streams: content without the restores that nothing was saved for, or without stamps it had.
+    std::optional<std::string> text;
+
+    bool isEmpty() const { return streams.empty() && !text; }
 };
 
 /// The decoded data of a stream. Throws QPDFExc for one that cannot be decoded.
@@ -38,6 +40,9 @@ public:
 
     /// Takes a page's streams and answers the place of its content. Equal lists are one content.
     std::size_t add(const std::vector<QPDFObjectHandle>& streams);
+
+    /// Takes content that is in no stream of the file.
+    std::size_t add(std::string text);
 
     /// Waits until all is read. With `distrusted` everything is read once more through the library, since offsets
     /// turned out not to be what they seemed.

@@ -71,7 +71,11 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
 
 } // namespace
 
-Outcome stampFile(const StampJob& job) {
+namespace {
+
+/// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
+template <class Work>
+Outcome outcomeOf(const StampJob& job, const Work& work) {
     Report report;
     Outcome outcome;
     outcome.path = job.input;
@@ -81,11 +85,8 @@ Outcome stampFile(const StampJob& job) {
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
-        outcome.pagesStamped =
-            kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
+        outcome.pagesStamped = work(kind, report);
         outcome.path = job.output;
-        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
-                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
     } catch (const Failure& failure) {
         outcome.code = failure.code();
         outcome.sentence = failure.what();
@@ -95,6 +96,30 @@ Outcome stampFile(const StampJob& job) {
         outcome.path = job.output;
     }
     outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
+    return outcome;
+}
+
+} // namespace
+
+Outcome stampFile(const StampJob& job) {
+    auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
+        return kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
+    });
+    if (outcome)
+        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
+                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+    return outcome;
+}
+
+Outcome unstampFile(const StampJob& job) {
+    auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
+        if (kind != Kind::pdf)
+            throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be removed.");
+        return unstampPdf(job, report);
+    });
+    if (outcome)
+        outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
+                           (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
 }
 

@@ -28,6 +28,9 @@ struct StampJob {
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
+    /// Documents: first remove what earlier runs stamped with the same configurations.
+    bool replace = false;
+
     std::string password; ///< The user's or owner's, as bytes; for encrypted documents.
     bool inPlace = false; ///< Output and input may be one file.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
@@ -46,5 +49,9 @@ struct StampJob {
 /// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
 /// std::bad_alloc.
 Outcome stampFile(const StampJob& job);
+
+/// Removes from a PDF document what was stamped with the job's configurations; all stamps where it names none. Facts
+/// and fonts of the job do not count. The document is written anew unless it is signed or the job says otherwise.
+Outcome unstampFile(const StampJob& job);
 
 } // namespace engine
