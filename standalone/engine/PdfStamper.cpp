@@ -25,34 +25,59 @@ namespace engine {
 
 namespace {
 
-/// Whether one of these form fields, or of the fields below them, is a signature that was given.
-bool anySigned(QPDFObjectHandle fields, int levels) {
-    if (!fields.isArray() || levels == 0)
+/// What signatures say about a document.
+struct Signatures {
+    bool present = false;
+    bool certifying = false; ///< One of them forbids changes of the pages.
+};
+
+bool certifies(QPDFObjectHandle signature) {
+    auto references = signature.getKey("/Reference");
+    if (!references.isArray())
         return false;
-    for (auto field : fields.getArrayAsVector())
-        if (field.isDictionary() &&
-            ((field.getKey("/FT").isNameAndEquals("/Sig") && field.getKey("/V").isDictionary()) ||
-             anySigned(field.getKey("/Kids"), levels - 1)))
+    for (auto reference : references.getArrayAsVector())
+        if (reference.isDictionary() && reference.getKey("/TransformMethod").isNameAndEquals("/DocMDP"))
             return true;
     return false;
 }
 
-bool isSigned(QPDFObjectHandle root) {
+/// Looks for signatures that were given among these form fields and the fields below them.
+void findSignatures(QPDFObjectHandle fields, int levels, Signatures& found) {
+    if (!fields.isArray() || levels == 0)
+        return;
+    for (auto field : fields.getArrayAsVector()) {
+        if (!field.isDictionary())
+            continue;
+        auto value = field.getKey("/V");
+        if (field.getKey("/FT").isNameAndEquals("/Sig") && value.isDictionary()) {
+            found.present = true;
+            found.certifying = found.certifying || certifies(value);
+        }
+        findSignatures(field.getKey("/Kids"), levels - 1, found);
+    }
+}
+
+Signatures signaturesOf(QPDFObjectHandle root) {
+    Signatures found;
+    auto permissions = root.getKey("/Perms");
+    found.certifying = permissions.isDictionary() && permissions.hasKey("/DocMDP");
     auto form = root.getKey("/AcroForm");
-    if (!form.isDictionary())
-        return false;
-    auto flags = form.getKey("/SigFlags");
-    return (flags.isInteger() && flags.getIntValue() & 1) || anySigned(form.getKey("/Fields"), 16);
+    if (form.isDictionary()) {
+        auto flags = form.getKey("/SigFlags");
+        found.present = flags.isInteger() && flags.getIntValue() & 1;
+        constexpr int deepest = 16;
+        findSignatures(form.getKey("/Fields"), deepest, found);
+    }
+    return found;
 }
 
 void refuseWhatMustNotChange(QPDF& document, const StampJob& job) {
     if (document.isEncrypted() && !document.ownerPasswordMatched() && !document.allowModifyOther())
         throw Failure(Code::notPermitted, "The document forbids changes; its owner's password lifts that.");
-    auto root = document.getRoot();
-    auto permissions = root.getKey("/Perms");
-    if (permissions.isDictionary() && permissions.hasKey("/DocMDP"))
+    const auto signatures = signaturesOf(document.getRoot());
+    if (signatures.certifying)
         throw Failure(Code::certified, "The document is certified; a stamp would break that.");
-    if (!job.allowSigned && isSigned(root))
+    if (!job.allowSigned && signatures.present)
         throw Failure(Code::isSigned, "The document is signed, and it was not allowed to change it.");
 }
 
@@ -227,22 +252,22 @@ public:
 private:
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
-        const bool isSafe = isSigned(m_document.getRoot());
-        if (m_job.saving == Saving::rewrite && !isSafe)
+        const bool isSigned = signaturesOf(m_document.getRoot()).present;
+        if (m_job.saving == Saving::rewrite && !isSigned)
             return false;
         bool possible = PdfUpdate::isPossible(m_document, m_file.bytes());
         // A page that stands twice in the tree became an object that the file does not have.
         const auto size = m_document.getTrailer().getKey("/Size").getIntValue();
         for (auto page : m_document.getAllPages())
             possible = possible && page.getObjectID() < size;
-        if (isSafe && !possible)
+        if (isSigned && !possible)
             throw Failure(Code::isSigned, "The document is signed and can only be written anew, which would make its "
                                           "signatures invalid.");
         if (m_job.saving == Saving::update && !possible)
             throw Failure(Code::unsupported, "The document cannot be updated incrementally.");
         // What is removed shall not stay in the file.
         const bool isBetter = !m_linearized && m_task == Task::stamp;
-        return possible && (isSafe || m_job.saving == Saving::update || isBetter);
+        return possible && (isSigned || m_job.saving == Saving::update || isBetter);
     }
 
     template <class Write>
