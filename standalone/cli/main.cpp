@@ -41,7 +41,8 @@ int main(int argc, char** argv) {
         }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
-        if (command == "list" || command == "stamp" || command == "pictures") {
+        const auto work = cli::commandCalled(command);
+        if (work || command == "pictures") {
             if (cli::askForHelp(arguments)) {
                 std::cout << cli::helpText;
                 return cli::done;
@@ -52,11 +53,9 @@ int main(int argc, char** argv) {
                 return cli::usage;
             }
         }
-        if (command == "list")
-            return cli::list(store, arguments);
-        if (command == "stamp") {
+        if (work) {
             keepMemory();
-            return cli::stamp(store, arguments);
+            return work(store, arguments);
         }
         if (command == "pictures") {
             if (arguments.size() != 1) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <random>
 #include <system_error>
 #include <vector>
 
@@ -50,7 +51,8 @@ OutputFile::OutputFile(const std::filesystem::path& target) {
     // A file system without permissions is no reason to fail.
     (void)!::fchmod(descriptor, modeFor(m_target));
     m_stream = ::fdopen(descriptor, "wb");
-    std::setvbuf(m_stream, nullptr, _IOFBF, kBuffer);
+    m_buffer.resize(kBuffer);
+    std::setvbuf(m_stream, m_buffer.data(), _IOFBF, m_buffer.size());
 }
 
 std::filesystem::path OutputFile::folder() const {
@@ -63,22 +65,25 @@ std::string OutputFile::pattern() const {
 
 void OutputFile::giveName() {
     const auto self = "/proc/self/fd/" + std::to_string(::fileno(m_stream));
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        auto name = pattern();
-        // The name is free for a moment only, so that somebody else may take it.
-        const int reserved = ::mkostemp(name.data(), O_CLOEXEC);
-        if (reserved < 0)
+    const auto link = [&](const std::filesystem::path& name) {
+        const bool linked = ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+        if (!linked && errno != EEXIST)
             fail();
-        ::close(reserved);
-        ::unlink(name.c_str());
-        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+        return linked;
+    };
+    // A name that is free is taken at once; what has it is replaced by way of another.
+    if (link(m_target))
+        return;
+    std::random_device random;
+    for (;;) {
+        auto name = pattern();
+        for (auto letter = name.end() - 6; letter != name.end(); ++letter)
+            *letter = "abcdefghijklmnopqrstuvwxyz0123456789"[random() % 36];
+        if (link(name)) {
             m_aside = name;
             return;
         }
-        if (errno != EEXIST)
-            fail();
     }
-    fail();
 }
 
 OutputFile::~OutputFile() {
@@ -133,7 +138,7 @@ void OutputFile::commit(bool durable) {
     m_stream = nullptr;
     if (std::fclose(stream) != 0)
         fail();
-    if (::rename(m_aside.c_str(), m_target.c_str()) != 0)
+    if (!m_aside.empty() && ::rename(m_aside.c_str(), m_target.c_str()) != 0)
         fail();
     m_aside.clear();
     if (!durable)

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 namespace engine {
 
@@ -30,12 +31,13 @@ public:
 
 private:
     std::filesystem::path folder() const;
-    /// A name beside the target, its last letters still to be chosen.
+    /// A name beside the target, its last six letters still to be chosen.
     std::string pattern() const;
     void giveName();
 
     std::filesystem::path m_target;
     std::filesystem::path m_aside; ///< Empty as long as the file has no name.
+    std::vector<char> m_buffer;
     std::FILE* m_stream = nullptr;
 };
 

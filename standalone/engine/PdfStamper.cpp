@@ -9,7 +9,6 @@
 #include "PictureFile.h"
 #include "StampRemoval.h"
 
-#include <engine/PageChoice.h>
 #include <engine/Placement.h>
 
 #include <qpdf/QPDF.hh>
@@ -153,7 +152,7 @@ public:
         FaceLibrary faces(m_job.defaultFont);
         std::vector<StampPlan> plans;
         if (m_task == Task::stamp || !m_job.configurations.empty())
-            plans = planStamps(m_job.configurations, faces, m_report);
+            plans = planStamps(m_job.configurations, m_job.pages, faces, m_report);
         std::set<std::string> identifiers;
         for (const auto& plan : plans)
             identifiers.insert(plan.identifier);
@@ -181,7 +180,7 @@ public:
         std::vector<bool> isChosen(pages.size());
         for (const auto& plan : plans)
             if (m_task == Task::stamp)
-                for (const auto page : choosePages(plan.occurrence, plan.customPages, pages.size()))
+                for (const auto page : plan.pagesOf(pages.size()))
                     isChosen[page - 1] = true;
         Flate flate;
         for (std::size_t i = 0; i < pages.size(); ++i) {
@@ -315,7 +314,7 @@ private:
 
     Task m_task;
     const StampJob& m_job;
-    const Facts& m_facts;
+    Facts m_facts;
     Report& m_report;
     Progress m_progress;
     MappedFile m_file;
@@ -323,9 +322,11 @@ private:
     bool m_linearized = false;
 };
 
-std::size_t work(Task task, const StampJob& job, const Facts& facts, Report& report) {
+/// Answers what `work` does; what the library throws becomes a `Failure`.
+template <class Work>
+std::size_t guarded(const StampJob& job, const Work& work) {
     try {
-        return PdfStamping(task, job, facts, report).run();
+        return work();
     } catch (const QPDFExc& error) {
         switch (error.getErrorCode()) {
         case qpdf_e_password:
@@ -354,11 +355,21 @@ std::size_t work(Task task, const StampJob& job, const Facts& facts, Report& rep
 } // namespace
 
 std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report) {
-    return work(Task::stamp, job, facts, report);
+    return guarded(job, [&] { return PdfStamping(Task::stamp, job, facts, report).run(); });
 }
 
 std::size_t unstampPdf(const StampJob& job, Report& report) {
-    return work(Task::unstamp, job, {}, report);
+    return guarded(job, [&] { return PdfStamping(Task::unstamp, job, {}, report).run(); });
+}
+
+std::size_t countPdfPages(const StampJob& job) {
+    return guarded(job, [&] {
+        const MappedFile file(job.input);
+        QPDF document;
+        document.setSuppressWarnings(true);
+        document.processMemoryFile(job.input.c_str(), file.bytes().data(), file.bytes().size(), job.password.c_str());
+        return document.getAllPages().size();
+    });
 }
 
 } // namespace engine

@@ -15,4 +15,7 @@ std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report);
 /// `stampPdf` does.
 std::size_t unstampPdf(const StampJob& job, Report& report);
 
+/// Throws `Failure`.
+std::size_t countPdfPages(const StampJob& job);
+
 } // namespace engine

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <engine/Layout.h>
+#include <engine/PageChoice.h>
 
 namespace engine {
 
@@ -14,12 +15,16 @@ struct StampPlan {
     double degrees = 0;
     host::NSInteger occurrence = 0;
     std::optional<std::u16string> customPages;
+    std::optional<std::vector<PageRange>> ranges; ///< In place of the two before.
+
+    std::vector<std::size_t> pagesOf(std::size_t pageCount) const;
 };
 
 /// The ordinary configurations in stamping order: a combined one is replaced by its members, which may be combined
 /// themselves. A combined one among its own members is passed over there.
 std::vector<StampPlan> planStamps(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations,
-                                  FaceLibrary& faces, Report& report);
+                                  const std::optional<std::vector<PageRange>>& ranges, FaceLibrary& faces,
+                                  Report& report);
 
 /// What the account calls its user: the full name, else the short one.
 std::u16string accountName();

@@ -3,8 +3,6 @@
 
 #include "Flate.h"
 
-#include <engine/PageChoice.h>
-
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
@@ -37,13 +35,14 @@ void StampPress::paintAll(std::size_t pageCount, std::vector<PdfPainter::Content
     m_pages.assign(pageCount, {});
     std::vector<std::vector<std::size_t>> chosen;
     for (const auto& plan : m_plans)
-        chosen.push_back(choosePages(plan.occurrence, plan.customPages, pageCount));
+        chosen.push_back(plan.pagesOf(pageCount));
     std::vector<std::unordered_map<std::u16string, std::optional<std::uint32_t>>> made(m_plans.size());
     std::vector<std::size_t> next(m_plans.size());
     Facts facts = m_facts;
     facts.recordPageCount = pageCount;
     for (std::size_t page = 1; page <= pageCount && !m_stopped; ++page) {
         facts.pageNumber = page;
+        facts.runningNumber = m_facts.runningNumber + page - 1;
         for (std::size_t i = 0; i < m_plans.size(); ++i) {
             if (next[i] == chosen[i].size() || chosen[i][next[i]] != page)
                 continue;

@@ -6,8 +6,6 @@
 #include "PictureFile.h"
 #include "StampPlan.h"
 
-#include <engine/PageChoice.h>
-
 #include <Foundation/NSString.h>
 
 #include <fstream>
@@ -38,17 +36,18 @@ Facts factsOf(const StampJob& job) {
     facts.recordName = job.recordName.empty() ? platform::fromUtf8(job.input.stem().string()) : job.recordName;
     facts.user = job.user.empty() ? accountName() : job.user;
     facts.now = job.now;
+    facts.runningNumber = job.firstNumber;
     return facts;
 }
 
 std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
-    const auto plans = planStamps(job.configurations, faces, report);
+    const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto facts = factsOf(job);
     const PartsFor partsFor = [&](const PictureGeometry& geometry) {
         PictureParts parts;
         for (const auto& plan : plans) {
-            if (choosePages(plan.occurrence, plan.customPages, 1).empty())
+            if (plan.pagesOf(1).empty())
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
             if (stamp)
@@ -109,6 +108,31 @@ Outcome stampFile(const StampJob& job) {
         outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
                                                      : std::to_string(outcome.pagesStamped) + " pages were stamped.";
     return outcome;
+}
+
+std::size_t countPages(const StampJob& job) {
+    try {
+        switch (kindOf(job.input)) {
+        case Kind::unknown:
+            return 0;
+        case Kind::pdf:
+            return countPdfPages(job);
+        default:
+            return 1;
+        }
+    } catch (const Failure&) {
+        return 0; // whoever stamps the file says why
+    }
+}
+
+bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations) {
+    FaceLibrary faces;
+    Report report;
+    for (const auto& plan : planStamps(configurations, {}, faces, report))
+        for (const auto& piece : plan.appearance.pieces)
+            if (piece.placeholder && piece.text == u"%runningNumber%")
+                return true;
+    return false;
 }
 
 Outcome unstampFile(const StampJob& job) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <engine/Outcome.h>
+#include <engine/PageChoice.h>
 #include <host/ImprinterConfiguration.h>
 
 #include <chrono>
@@ -23,6 +24,11 @@ struct StampJob {
     std::filesystem::path output;
     /// Stamped in order; a combined configuration stands for its members.
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
+
+    /// The pages that are stamped in place of those that the configurations name.
+    std::optional<std::vector<PageRange>> pages;
+    /// What %runningNumber% stands for on the first page of the file; it counts every page, stamped or not.
+    std::size_t firstNumber = 1;
 
     std::u16string recordName; ///< What %recordName% stands for; empty: the input's file name without its extension.
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
@@ -49,6 +55,12 @@ struct StampJob {
 /// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
 /// std::bad_alloc.
 Outcome stampFile(const StampJob& job);
+
+/// How many pages the job's input has: those of a document, one for a picture; 0 where it cannot be read.
+std::size_t countPages(const StampJob& job);
+
+/// Whether the title of one of these configurations, or of a member of one, has the placeholder %runningNumber%.
+bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations);
 
 /// Removes from a PDF document what was stamped with the job's configurations; all stamps where it names none. Facts
 /// and fonts of the job do not count. The document is written anew unless it is signed or the job says otherwise.
