@@ -15,4 +15,5 @@ IMPRINTER_END_AFTER_PAINT=1 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/
 claim "$bin/bench_list"
 claim "$bin/bench_page_list"
 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_preview"
+claim "$bin/bench_stamping" "$bin/imprinter"
 exit $status
