@@ -100,7 +100,8 @@ TEST_F(FontCatalog, ADisplayNameEqualToTheFamilyApartFromCaseIsRegular) {
 
 TEST_F(FontCatalog, ALongerDisplayNameIsCutByTheLengthOfTheFamily) {
     EXPECT_EQ(facesWith(u"Helvetica Neue", u"Helvetica Neue Bold"), (Faces{{u"Bold", u"PS"}}));
-    EXPECT_EQ(facesWith(u"Helvetica Neue", u"Helvetica Neue  Condensed Light \n"), (Faces{{u"Condensed Light", u"PS"}}));
+    EXPECT_EQ(facesWith(u"Helvetica Neue", u"Helvetica Neue  Condensed Light \n"),
+              (Faces{{u"Condensed Light", u"PS"}}));
 }
 
 TEST_F(FontCatalog, TheCutDoesNotAskWhatItCuts) {
@@ -158,9 +159,8 @@ TEST_F(FontCatalog, FamiliesAreToldApartByCase) {
 TEST_F(FontCatalog, ARaisingFontIsLoggedAndTheOthersAreEntered) {
     fonts->raising = {u"Broken"};
     ::testing::internal::CaptureStderr();
-    const auto catalog = catalogOf({{u"A", u"Optima", u"Optima"},
-                                    {u"Broken", u"Optima", u"Optima Bold"},
-                                    {u"C", u"Optima", u"Optima Italic"}});
+    const auto catalog = catalogOf(
+        {{u"A", u"Optima", u"Optima"}, {u"Broken", u"Optima", u"Optima Bold"}, {u"C", u"Optima", u"Optima Italic"}});
     const auto log = ::testing::internal::GetCapturedStderr();
     EXPECT_NE(log.find("Exception: VelIFonts initialiseFonts. the font is broken\n"), std::string::npos) << log;
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
@@ -224,9 +224,14 @@ TEST_F(FontCatalog, OnlyTheExactAttributeRegularStandsForAFamily) {
     EXPECT_NE(fontOf(*catalog->fontMenu(true)->itemAtIndex(0)), u"");
 }
 
+TEST_F(FontCatalog, WhereNoFaceIsRegularAPlainOneStandsForTheFamily) {
+    const auto catalog = catalogOf(
+        {{u"A", u"Bodoni", u"Bodoni Bold"}, {u"B", u"Bodoni", u"Bodoni Roman"}, {u"C", u"Bodoni", u"Bodoni Italic"}});
+    EXPECT_EQ(fontOf(*catalog->fontMenu(true)->itemAtIndex(0)), u"B");
+}
+
 TEST_F(FontCatalog, AFamilyWithoutFacesIsListedWithAPlainTitle) {
-    const auto menu =
-        catalogOf({{u"A", u"Optima", u"O"}, {u"B", u"Arial", u"Arial"}})->fontMenu(true);
+    const auto menu = catalogOf({{u"A", u"Optima", u"O"}, {u"B", u"Arial", u"Arial"}})->fontMenu(true);
     EXPECT_EQ(titlesOf(*menu), (Names{u"Arial", u"Optima"}));
     EXPECT_EQ(menu->itemAtIndex(1)->attributedTitle(), nullptr);
     EXPECT_EQ(menu->itemAtIndex(1)->tag(), 1);
@@ -277,10 +282,10 @@ TEST_F(FontCatalog, AttributesAreDrawnEachInItsFaceAtThirteenPoints) {
 }
 
 TEST_F(FontCatalog, OfSeveralRegularsTheLaterStandsAboveTheEarlier) {
-    const auto menu = catalogOf({{u"A", u"Optima", u"Optima"},
-                                 {u"B", u"Optima", u"Optima REGULAR"},
-                                 {u"C", u"Optima", u"Optima Zebra"}})
-                          ->fontAttributeMenuForFontUseFont(u"Optima", true);
+    const auto menu =
+        catalogOf(
+            {{u"A", u"Optima", u"Optima"}, {u"B", u"Optima", u"Optima REGULAR"}, {u"C", u"Optima", u"Optima Zebra"}})
+            ->fontAttributeMenuForFontUseFont(u"Optima", true);
     ASSERT_EQ(menu->numberOfItems(), 3);
     EXPECT_EQ(tagsOf(*menu), (Tags{1, 0, 2}));
     EXPECT_EQ(menu->itemAtIndex(2)->title(), u"Zebra");
@@ -296,9 +301,8 @@ TEST_F(FontCatalog, WithoutFontsEveryAttributeReadsAsTheFamilyAskedFor) {
 }
 
 TEST_F(FontCatalog, TheEmptyAttributeIsAnItemLikeAnyOther) {
-    const auto menu =
-        catalogOf({{u"A", u"Optima", u"Optima  "}, {u"B", u"Optima", u"Optima Bold"}})
-            ->fontAttributeMenuForFontUseFont(u"Optima", true);
+    const auto menu = catalogOf({{u"A", u"Optima", u"Optima  "}, {u"B", u"Optima", u"Optima Bold"}})
+                          ->fontAttributeMenuForFontUseFont(u"Optima", true);
     EXPECT_EQ(titlesOf(*menu), (Names{u"", u"Bold"}));
 }
 

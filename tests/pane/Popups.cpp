@@ -485,11 +485,11 @@ TEST_F(FontPopups, WhereTheNewFamilyHasNotTheFaceTheFirstOneIsSelected) {
 // Showing a font
 
 TEST_F(FontPopups, AFontIsShownInBothButtonsAndNothingIsReported) {
-    for (const auto& [name, both] : std::vector<std::pair<std::u16string, std::string>>{{u"Optima-Bold", "Optima Bold"},
-                                                                                        {u"Zapfino-S", "Zapfino Swash"},
-                                                                                        {u"Arial", "Arial Regular"},
-                                                                                        {u"Arial-Italic",
-                                                                                         "Arial Italic"}}) {
+    for (const auto& [name, both] :
+         std::vector<std::pair<std::u16string, std::string>>{{u"Optima-Bold", "Optima Bold"},
+                                                             {u"Zapfino-S", "Zapfino Swash"},
+                                                             {u"Arial", "Arial Regular"},
+                                                             {u"Arial-Italic", "Arial Italic"}}) {
         show(name);
         EXPECT_EQ(shown(), both);
         EXPECT_EQ(families->currentSelectedFullFontName(), name);
