@@ -41,8 +41,8 @@ private:
     std::vector<std::shared_ptr<NSMenuItem>> m_items;
     QPointer<QEventLoop> m_loop;
     std::shared_ptr<NSMenuItem> m_chosen;
-    QPoint m_pressedAt;    // where the pointer was when the list opened
-    bool m_armed = false;  // whether letting go of the button chooses: the press that opened the list does not
+    QPoint m_pressedAt;   // where the pointer was when the list opened
+    bool m_armed = false; // whether letting go of the button chooses: the press that opened the list does not
 };
 
 } // namespace platform::qt

@@ -56,8 +56,7 @@ Extent extentOf(const QPainterPath& path, double scale) {
     for (int i = 0; i < path.elementCount(); ++i) {
         const auto element = path.elementAt(i);
         const bool isControl = element.type == QPainterPath::CurveToElement ||
-                               (element.type == QPainterPath::CurveToDataElement &&
-                                i + 1 < path.elementCount() &&
+                               (element.type == QPainterPath::CurveToDataElement && i + 1 < path.elementCount() &&
                                 path.elementAt(i - 1).type == QPainterPath::CurveToElement);
         if (!isControl)
             extent.add(element.x * scale, -element.y * scale);

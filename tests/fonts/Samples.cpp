@@ -31,8 +31,8 @@ QFont control() {
 FontSample sampleOf(const std::shared_ptr<NSFont>& font, const std::u16string& text = u"AB") {
     NSMenuItem item(text);
     if (font)
-        item.setAttributedTitle(std::make_shared<NSAttributedString>(
-            text, NSAttributedString::Attributes{{NSFontAttributeName, font}}));
+        item.setAttributedTitle(
+            std::make_shared<NSAttributedString>(text, NSAttributedString::Attributes{{NSFontAttributeName, font}}));
     return {item, control()};
 }
 
@@ -95,16 +95,16 @@ TEST(FontSample, TheToolkitDrawsWhereItOpenedTheVeryFace) {
 }
 
 TEST(FontSample, EveryFaceIsDrawnFromTheFileItsNameStandsFor) {
-    for (const auto& [name, width] : std::vector<std::pair<std::u16string, double>>{{u"MakerTwice", 510},
-                                                                                    {u"MakerFirst", 530},
-                                                                                    {u"MakerSecond", 540},
-                                                                                    {u"MakerVariable", 400},
-                                                                                    {u"MakerVariable_200wdth", 800},
-                                                                                    {u"MakerVariable_150wdth", 600},
-                                                                                    {u"MakerVariable_120wdth", 500},
-                                                                                    {u"Maker-Nameless-Wide", 600},
-                                                                                    {u"Maker-Nameless-ExtraWide",
-                                                                                     800}}) {
+    for (const auto& [name, width] :
+         std::vector<std::pair<std::u16string, double>>{{u"MakerTwice", 510},
+                                                        {u"MakerFirst", 530},
+                                                        {u"MakerSecond", 540},
+                                                        {u"MakerVariable", 400},
+                                                        {u"MakerVariable_200wdth", 800},
+                                                        {u"MakerVariable_150wdth", 600},
+                                                        {u"MakerVariable_120wdth", 500},
+                                                        {u"Maker-Nameless-Wide", 600},
+                                                        {u"Maker-Nameless-ExtraWide", 800}}) {
         const std::string utf8(name.begin(), name.end());
         EXPECT_NEAR(widthOfLetter(name), width, pixel) << utf8;
         EXPECT_NEAR(widthInEngine(utf8.c_str()), width, 1) << utf8;
