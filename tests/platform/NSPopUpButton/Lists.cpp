@@ -19,8 +19,7 @@ namespace {
 
 std::shared_ptr<NSAttributedString> attributed(const std::u16string& text, const std::u16string& fontName = {}) {
     const auto font = fontName.empty() ? NSFont::menuFontOfSize(13) : NSFont::fontWithNameSize(fontName, 13);
-    return std::make_shared<NSAttributedString>(text,
-                                                NSAttributedString::Attributes{{NSFontAttributeName, font}});
+    return std::make_shared<NSAttributedString>(text, NSAttributedString::Attributes{{NSFontAttributeName, font}});
 }
 
 /// A button whose menu has items drawn in fonts, and is therefore shown as a list.
@@ -229,11 +228,11 @@ TEST_F(PopUpListTest, OnlyLinesThatComeIntoViewAskForTheirFonts) {
         item->setAttributedTitle(attributed(item->title(), item->title()));
     source->asked.clear();
     open([&](QListView& list) {
-        list.viewport()->repaint();
+        list.viewport()->grab();
         EXPECT_TRUE(source->asked.count(u"Family 0"));
         EXPECT_LT(source->asked.size(), 40u);
         QTest::keyClick(&list, Qt::Key_End);
-        list.viewport()->repaint();
+        list.viewport()->grab();
         EXPECT_TRUE(source->asked.count(u"Family 1499"));
         EXPECT_LT(source->asked.size(), 80u);
     });
