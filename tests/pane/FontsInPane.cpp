@@ -39,9 +39,8 @@ protected:
         faces->setEnabled(true);
         familyFace = dynamic_cast<QComboBox*>(widgetOf(*families));
         faceFace = dynamic_cast<QComboBox*>(widgetOf(*faces));
-        families->setOnFontChanged([this](const std::optional<std::u16string>& name) {
-            reports.push_back(textOf(name));
-        });
+        families->setOnFontChanged(
+            [this](const std::optional<std::u16string>& name) { reports.push_back(textOf(name)); });
     }
 
     std::string shown() const {
