@@ -82,17 +82,16 @@ FontNames deriveNames(const FcPattern* face, std::string_view fontName) {
     if (!family)
         family = textOf(face, FC_FAMILY);
     const auto full = textIn(face, FC_FULLNAME, FC_FULLNAMELANG, language);
-    const auto style = textIn(face, FC_STYLE, FC_STYLELANG, language).value_or(textOf(face, FC_STYLE));
 
     const bool named =
         full && full->starts_with(*family) && (full->size() == family->size() || (*full)[family->size()] == ' ');
     FontNames names{fromUtf8(fontName), fromUtf8(*family), {}};
-    if (named)
+    if (named) {
         names.displayName = fromUtf8(*full);
-    else if (style.empty())
-        names.displayName = names.familyName;
-    else
-        names.displayName = names.familyName + u' ' + fromUtf8(style);
+    } else {
+        const auto style = textIn(face, FC_STYLE, FC_STYLELANG, language).value_or(textOf(face, FC_STYLE));
+        names.displayName = style.empty() ? names.familyName : names.familyName + u' ' + fromUtf8(style);
+    }
     return names;
 }
 
@@ -111,11 +110,14 @@ public:
     explicit Listing(Config config) : m_config(std::move(config)) {
         for (const auto set : {FcSetSystem, FcSetApplication}) {
             const auto* const faces = FcConfigGetFonts(m_config.get(), set);
+            if (faces)
+                m_entries.reserve(m_entries.size() + static_cast<std::size_t>(faces->nfont));
             for (int i = 0; faces && i < faces->nfont; ++i)
                 add(faces->fonts[i]);
         }
         tellInstancesApart();
         leaveOutDoubles();
+        m_byName.reserve(m_entries.size());
         for (std::size_t place = 0; place < m_entries.size(); ++place) {
             const auto [first, isNew] = m_byName.try_emplace(m_entries[place].name, place);
             if (!isNew)
@@ -139,10 +141,11 @@ public:
     }
 
     std::shared_ptr<const FontNames> namesOf(const std::string& name) {
-        const auto best = bestFirst(name);
-        if (best.empty())
+        const auto found = m_byName.find(name);
+        if (found == m_byName.end())
             return nullptr;
-        auto& entry = m_entries[best.front()];
+        const bool isOnlyOne = m_entries[found->second].next == none;
+        auto& entry = m_entries[isOnlyOne ? found->second : bestFirst(name).front()];
         if (!entry.names)
             entry.names = std::make_shared<const FontNames>(deriveNames(entry.face, entry.name));
         return entry.names;
