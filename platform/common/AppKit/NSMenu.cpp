@@ -43,6 +43,11 @@ void NSMenuItem::setImageNamed(const std::u16string& name) {
     changed();
 }
 
+void NSMenuItem::setImage(const std::shared_ptr<NSImage>& image) {
+    m_image = image;
+    changed();
+}
+
 void NSMenuItem::changed() const {
     if (const auto menu = m_menu.lock())
         menu->changed();

@@ -7,6 +7,7 @@
 
 namespace platform {
 
+class NSImage;
 class NSMenu;
 
 /// Something that sends an action, as whoever enables it sees it.
@@ -64,6 +65,9 @@ public:
     /// The platform's image of this name, such as "NSActionTemplate"; empty, or a name it does not know, shows none.
     const std::u16string& imageName() const { return m_imageName; }
     void setImageNamed(const std::u16string& name);
+    /// Shown in the place of the title, or before it; null for none.
+    const std::shared_ptr<NSImage>& image() const { return m_image; }
+    void setImage(const std::shared_ptr<NSImage>& image);
     /// On (1) draws a check mark.
     NSInteger state() const { return m_state; }
     void setState(NSInteger state) { m_state = state; }
@@ -85,6 +89,7 @@ private:
     std::u16string m_action;
     std::u16string m_keyEquivalent;
     std::u16string m_imageName;
+    std::shared_ptr<NSImage> m_image;
     std::weak_ptr<NSObject> m_target;
     std::weak_ptr<NSMenu> m_menu;
     std::shared_ptr<NSMenu> m_submenu;
