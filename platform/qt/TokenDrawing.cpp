@@ -46,9 +46,8 @@ void drawToken(QPainter& painter, const QRectF& place, const QString& title, con
     const auto accent = palette.color(QPalette::Highlight);
     const auto outline = place.adjusted(beside + 0.5, 0.5, -beside - 0.5, -0.5);
     if (style != NSTokenStyle::plainSquared || selected) {
-        const double radius = style == NSTokenStyle::squared || style == NSTokenStyle::plainSquared
-                                  ? 2
-                                  : outline.height() / 2;
+        const double radius =
+            style == NSTokenStyle::squared || style == NSTokenStyle::plainSquared ? 2 : outline.height() / 2;
         painter.setBrush(selected ? accent : blend(base, accent, 0.16));
         painter.setPen(selected ? accent : blend(base, accent, 0.5));
         painter.drawRoundedRect(outline, radius, radius);

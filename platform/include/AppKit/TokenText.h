@@ -62,7 +62,7 @@ public:
 
     /// A part of one text in whose place a part of another one stands.
     struct Change {
-        NSRange range;    ///< in the former text
+        NSRange range;         ///< in the former text
         NSUInteger length = 0; ///< of what stands there now
     };
     /// The smallest change that makes `after` out of `before`; it parts no surrogate pair.
