@@ -17,9 +17,7 @@ namespace testing_support {
 class TitleRun final : public host::ImprinterFont {
 public:
     std::u16string_view className() const override { return u"VelIFontType"; }
-    std::u16string name() const override {
-        return u"Font " + platform::fromUtf8(std::to_string(values.number + 1));
-    }
+    std::u16string name() const override { return u"Font " + platform::fromUtf8(std::to_string(values.number + 1)); }
     host::NSUInteger fontNumber() const override { return values.fontNumber(); }
     void setFontNumber(host::NSUInteger number) override { values.setFontNumber(number); }
     std::u16string fullFontName() const override { return values.fullFontName(); }
