@@ -301,8 +301,8 @@ void VelImprinterPrefPane::insertPlaceholderTitleToMenuAtIndex(const std::u16str
                                                                const std::u16string& title,
                                                                const std::shared_ptr<NSMenu>& menu, NSInteger index) {
     const auto localTitle = localized(title);
-    const auto item = tell(menu, &NSMenu::insertItemWithTitleActionKeyEquivalentAtIndex, u"", u"addTokenItem:", u"",
-                           index);
+    const auto item =
+        tell(menu, &NSMenu::insertItemWithTitleActionKeyEquivalentAtIndex, u"", u"addTokenItem:", u"", index);
     tell(item, &NSMenuItem::setTarget, shared_from_this());
     const auto cell = std::make_shared<NSTokenFieldCell>(localTitle);
     cell->setTokenizingCharacterSet(newlineCharacterSet);

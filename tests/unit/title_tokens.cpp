@@ -63,20 +63,14 @@ const Splice splices[] = {
     {"at the front of text", {u"abc"}, {0, 0}, {T, u"abc"}},
     {"inside text", {u"abc"}, {1, 0}, {u"a", T, u"bc"}},
     {"over a character", {u"abc"}, {1, 1}, {u"a", T, u"c"}},
-    {"over text and a run up to the next text",
-     {u"abc", object(F1), u"xyz"},
-     {1, 3},
-     {u"a", T, u"xyz"}},
+    {"over text and a run up to the next text", {u"abc", object(F1), u"xyz"}, {1, 3}, {u"a", T, u"xyz"}},
     {"over text, a run and a part of text", {u"abc", object(F1), u"xyz"}, {1, 5}, {u"a", T, u"z"}},
     {"at the end", {u"abc"}, {3, 0}, {u"abc", T}},
     {"beyond the end", {u"abc"}, {7, 0}, {u"abc", T}},
     {"beyond the end over something", {u"abc", object(F1)}, {9, 4}, {u"abc", object(F1), T}},
     {"over all of the text", {u"abc"}, {0, 3}, {T}},
     {"over all and more", {u"abc", object(F1)}, {0, 99}, {T}},
-    {"at the start of a placeholder over everything",
-     {u"%pageNumber%", u"abc"},
-     {0, 4},
-     {T, u"%pageNumber%", u"abc"}},
+    {"at the start of a placeholder over everything", {u"%pageNumber%", u"abc"}, {0, 4}, {T, u"%pageNumber%", u"abc"}},
     {"at the start of a run over everything", {u"a", object(F1), u"abc"}, {1, 4}, {u"a", T, object(F1), u"abc"}},
     {"at the start of a foreign object over everything", {T, u"abc"}, {0, 3}, {T, T, u"abc"}},
     {"at an empty text", {u"", u"abc"}, {0, 0}, {T, u"", u"abc"}},
@@ -136,9 +130,9 @@ TEST(TitleReorder, TakesOutTheFirstOccurrenceOfEachDraggedObject) {
     EXPECT_EQ(titleWithoutFirstOccurrences(listOf({object(F1), u"abc", object(F1)}), dragged),
               (Title{u"abc", object(F1)}));
     EXPECT_EQ(titleWithoutFirstOccurrences(listOf({object(F1), u"abc"}), dragged), Title{u"abc"});
-    EXPECT_EQ(titleWithoutFirstOccurrences(listOf({object(F1), object(F1), object(F1)}),
-                                           listOf({object(F1), object(F1)})),
-              Title{object(F1)});
+    EXPECT_EQ(
+        titleWithoutFirstOccurrences(listOf({object(F1), object(F1), object(F1)}), listOf({object(F1), object(F1)})),
+        Title{object(F1)});
     EXPECT_EQ(titleWithoutFirstOccurrences(listOf({u"a"}), nullptr), Title{u"a"});
 }
 
@@ -148,18 +142,18 @@ TEST(TitleReorder, NeverTakesTextsOut) {
 }
 
 TEST(TitleReorder, OfARunDroppedToTheRightMovesItThere) {
-    EXPECT_EQ(titleWithoutFirstOccurrences(listOf({object(F1), u"a", object(F2), object(F1), u"b"}),
-                                           listOf({object(F1)})),
-              (Title{u"a", object(F2), object(F1), u"b"}));
+    EXPECT_EQ(
+        titleWithoutFirstOccurrences(listOf({object(F1), u"a", object(F2), object(F1), u"b"}), listOf({object(F1)})),
+        (Title{u"a", object(F2), object(F1), u"b"}));
 }
 
 TEST(TitleReorder, OfARunDroppedToTheLeftLeavesItWhereItWas) {
-    EXPECT_EQ(titleWithoutFirstOccurrences(listOf({object(F1), u"a", object(F2), object(F1), u"b"}),
-                                           listOf({object(F1)})),
-              (Title{u"a", object(F2), object(F1), u"b"}));
-    EXPECT_EQ(titleWithoutFirstOccurrences(listOf({u"a", object(F2), u"b", object(F1), object(F2)}),
-                                           listOf({object(F2)})),
-              (Title{u"a", u"b", object(F1), object(F2)}));
+    EXPECT_EQ(
+        titleWithoutFirstOccurrences(listOf({object(F1), u"a", object(F2), object(F1), u"b"}), listOf({object(F1)})),
+        (Title{u"a", object(F2), object(F1), u"b"}));
+    EXPECT_EQ(
+        titleWithoutFirstOccurrences(listOf({u"a", object(F2), u"b", object(F1), object(F2)}), listOf({object(F2)})),
+        (Title{u"a", u"b", object(F1), object(F2)}));
 }
 
 TEST(TitleOfTheModel, ComesBackFromTheFieldAsItWas) {

@@ -10,9 +10,10 @@ class PlaceholderMenuDelegate {
 public:
     virtual ~PlaceholderMenuDelegate();
     /// `menu` is what pops up, and `placeholderMenu` the menu of placeholders: that one itself, or a submenu of it.
-    virtual void tokenFieldWillPopUpMenuWithPlaceholderMenu(const std::shared_ptr<platform::NSTokenField>& field,
-                                                            const std::shared_ptr<platform::NSMenu>& menu,
-                                                            const std::shared_ptr<platform::NSMenu>& placeholderMenu) = 0;
+    virtual void
+    tokenFieldWillPopUpMenuWithPlaceholderMenu(const std::shared_ptr<platform::NSTokenField>& field,
+                                               const std::shared_ptr<platform::NSMenu>& menu,
+                                               const std::shared_ptr<platform::NSMenu>& placeholderMenu) = 0;
 };
 
 /// The title field. The host registers a class "PlaceholderTokenField" that is one.
