@@ -129,14 +129,15 @@ void VelImprinterPrefPane::updateFontSelections(const FontRuns& fonts) {
     if (fonts.empty())
         return;
     m_currentFont = fonts.front();
+    tell(m_fontPopup, &VelIFontPopupButton::updatePopupForFont, m_currentFont->font());
     const auto size = static_cast<float>(m_currentFont->fontSize());
     tell(m_fontSizeField, &NSControl::setFloatValue, size);
     tell(m_fontSizeStepper, &NSControl::setFloatValue, size);
 }
 
 void VelImprinterPrefPane::selectedFontUpdatedFullFontName(const std::shared_ptr<VelIFontPopupButton>&,
-                                                           const std::u16string& fullFontName) {
-    tell(m_currentFont, &host::ImprinterFont::setFullFontName, fullFontName);
+                                                           const std::optional<std::u16string>& fullFontName) {
+    setNameOfCurrentFont(fullFontName);
     updatePreview();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VelIFontPopupButton.h"
+
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
@@ -28,7 +30,6 @@ namespace pane {
 
 class VelCombinedViewController;
 class VelIFontAttributePopupButton;
-class VelIFontPopupButton;
 class VelPreviewViewController;
 
 /// The pasteboard type under which rows of the configuration table are dropped: a keyed archive whose root is an index
@@ -51,7 +52,8 @@ class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSUserInterfaceValidations,
                              public platform::NSPopoverDelegate,
                              public platform::NSTokenFieldDelegate,
-                             public host::PlaceholderMenuDelegate {
+                             public host::PlaceholderMenuDelegate,
+                             public VelIFontPopupDelegate {
 public:
     using NSObject = platform::NSObject;
     using NSInteger = platform::NSInteger;
@@ -78,7 +80,9 @@ public:
 
     // State
 
+    /// The host's model; null without a host.
     std::shared_ptr<host::Imprinter> imprinter() const { return m_imprinter; }
+    void setImprinter(const std::shared_ptr<host::Imprinter>& imprinter) { m_imprinter = imprinter; }
     ConfigurationPointer currentConfiguration() const { return m_currentConfiguration; }
     /// Switches the editors; null shows the empty page. Does nothing for the configuration already shown.
     virtual void setCurrentConfiguration(const ConfigurationPointer& configuration);
@@ -254,8 +258,8 @@ public:
     virtual void fontTokensWereDeletedCurrentFonts(const FontRuns& previousFonts, const FontRuns& currentFonts);
     virtual FontRuns selectedFontsInRange(NSRange range) const;
     virtual void updateFontSelections(const FontRuns& fonts);
-    virtual void selectedFontUpdatedFullFontName(const std::shared_ptr<VelIFontPopupButton>& sender,
-                                                 const std::u16string& fullFontName);
+    void selectedFontUpdatedFullFontName(const std::shared_ptr<VelIFontPopupButton>& sender,
+                                         const std::optional<std::u16string>& fullFontName) override;
 
     // Title: its field
 
@@ -314,6 +318,13 @@ private:
     std::array<std::weak_ptr<platform::NSButton>, 9> positionButtons() const;
     void switchTo(const ConfigurationPointer& configuration);
     void setUpTitleField();
+    void showBorderAndFill();
+    void showBorderThickness();
+    void enableBorderControls(bool enable);
+    void hideOutlineThickness(bool hide);
+    void showOutlineThickness();
+    /// A name that is nil takes the face away; hosts keep the former one.
+    void setNameOfCurrentFont(const std::optional<std::u16string>& fullFontName);
     platform::NSArray<RepresentedObject> titleOfField() const;
     void storeTitle(const platform::NSArray<RepresentedObject>& title);
 

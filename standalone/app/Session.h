@@ -37,6 +37,7 @@ public:
 private:
     std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+    void stampAgainSoon();
 
     store::Store m_store;
     store::LoadResult m_loaded;
@@ -45,9 +46,17 @@ private:
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     std::optional<PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
+    /// What the file that was handed out last shows.
+    struct Shown {
+        std::filesystem::path sample;
+        std::weak_ptr<host::ImprinterConfiguration> configuration;
+    };
+    Shown m_shown;
+    std::shared_ptr<bool> m_stampingSoon; // what is still to be done outlives nobody who would do it
     std::function<void(const store::Failure&)> m_onSaveFailure;
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
+    bool m_saidThatThereIsNoFolder = false;
     bool m_saveFailed = false;
     bool m_changed = false;
 };

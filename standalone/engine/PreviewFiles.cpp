@@ -148,4 +148,9 @@ std::filesystem::path PreviewFiles::put(const std::string& name, const char* ban
     return target;
 }
 
+void PreviewFiles::remove(const std::string& name) {
+    if (m_results.erase(name) != 0)
+        ::unlink((m_folder / name).c_str());
+}
+
 } // namespace engine

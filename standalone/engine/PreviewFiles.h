@@ -35,6 +35,8 @@ public:
 
     /// Makes the file `name` the base with `rows` replaced by what lies at `band`. Raises std::system_error.
     std::filesystem::path put(const std::string& name, const char* band, Rows rows);
+    /// Removes the file, if it was made here.
+    void remove(const std::string& name);
 
 private:
     /// One file and where it differs from the base.

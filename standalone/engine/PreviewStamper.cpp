@@ -94,7 +94,31 @@ struct PreviewStamper::State {
     std::optional<SampleKey> key;
     DecodedPicture sample;
     PreviewFiles files;
-    std::map<std::string, bool> usedSecondName;
+    /// Each with whether its second name was used last; the latest at the end.
+    std::vector<std::pair<std::string, bool>> recent;
+
+    /// The file to write for a configuration. Results of all but the last few are given up: each takes as much room as
+    /// the sample decoded.
+    std::string nameFor(const std::string& identifier, bool sameName) {
+        constexpr std::size_t kept = 3;
+        const auto known =
+            std::find_if(recent.begin(), recent.end(), [&](const auto& entry) { return entry.first == identifier; });
+        bool second = known != recent.end() && known->second;
+        if (known != recent.end())
+            recent.erase(known);
+        if (!sameName)
+            second = !second;
+        recent.emplace_back(identifier, second);
+        if (recent.size() > kept) {
+            files.remove(name(recent.front().first, false));
+            files.remove(name(recent.front().first, true));
+            recent.erase(recent.begin());
+        }
+        return name(identifier, second);
+    }
+    static std::string name(const std::string& identifier, bool second) {
+        return stemFor(identifier) + (second ? "-1.bmp" : "-0.bmp");
+    }
 
     const DecodedPicture& decoded(const std::filesystem::path& path) {
         std::error_code error;
@@ -126,6 +150,18 @@ PreviewStamper::~PreviewStamper() = default;
 Outcome PreviewStamper::stamp(const std::filesystem::path& sample,
                               const std::shared_ptr<host::ImprinterConfiguration>& configuration,
                               std::chrono::system_clock::time_point now) {
+    return stampInto(false, sample, configuration, now);
+}
+
+Outcome PreviewStamper::stampAgain(const std::filesystem::path& sample,
+                                   const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                                   std::chrono::system_clock::time_point now) {
+    return stampInto(true, sample, configuration, now);
+}
+
+Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sample,
+                                  const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                                  std::chrono::system_clock::time_point now) {
     Outcome outcome;
     outcome.path = sample;
     Report report;
@@ -153,10 +189,9 @@ Outcome PreviewStamper::stamp(const std::filesystem::path& sample,
         }
 
         const auto identifier = platform::toUtf8(configuration->uniqueID());
-        const bool second = m_state->usedSecondName[identifier] = !m_state->usedSecondName[identifier];
-        outcome.path = m_state->files.put(stemFor(identifier) + (second ? "-1.bmp" : "-0.bmp"),
-                                          reinterpret_cast<const char*>(band.constBits()),
-                                          {touched.top(), touched.isEmpty() ? 0 : touched.height()});
+        outcome.path =
+            m_state->files.put(m_state->nameFor(identifier, sameName), reinterpret_cast<const char*>(band.constBits()),
+                               {touched.top(), touched.isEmpty() ? 0 : touched.height()});
         outcome.pagesStamped = patches.empty() ? 0 : 1;
     } catch (const Failure& failure) {
         outcome.code = failure.code();

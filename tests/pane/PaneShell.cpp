@@ -131,6 +131,16 @@ TEST_F(PaneStart, AsksTheHostInOrder) {
                            "imprinter configurations",
                            "imprinter configurationForID a",
                            "a combinedConfiguration",
+                           // The Appearance editor: the title, border and fill, and the menu of font runs.
+                           "a titleTokens",
+                           "a borderStyle",
+                           "a borderStyle",
+                           "a borderEnabled",
+                           "a borderThickness",
+                           "a fillEnabled",
+                           "a borderColour",
+                           "a fillColour",
+                           "a titleTokens",
                            // The Location editor: nine buttons, three numbers, the choice of pages and its preview.
                            "a position",
                            "a position",
@@ -237,9 +247,27 @@ TEST_F(PaneSwitching, ClearsThePreviewFirstAndRefreshesItLast) {
     auto messages = taken();
     std::erase(messages, "b position");
     const std::string stamped = "imprinter imprintFileAtURLWithIndex Preview.jpg b 0";
-    EXPECT_EQ(messages, (MessageLog{"b combinedConfiguration", "b rotation", "b offset", "b offset", "b occurance",
-                                    "b setOccurance 0", "b occurance", stamped, "b duplicateRecord", stamped,
-                                    "b fillOpacity", "b fillOpacity"}));
+    EXPECT_EQ(messages, (MessageLog{"b combinedConfiguration",
+                                    "b titleTokens",
+                                    "b borderStyle",
+                                    "b borderStyle",
+                                    "b borderEnabled",
+                                    "b borderThickness",
+                                    "b fillEnabled",
+                                    "b borderColour",
+                                    "b fillColour",
+                                    "b titleTokens",
+                                    "b rotation",
+                                    "b offset",
+                                    "b offset",
+                                    "b occurance",
+                                    "b setOccurance 0",
+                                    "b occurance",
+                                    stamped,
+                                    "b duplicateRecord",
+                                    stamped,
+                                    "b fillOpacity",
+                                    "b fillOpacity"}));
 }
 
 TEST_F(PaneSwitching, ANilStampResultIsKeptAsNone) {

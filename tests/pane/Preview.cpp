@@ -439,4 +439,22 @@ TEST_F(Preview, ANilURLClearsThePicture) {
     EXPECT_FALSE(shownColour().isValid());
 }
 
+TEST_F(Preview, AfterANilResultTheNextPressShowsNothing) {
+    startWithRed();
+    pane->updatePreview();
+    pressPreview();
+    EXPECT_EQ(shownColour(), QColor(Qt::red));
+    escape();
+    imprinter->setStampResult(std::nullopt);
+    pane->updatePreview();
+    pressPreview();
+    EXPECT_FALSE(shownColour().isValid());
+}
+
+TEST_F(Preview, StampsTheSampleOfThePanesOwnBundle) {
+    startWithRed();
+    pane->updatePreview();
+    EXPECT_EQ(imprinter->stampedFrom()->path(), std::filesystem::path(PANE_BUNDLE) / "Preview.jpg");
+}
+
 } // namespace

@@ -3,6 +3,8 @@
 
 #include <engine/PreviewStamper.h>
 
+#include <Foundation/NSString.h>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -88,6 +90,53 @@ TEST_F(Previews, WhoHasAnOldResultOpenReadsItToTheEnd) {
         ASSERT_TRUE(m_stamper.stamp(sample(), with));
     }
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(open), {}), bytes);
+}
+
+TEST_F(Previews, OnlyTheLastThreeConfigurationsKeepTheirFiles) {
+    for (int i = 0; i < 20; ++i) {
+        const auto with = configuration(u"Many");
+        with->identifier = u"many-" + platform::fromUtf8(std::to_string(i));
+        m_stamper.stamp(sample(), with);
+        ASSERT_TRUE(std::filesystem::exists(m_stamper.stamp(sample(), with).path));
+    }
+    EXPECT_EQ(m_results.names(),
+              (std::vector<std::string>{"preview-many-17-0.bmp", "preview-many-17-1.bmp", "preview-many-18-0.bmp",
+                                        "preview-many-18-1.bmp", "preview-many-19-0.bmp", "preview-many-19-1.bmp"}));
+}
+
+TEST_F(Previews, StampingAgainChangesTheFileThatWasGivenOutLast) {
+    const auto with = configuration(u"Before");
+    const auto path = m_stamper.stamp(sample(), with).path;
+    const auto bytes = readFile(path);
+    with->setTitle({std::u16string(u"Afterwards")});
+    EXPECT_EQ(m_stamper.stampAgain(sample(), with).path, path);
+    EXPECT_NE(readFile(path), bytes);
+    EXPECT_NE(m_stamper.stamp(sample(), with).path, path);
+}
+
+TEST_F(Previews, TheSampleIsDecodedOnce) {
+    const auto with = configuration(u"Once");
+    ASSERT_TRUE(m_stamper.stamp(sample(), with));
+    const auto time = std::filesystem::last_write_time(sample());
+    const auto size = std::filesystem::file_size(sample());
+    std::ofstream(sample(), std::ios::binary) << std::string(size, 'x');
+    std::filesystem::last_write_time(sample(), time);
+    EXPECT_TRUE(m_stamper.stamp(sample(), with)) << "nobody looked into it again";
+    std::filesystem::last_write_time(sample(), time + std::chrono::seconds(2));
+    EXPECT_FALSE(m_stamper.stamp(sample(), with));
+}
+
+TEST_F(Previews, AFailedResultLeavesTheFormerOneWhole) {
+    const auto with = configuration(u"Full");
+    const auto first = m_stamper.stamp(sample(), with).path;
+    const auto bytes = readFile(first);
+    // No file can be made in a folder that is not there, and none is left half written.
+    const auto aside = m_folder / "aside";
+    std::filesystem::rename(m_results.path(), aside);
+    EXPECT_EQ(m_stamper.stamp(sample(), with).code, engine::Code::cannotWrite);
+    std::filesystem::rename(aside, m_results.path());
+    EXPECT_EQ(readFile(first), bytes);
+    EXPECT_TRUE(m_stamper.stamp(sample(), with));
 }
 
 TEST_F(Previews, AResultThatSomebodyRemovedIsMadeAgain) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSAttributedString.h>
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSObject.h>
 
@@ -43,7 +44,12 @@ public:
     std::shared_ptr<NSMenu> menu() const { return m_menu.lock(); }
 
     const std::u16string& title() const { return m_title; }
+    /// A text other than the attributed title's drops that.
     void setTitle(const std::u16string& title);
+    /// What is drawn in place of the title; null where there is none.
+    const std::shared_ptr<const NSAttributedString>& attributedTitle() const { return m_attributedTitle; }
+    /// Its text becomes the title too; null leaves the title as it is.
+    void setAttributedTitle(const std::shared_ptr<const NSAttributedString>& title);
     /// A selector of the target's class table; empty sends nothing.
     const std::u16string& action() const override { return m_action; }
     void setAction(const std::u16string& selector) { m_action = selector; }
@@ -79,6 +85,7 @@ private:
     void changed() const;
 
     std::u16string m_title;
+    std::shared_ptr<const NSAttributedString> m_attributedTitle;
     std::u16string m_action;
     std::u16string m_keyEquivalent;
     std::u16string m_imageName;

@@ -69,6 +69,8 @@ public:
     bool userChangedText(const std::u16string& text);
     /// The user is about to leave the field or pressed Return. Answers NO where the focus must stay.
     virtual bool userEndsEditing(Ending ending);
+    /// Whether the user changed the text, and the change was neither written nor replaced since.
+    bool isChangedByUser() const { return m_unwritten; }
     /// The user pressed Escape: the text from before the edit comes back, even where somebody asked for the value
     /// meanwhile, but never over a value that was set meanwhile. Nothing is sent.
     virtual void userCancelsEditing();

@@ -6,8 +6,6 @@
 
 namespace platform {
 
-enum class NSControlSize { regular = 0, small = 1, mini = 2 };
-
 /// A token as a picture: its title in a rounded outline.
 class NSTokenFieldCell final : public NSCell {
 public:

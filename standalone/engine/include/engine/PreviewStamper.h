@@ -24,12 +24,23 @@ public:
     /// blank title gives the sample itself.
     ///
     /// The outcome's path names the result. Each configuration has two names, which take turns, so that a viewer that
-    /// compares names sees the change; a file is whole as soon as its name is given out, and stays so.
+    /// compares names sees the change; a file is whole as soon as its name is given out, and stays so until three other
+    /// configurations were stamped.
     Outcome stamp(const std::filesystem::path& sample,
                   const std::shared_ptr<host::ImprinterConfiguration>& configuration,
                   std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
 
+    /// The same into the file whose name was given out last for the configuration, so that whoever reads it again sees
+    /// the change; as `stamp` where none was.
+    Outcome stampAgain(const std::filesystem::path& sample,
+                       const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                       std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
 private:
+    Outcome stampInto(bool sameName, const std::filesystem::path& sample,
+                      const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                      std::chrono::system_clock::time_point now);
+
     struct State;
     std::unique_ptr<State> m_state;
 };
