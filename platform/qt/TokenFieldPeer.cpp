@@ -234,6 +234,24 @@ void TokenEdit::retitle() {
 
 // Keys
 
+/// Makes what the toolkit does with an event that brings `text` one step to undo, to which what the field makes of it
+/// can be joined; plain text is left to the toolkit, which makes one step of all that is typed in a row.
+class TokenEdit::Step {
+public:
+    Step(const TokenEdit& edit, const QString& text) {
+        const auto field = edit.m_field.lock();
+        if (field && fromQt(text).find_first_of(field->tokenizingCharacterSet()) != std::u16string::npos)
+            m_cursor = edit.textCursor();
+        m_cursor.beginEditBlock();
+    }
+    ~Step() { m_cursor.endEditBlock(); }
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+private:
+    QTextCursor m_cursor; // of no document where there is no step to make
+};
+
 void TokenEdit::typeLineBreak() {
     textCursor().insertBlock();
     ensureCursorVisible();
@@ -263,14 +281,19 @@ void TokenEdit::keyPressEvent(QKeyEvent* event) {
         enter([&] { field->userCopies(); });
     else if (event->matches(QKeySequence::Paste))
         enter([&] { field->userPastes(pasteboardOf(QApplication::clipboard()->mimeData())); });
-    else if (!isPlain || (!backward && event->key() != Qt::Key_Delete) || !field->userSelectsTokenToDelete(!backward))
+    else if (!isPlain || (!backward && event->key() != Qt::Key_Delete) || !field->userSelectsTokenToDelete(!backward)) {
+        const Step step(*this, event->text());
         QTextEdit::keyPressEvent(event);
+    }
     tellChange();
     ensureCursorVisible();
 }
 
 void TokenEdit::inputMethodEvent(QInputMethodEvent* event) {
-    QTextEdit::inputMethodEvent(event);
+    {
+        const Step step(*this, event->commitString());
+        QTextEdit::inputMethodEvent(event);
+    }
     tellChange();
 }
 

@@ -56,6 +56,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    class Step;
     class Tokens;
 
     void tellChange();
