@@ -14,5 +14,6 @@ echo "$(nproc) cores, $(uname -sr), $(date -u +%F)"
 IMPRINTER_END_AFTER_PAINT=1 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_opening" 21 "$bin/bare_window" "$bin/imprinter"
 claim "$bin/bench_list"
 claim "$bin/bench_page_list"
+claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_title"
 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_preview"
 exit $status
