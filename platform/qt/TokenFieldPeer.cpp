@@ -56,7 +56,6 @@ public:
         QTextCharFormat format;
         format.setObjectType(tokenObject);
         format.setProperty(tokenKey, ++m_last);
-        format.setVerticalAlignment(QTextCharFormat::AlignBaseline);
         m_tokens[m_last] = {object, titleOf(object)};
         return format;
     }
@@ -82,7 +81,9 @@ public:
     }
 
     QSizeF intrinsicSize(QTextDocument*, int, const QTextFormat& format) override {
-        return tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
+        // The document puts the object on the baseline; what is drawn below it has room by the height of lines.
+        const auto size = tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
+        return {size.width(), size.height() - belowBaseline(m_edit.font())};
     }
     void drawObject(QPainter* painter, const QRectF& rect, QTextDocument*, int position,
                     const QTextFormat& format) override {
@@ -93,7 +94,7 @@ public:
         if (!m_edit.hasFocus() && selected)
             palette.setCurrentColorGroup(QPalette::Inactive);
         const auto& token = m_tokens.at(format.intProperty(tokenKey));
-        drawToken(*painter, rect, token.title, m_edit.font(), palette,
+        drawToken(*painter, rect.adjusted(0, 0, 0, belowBaseline(m_edit.font())), token.title, m_edit.font(), palette,
                   field ? field->styleOf(token.object) : NSTokenStyle::rounded, selected);
     }
 
@@ -117,6 +118,9 @@ TokenEdit::TokenEdit(QWidget* parent)
     : QTextEdit(parent), m_tokens(new Tokens(*this)), m_button(new QToolButton(this)) {
     setAcceptRichText(false);
     setTabChangesFocus(true);
+    // The strip beside the text, in which the button stands, is part of the field.
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
     m_button->setFocusPolicy(Qt::NoFocus);
     m_button->setArrowType(Qt::DownArrow);
     m_button->setAutoRaise(true);
@@ -133,10 +137,24 @@ TokenEdit::TokenEdit(QWidget* parent)
 
 TokenEdit::~TokenEdit() = default;
 
+void TokenEdit::setLineHeight() {
+    constexpr double between = 3;
+    QTextBlockFormat lines;
+    lines.setLineHeight(tokenSize({}, font()).height() + between, QTextBlockFormat::MinimumHeight);
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    m_ownChange = true;
+    all.mergeBlockFormat(lines);
+    m_ownChange = false;
+    document()->clearUndoRedoStacks();
+    document()->markContentsDirty(0, document()->characterCount());
+    m_revision = document()->revision();
+}
+
 void TokenEdit::setField(const std::shared_ptr<NSTokenField>& field) {
     m_field = field;
     setPlainText({});
-    m_revision = document()->revision();
+    setLineHeight();
     m_button->setVisible(field->hasInsertMenu());
     m_button->setAccessibleName(toQt(field->insertButtonLabel()));
     m_button->setToolTip(toQt(field->insertButtonLabel()));
@@ -518,7 +536,7 @@ void TokenEdit::resizeEvent(QResizeEvent* event) {
 void TokenEdit::changeEvent(QEvent* event) {
     QTextEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        document()->markContentsDirty(0, document()->characterCount());
+        setLineHeight();
     if (event->type() == QEvent::LayoutDirectionChange)
         placeButton();
 }

@@ -59,6 +59,8 @@ private:
     class Step;
     class Tokens;
 
+    /// Gives every line the height of a token.
+    void setLineHeight();
     void tellChange();
     void typeLineBreak();
     /// The position of the character whose place the point is in; none beside the text.
