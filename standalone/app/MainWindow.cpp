@@ -224,6 +224,13 @@ void MainWindow::stampFiles(const QStringList& files) {
     const bool duplicates = code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
                                 ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
                                 : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
+    if (!duplicates &&
+        QMessageBox::question(this, windowTitle(),
+                              toQt(stringWithFormat(fromUtf8(text(u"Stamp the original files? %@ files are replaced by "
+                                                                  u"their stamped versions.")
+                                                                 .toStdString()),
+                                                    {fromUtf8(std::to_string(inputs.size()))}))) != QMessageBox::Yes)
+        return;
     statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
 }
 

@@ -91,8 +91,8 @@ QString tellSummary(QWidget* parent, const StampSummary& summary) {
         if (all == 1)
             return text(u"Stamped:") + u' ' + QString::fromStdString(summary.done.front().path.string());
         return all == 0 ? QString()
-                        : toQt(platform::stringWithFormat(platform::fromUtf8(text(u"%@ documents stamped.").toStdString()),
-                                                          {number(all)}));
+                        : toQt(platform::stringWithFormat(
+                              platform::fromUtf8(text(u"%@ documents stamped.").toStdString()), {number(all)}));
     }
     QStringList reasons;
     for (const auto& outcome : summary.failed) {
@@ -104,9 +104,9 @@ QString tellSummary(QWidget* parent, const StampSummary& summary) {
     }
     QMessageBox box(QMessageBox::Warning, parent->window()->windowTitle(), {}, QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
-    box.setText(toQt(platform::stringWithFormat(
-        platform::fromUtf8(text(u"%@ of %@ documents could not be stamped.").toStdString()),
-        {number(summary.failed.size()), number(all)})));
+    box.setText(toQt(
+        platform::stringWithFormat(platform::fromUtf8(text(u"%@ of %@ documents could not be stamped.").toStdString()),
+                                   {number(summary.failed.size()), number(all)})));
     box.setInformativeText(reasons.join(u'\n'));
     box.exec();
     return {};

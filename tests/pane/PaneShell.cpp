@@ -205,13 +205,13 @@ TEST_F(PaneStart, PreparesTheTableForDropsAndGivesItAHeader) {
 
 // Switching
 
-TEST_F(PaneSwitching, ToTheConfigurationAlreadyShownDoesNothingButShowTheFillOpacityAgain) {
+TEST_F(PaneSwitching, ToTheConfigurationAlreadyShownDoesNothing) {
     const auto a = configuration(u"a");
     imprinter->setList({a});
     start();
     taken();
     pane->setCurrentConfiguration(a);
-    EXPECT_EQ(taken(), (MessageLog{"a fillOpacity", "a fillOpacity"}));
+    EXPECT_EQ(taken(), MessageLog());
 }
 
 TEST_F(PaneSwitching, FromNoneToNoneRunsEveryStep) {
@@ -702,6 +702,21 @@ TEST_F(PaneLeaving, TheObserverHoldsThePaneUntilItIsLeft) {
     EXPECT_TRUE(watched.expired());
 }
 
+TEST_F(PaneLeaving, SavesBeforeItStopsListening) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    imprinter->onSave = [this] {
+        taken();
+        NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification,
+                                                                         outlet<NSTokenField>(u"titleTokenField"));
+        const auto messages = taken();
+        EXPECT_EQ(std::count(messages.begin(), messages.end(), "imprinter imprintFileAtURLWithIndex Preview.jpg a 0"),
+                  1);
+    };
+    pane->willUnselect();
+    imprinter->onSave = {};
+}
+
 TEST_F(PaneLeaving, SavesWhenThePaneIsHidden) {
     imprinter->setList({configuration(u"a")});
     start();
@@ -767,7 +782,7 @@ protected:
         std::vector<std::string> names;
         for (int stop = 0; stop < 60; ++stop) {
             const auto* focused = window->focusWidget();
-            const auto name = !focused                             ? "nothing"
+            const auto name = !focused                                ? "nothing"
                               : qobject_cast<const QTabBar*>(focused) ? "the tabs"
                                                                       : focused->objectName().toStdString();
             if (!names.empty() && name == names.front())
@@ -782,9 +797,9 @@ protected:
 TEST_F(PaneTabs, GoThroughTheLocationInReadingOrder) {
     imprinter->setList({configuration(u"a")});
     start();
-    EXPECT_EQ(stops(), (std::vector<std::string>{"tableView", "actionPopupMenu", "deleteConfigurationBtn",
-                                                 "the tabs", "topLeftBtn", "xOffset", "yOffset", "rotation",
-                                                 "occuranceEveryPage", "duplicateRecBtn", "previewBtn"}));
+    EXPECT_EQ(stops(), (std::vector<std::string>{"tableView", "actionPopupMenu", "deleteConfigurationBtn", "the tabs",
+                                                 "topLeftBtn", "xOffset", "yOffset", "rotation", "occuranceEveryPage",
+                                                 "duplicateRecBtn", "previewBtn"}));
 }
 
 TEST_F(PaneTabs, GoThroughTheAppearanceInReadingOrder) {
