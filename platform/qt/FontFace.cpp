@@ -98,7 +98,7 @@ QByteArray FontFace::table(const char* name) const {
     auto* const blob = hb_face_reference_table(m_face, hb_tag_from_string(name, -1));
     unsigned length = 0;
     const char* const data = hb_blob_get_data(blob, &length);
-    const QByteArray bytes(data, static_cast<qsizetype>(length));
+    QByteArray bytes(data, static_cast<qsizetype>(length));
     hb_blob_destroy(blob);
     return bytes;
 }
