@@ -52,8 +52,9 @@ void drawToken(QPainter& painter, const QRectF& place, const QString& title, con
     if (style != NSTokenStyle::plainSquared || selected) {
         const double radius =
             style == NSTokenStyle::squared || style == NSTokenStyle::plainSquared ? 2 : outline.height() / 2;
-        painter.setBrush(selected ? accent : blend(base, accent, 0.16));
-        painter.setPen(selected ? accent : blend(base, accent, 0.5));
+        painter.setBrush(selected ? blend(accent, palette.color(QPalette::Text), 0.12) : blend(base, accent, 0.16));
+        painter.setPen(selected ? blend(accent, palette.color(QPalette::HighlightedText), 0.5)
+                                : blend(base, accent, 0.5));
         painter.drawRoundedRect(outline, radius, radius);
     }
     const QFontMetricsF metrics(font);

@@ -62,13 +62,6 @@ public:
     const RepresentedObject& objectOf(const QTextFormat& format) const {
         return m_tokens.at(format.intProperty(tokenKey)).object;
     }
-    /// Where none of them can come back.
-    void forgetBut(const std::vector<int>& keys) {
-        std::unordered_map<int, Token> left;
-        for (const auto key : keys)
-            left.insert(m_tokens.extract(key));
-        m_tokens = std::move(left);
-    }
     /// Answers whether a title is another one now.
     bool retitle() {
         bool changed = false;
@@ -87,15 +80,21 @@ public:
     }
     void drawObject(QPainter* painter, const QRectF& rect, QTextDocument*, int position,
                     const QTextFormat& format) override {
-        const auto field = m_edit.m_field.lock();
+        const auto whole = rect.adjusted(0, 0, 0, belowBaseline(m_edit.font()));
         const auto cursor = m_edit.textCursor();
-        const bool selected = cursor.selectionStart() <= position && position < cursor.selectionEnd();
-        auto palette = m_edit.palette();
-        if (!m_edit.hasFocus() && selected)
-            palette.setCurrentColorGroup(QPalette::Inactive);
-        const auto& token = m_tokens.at(format.intProperty(tokenKey));
-        drawToken(*painter, rect.adjusted(0, 0, 0, belowBaseline(m_edit.font())), token.title, m_edit.font(), palette,
-                  field ? field->styleOf(token.object) : NSTokenStyle::rounded, selected);
+        // The document veils what is selected, so that is drawn again on top.
+        if (cursor.selectionStart() <= position && position < cursor.selectionEnd())
+            m_selected.emplace_back(painter->worldTransform().mapRect(whole), format.intProperty(tokenKey));
+        else
+            draw(*painter, whole, format.intProperty(tokenKey), false);
+    }
+    void drawSelected(QPainter& painter) {
+        const auto cursor = m_edit.textCursor();
+        const bool alone = cursor.selectionEnd() - cursor.selectionStart() == 1;
+        for (const auto& [place, key] : std::exchange(m_selected, {})) {
+            painter.fillRect(place, palette().color(alone ? QPalette::Base : QPalette::Highlight));
+            draw(painter, place, key, true);
+        }
     }
 
 private:
@@ -109,7 +108,21 @@ private:
         return field ? toQt(field->displayStringOf(object)).simplified() : QString();
     }
 
+    QPalette palette() const {
+        auto colours = m_edit.palette();
+        if (!m_edit.hasFocus())
+            colours.setCurrentColorGroup(QPalette::Inactive);
+        return colours;
+    }
+    void draw(QPainter& painter, const QRectF& place, int key, bool selected) const {
+        const auto field = m_edit.m_field.lock();
+        const auto& token = m_tokens.at(key);
+        drawToken(painter, place, token.title, m_edit.font(), palette(),
+                  field ? field->styleOf(token.object) : NSTokenStyle::rounded, selected);
+    }
+
     TokenEdit& m_edit;
+    std::vector<std::pair<QRectF, int>> m_selected; // since the last painting
     std::unordered_map<int, Token> m_tokens;
     int m_last = 0;
 };
@@ -370,7 +383,8 @@ std::optional<int> TokenEdit::characterAt(const QPoint& point) const {
         cursor.setPosition(position + 1);
         const auto after = cursorRect(cursor);
         const bool sameLine = std::abs(before.bottom() - after.bottom()) < after.height() / 2;
-        const auto [left, right] = std::minmax(before.left(), after.left());
+        const auto left = std::min(before.left(), after.left()); // text may run either way
+        const auto right = std::max(before.left(), after.left());
         if (sameLine && left <= point.x() && point.x() < right && std::min(before.top(), after.top()) <= point.y() &&
             point.y() <= std::max(before.bottom(), after.bottom()))
             return position;
@@ -558,9 +572,10 @@ void TokenEdit::showRefusal(Refusal refusal) {
 
 void TokenEdit::paintEvent(QPaintEvent* event) {
     QTextEdit::paintEvent(event);
+    QPainter painter(viewport());
+    m_tokens->drawSelected(painter);
     if (!m_refused)
         return;
-    QPainter painter(viewport());
     painter.setPen(QPen(QColor(0xC0, 0x1C, 0x28), markWidth));
     painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
 }
