@@ -37,8 +37,8 @@ public:
         return editing ? editing(text) : std::nullopt;
     }
     NSArray<RepresentedObject> tokenFieldShouldAddObjectsAtIndex(const Field& field,
-                                                                    const NSArray<RepresentedObject>& objects,
-                                                                    NSUInteger index) override {
+                                                                 const NSArray<RepresentedObject>& objects,
+                                                                 NSUInteger index) override {
         log.push_back("add at " + std::to_string(index));
         before = field->objectValue() ? *field->objectValue() : Elements();
         return add ? add(objects) : objects;
@@ -49,7 +49,7 @@ public:
         return writes && pasteboard->writeObjects({u"key"});
     }
     NSArray<RepresentedObject> tokenFieldReadFromPasteboard(const Field&,
-                                                               const std::shared_ptr<NSPasteboard>&) override {
+                                                            const std::shared_ptr<NSPasteboard>&) override {
         return reading;
     }
     bool controlTextShouldBeginEditing(const std::shared_ptr<NSControl>&) override {
@@ -313,8 +313,7 @@ TEST_F(TokenFieldRuns, EachOfACommitBecomeATokenOfTheirOwn) {
     caretAt(1);
     editor->type(u"a,b,c");
     EXPECT_EQ(editor->text.string(), u"\uFFFC\uFFFC\uFFFCc");
-    EXPECT_EQ(delegate->log,
-              (Log{"should begin", "changed", "add at 1", "changed", "add at 2", "changed"}));
+    EXPECT_EQ(delegate->log, (Log{"should begin", "changed", "add at 1", "changed", "add at 2", "changed"}));
 }
 
 TEST_F(TokenFieldRuns, AreNotYetReplacedWhenTheDelegateIsAsked) {
