@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Whatever is on the pasteboard, a title edited with it keeps its rules. The input is a list of acts, a byte each with what
-// it needs behind it: pasting texts, typing, copying, cutting, dragging, selecting, undoing, waiting.
+// Whatever is on the pasteboard, a title edited with it keeps its rules. The input is a list of acts, a byte each with
+// what it needs behind it: pasting texts, typing, copying, cutting, dragging, selecting, undoing, waiting.
 
 #include "../tests/support/FakeQueue.h"
 #include "../tests/support/PlainConfiguration.h"
@@ -144,7 +144,8 @@ private:
     }();
     const std::shared_ptr<Field> m_field = std::make_shared<Field>();
     const std::shared_ptr<pane::VelImprinterPrefPane> m_pane = std::make_shared<pane::VelImprinterPrefPane>();
-    const std::shared_ptr<support::PlainConfiguration> m_configuration = std::make_shared<support::PlainConfiguration>();
+    const std::shared_ptr<support::PlainConfiguration> m_configuration =
+        std::make_shared<support::PlainConfiguration>();
     platform_test::FakeEditor* m_editor = nullptr;
     bool m_mayKeepSigns = false;
 };

@@ -496,7 +496,7 @@ QMimeData* TokenEdit::createMimeDataFromSelection() const {
 
 // Menus
 
-void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place) {
+void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, QPoint place, bool endsThere) {
     const auto field = m_field.lock();
     if (!menu || !field)
         return;
@@ -504,6 +504,8 @@ void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place
     std::shared_ptr<NSMenuItem> chosen;
     {
         ShownMenu shown(*menu, *this);
+        if (endsThere)
+            place.rx() -= shown.widget().sizeHint().width() - 1;
         if (!shown.isEmpty())
             chosen = shown.run(place);
     }
@@ -512,10 +514,12 @@ void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place
 
 void TokenEdit::openInsertMenu() {
     const QPointer<QToolButton> button(m_button);
-    if (!hasFocus())
+    if (window()->focusWidget() != this)
         setFocus(Qt::OtherFocusReason);
     const auto menu = tell(m_field, &NSTokenField::insertMenu);
-    runMenu(menu, m_button->mapToGlobal(m_button->rect().bottomLeft()));
+    const bool mirrored = layoutDirection() == Qt::RightToLeft;
+    const auto corner = mirrored ? m_button->rect().bottomLeft() : m_button->rect().bottomRight();
+    runMenu(menu, m_button->mapToGlobal(corner), !mirrored);
     if (button)
         button->setDown(false);
 }
@@ -525,7 +529,7 @@ void TokenEdit::contextMenuEvent(QContextMenuEvent* event) {
     if (!byKey && !textCursor().hasSelection())
         setTextCursor(cursorForPosition(event->pos()));
     const auto at = byKey ? viewport()->mapToGlobal(cursorRect().bottomLeft()) : event->globalPos();
-    enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at); });
+    enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at, false); });
     event->accept();
 }
 

@@ -68,7 +68,8 @@ private:
     bool isTokenAt(int position) const;
     void startDrag();
     void openInsertMenu();
-    void runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place);
+    /// Its left upper corner stands at `place`, or its right one.
+    void runMenu(const std::shared_ptr<NSMenu>& menu, QPoint place, bool endsThere);
     void placeButton();
 
     std::weak_ptr<NSTokenField> m_field;

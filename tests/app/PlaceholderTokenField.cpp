@@ -80,7 +80,8 @@ TEST_F(TitleField, OffersTheSameInItsContextMenu) {
 
 TEST_F(TitleField, OffersOnlyWhatTheEngineFillsIn) {
     const auto all = offered(*field->insertMenu());
-    EXPECT_EQ(all, (std::vector<std::u16string>{u"%recordPageCount%", u"%date%", u"%time%", u"%recordName%", u"%user%"}));
+    EXPECT_EQ(all,
+              (std::vector<std::u16string>{u"%recordPageCount%", u"%date%", u"%time%", u"%recordName%", u"%user%"}));
     engine::Facts facts;
     facts.recordName = u"letter";
     facts.user = u"Ada";
