@@ -62,6 +62,15 @@ public:
     const RepresentedObject& objectOf(const QTextFormat& format) const {
         return m_tokens.at(format.intProperty(tokenKey)).object;
     }
+    /// Lets go of all that are not in the document, where nothing can bring them back.
+    void prune() {
+        std::unordered_map<int, Token> left;
+        for (auto block = m_edit.document()->begin(); block.isValid(); block = block.next())
+            for (auto it = block.begin(); !it.atEnd(); ++it)
+                if (const auto format = it.fragment().charFormat(); isToken(format))
+                    left.insert(m_tokens.extract(format.intProperty(tokenKey)));
+        m_tokens = std::move(left);
+    }
     /// Answers whether a title is another one now.
     bool retitle() {
         bool changed = false;
@@ -211,9 +220,14 @@ void TokenEdit::replaceCharacters(NSRange range, const TokenText& replacement, U
             cursor.insertText(toQt(std::get<std::u16string>(piece.object)), QTextCharFormat());
     cursor.endEditBlock();
     if (undoing == Undoing::forgotten)
-        document()->clearUndoRedoStacks();
+        forgetUndo();
     m_ownChange = false;
     m_revision = document()->revision();
+}
+
+void TokenEdit::forgetUndo() {
+    document()->clearUndoRedoStacks();
+    m_tokens->prune();
 }
 
 NSRange TokenEdit::selectedRange() const {
@@ -611,7 +625,7 @@ public:
     bool isFirstResponder() override { return edit() && edit()->window()->focusWidget() == edit(); }
     void forgetUndo() override {
         if (auto* shown = edit())
-            shown->document()->clearUndoRedoStacks();
+            shown->forgetUndo();
     }
     bool canUndo(bool again) override {
         const auto* document = edit() ? edit()->document() : nullptr;

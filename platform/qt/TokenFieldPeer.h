@@ -28,6 +28,7 @@ public:
     NSRange selectedRange() const;
     void setSelectedRange(NSRange range);
     void undoOrRedo(bool again);
+    void forgetUndo();
     /// Measures the tokens anew where their titles have changed, once the event is over.
     void retitle();
 
