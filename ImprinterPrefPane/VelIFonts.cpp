@@ -7,6 +7,9 @@
 #include <Foundation/NSString.h>
 
 #include <algorithm>
+#include <array>
+#include <string_view>
+#include <tuple>
 
 namespace pane {
 
@@ -24,8 +27,8 @@ bool comesBefore(const std::u16string& a, const std::u16string& b) {
     return caseInsensitiveCompare(a, b) < 0;
 }
 
-template <class Value>
-std::vector<std::u16string> sortedKeys(const std::map<std::u16string, Value>& table) {
+template <class Table>
+std::vector<std::u16string> sortedKeys(const Table& table) {
     std::vector<std::u16string> keys;
     keys.reserve(table.size());
     for (const auto& [key, value] : table)
@@ -47,6 +50,17 @@ void log(const std::string& description) {
 }
 
 } // namespace
+
+bool VelIFonts::PlainFirst::operator()(const std::u16string& a, const std::u16string& b) const {
+    constexpr std::array<std::u16string_view, 7> plain{u"Regular", u"Roman",  u"Book", u"Normal",
+                                                       u"Text",    u"Medium", u"Light"};
+    const auto rank = [&plain](const std::u16string& attribute) {
+        return std::find(plain.begin(), plain.end(), attribute) - plain.begin();
+    };
+    const auto rankA = rank(a);
+    const auto rankB = rank(b);
+    return std::tie(rankA, a) < std::tie(rankB, b);
+}
 
 std::u16string_view VelIFonts::className() const {
     return u"VelIFonts";

@@ -19,8 +19,13 @@ namespace pane {
 /// NSInvalidArgumentException there.
 class VelIFonts : public platform::NSObject {
 public:
+    /// Orders attributes so that the plain faces, whatever a family calls them, come first: where any face may stand
+    /// for the family, it is not the bold one.
+    struct PlainFirst {
+        bool operator()(const std::u16string& a, const std::u16string& b) const;
+    };
     /// From a family's attributes to full font names.
-    using FaceTable = std::map<std::u16string, std::u16string>;
+    using FaceTable = std::map<std::u16string, std::u16string, PlainFirst>;
     /// From family names, exactly as the platform spells them. A family whose fonts all failed the rule for attributes
     /// has an empty table.
     using FontInfoLookup = std::map<std::u16string, FaceTable>;

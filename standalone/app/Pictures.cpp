@@ -7,6 +7,7 @@
 
 #include <AppKit/NSTabView.h>
 #include <Foundation/NSException.h>
+#include <app/Window.h>
 #include <engine/Stamper.h>
 
 #include <QApplication>
@@ -83,6 +84,10 @@ bool stamp(const fs::path& input, const fs::path& output, Session& session) {
 
 } // namespace
 
+fs::path samplePage() {
+    return bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg";
+}
+
 bool leavePictures(MainWindow& window, Session& session, const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
@@ -94,7 +99,7 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     window.afterFirstPaint();
     bool all = grabPages(window, session, folder);
 
-    const auto sample = bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg";
+    const auto sample = samplePage();
     const auto plain = folder / "sample.pdf";
     try {
         writeSamplePdf(sample, plain);

@@ -39,6 +39,12 @@ Session::Session(const std::filesystem::path& store)
         defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
 }
 
+Session::~Session() {
+    m_model->setSaver({});
+    m_model->setStamper({});
+    m_model->setOnChange({});
+}
+
 void Session::saveChanges() {
     if (m_changed)
         m_model->saveConfigurations();

@@ -16,6 +16,10 @@ namespace app {
 class Session {
 public:
     explicit Session(const std::filesystem::path& store);
+    /// A pane with something left to do may keep the model, which then neither stamps nor stores.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
 
     model::ImprinterModel& model() { return *m_model; }
     const std::vector<store::Failure>& messages() const { return m_loaded.messages; }

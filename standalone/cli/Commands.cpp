@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "Arguments.h"
+
 #include <Foundation/NSString.h>
-#include <engine/Stamper.h>
+#include <app/Window.h>
+#include <engine/PreviewStamper.h>
 #include <store/Store.h>
 
+#include <QImage>
+
+#include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <map>
-#include <optional>
-
-#include <sys/stat.h>
 
 namespace cli {
 
@@ -19,25 +23,6 @@ using platform::fromUtf8;
 using platform::toUtf8;
 
 namespace {
-
-int complain(int status, const std::string& sentence) {
-    std::cerr << "imprinter: " << sentence << '\n';
-    return status;
-}
-
-using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
-
-/// None, after having said why, where the supplied configurations would stand in for those of the file.
-std::optional<Configurations> read(const fs::path& file) {
-    auto result = store::Store(file).read();
-    for (const auto& message : result.messages)
-        complain(0, toUtf8(message.sentence));
-    return result.standIns ? std::nullopt : std::optional(std::move(result.configurations));
-}
-
-bool takesValue(const std::string& option) {
-    return option == "--configuration" || option == "--output";
-}
 
 /// Whether `isMeant` answers true for one of the arguments that are neither values of options nor files.
 template <class IsMeant>
@@ -51,141 +36,78 @@ bool anyOption(const std::vector<std::string>& arguments, IsMeant isMeant) {
     return false;
 }
 
-/// "there are "A", "B" and "C"".
-std::string namesOf(const Configurations& configurations) {
-    if (configurations.empty())
-        return "there are none";
-    std::string names = configurations.size() == 1 ? "there is " : "there are ";
-    for (std::size_t i = 0; i < configurations.size(); ++i) {
-        if (i > 0)
-            names += i + 1 == configurations.size() ? " and " : ", ";
-        names += '"' + toUtf8(configurations[i]->name()) + '"';
+/// A folder that nobody else can look into, gone with this object.
+class WorkFolder {
+public:
+    WorkFolder() {
+        std::error_code error;
+        std::string name = (fs::temp_directory_path(error) / "imprinter-XXXXXX").string();
+        if (!error && ::mkdtemp(name.data()))
+            m_path = name;
     }
-    return names;
-}
+    ~WorkFolder() {
+        std::error_code none;
+        if (!m_path.empty())
+            fs::remove_all(m_path, none);
+    }
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
 
-struct StampArguments {
-    std::vector<std::string> configurations;
-    fs::path output;
-    std::vector<fs::path> files;
+    bool isThere() const { return !m_path.empty(); }
+    fs::path operator/(const char* name) const { return m_path / name; }
+
+private:
+    fs::path m_path;
 };
 
-/// None, with the sentence in `problem`, where the command line is not understood.
-std::optional<StampArguments> parse(const std::vector<std::string>& arguments, std::string& problem) {
-    StampArguments parsed;
-    bool options = true;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const auto& argument = arguments[i];
-        if (options && argument == "--") {
-            options = false;
-        } else if (options && takesValue(argument)) {
-            if (i + 1 == arguments.size()) {
-                problem = argument + " needs a value";
-                return std::nullopt;
-            }
-            if (argument == "--output")
-                parsed.output = arguments[++i];
-            else
-                parsed.configurations.push_back(arguments[++i]);
-        } else if (options && argument.starts_with("-")) {
-            problem = "unknown option " + argument;
+/// A store's file of just these configurations; a failure's sentence in `problem`.
+bool writeStore(const fs::path& file, const Configurations& configurations, std::string& problem) {
+    model::ImprinterModel model;
+    model.setConfigurations(configurations);
+    store::Store written(file);
+    auto loaded = written.load();
+    if (loaded.readOnly) {
+        problem = loaded.messages.empty() ? "The file cannot be written." : toUtf8(loaded.messages.front().sentence);
+        return false;
+    }
+    const auto failure = written.save(model);
+    if (failure)
+        problem = toUtf8(failure->sentence);
+    return !failure;
+}
+
+/// The named configurations with the members they need, each once; all where no name is given. None after a complaint.
+std::optional<Configurations> chosen(const std::vector<std::string>& names, const Configurations& all) {
+    if (names.empty())
+        return all;
+    Configurations result;
+    const auto add = [&result](const std::shared_ptr<model::Configuration>& configuration) {
+        if (std::find(result.begin(), result.end(), configuration) == result.end())
+            result.push_back(configuration);
+    };
+    for (const auto& name : names) {
+        const auto found = configurationCalled(name, all);
+        if (!found)
             return std::nullopt;
-        } else {
-            parsed.files.emplace_back(argument);
-        }
+        if (const auto members = found->configurations())
+            for (const auto& member : *members)
+                add(std::dynamic_pointer_cast<model::Configuration>(member));
+        add(found);
     }
-    if (parsed.configurations.empty())
-        problem = "which configuration? Name one with --configuration; `imprinter list` shows them";
-    else if (parsed.output.empty())
-        problem = "where to? Name a file, or a folder for several files, with --output";
-    else if (parsed.files.empty())
-        problem = "which file is to be stamped?";
-    return problem.empty() ? std::optional(parsed) : std::nullopt;
+    return result;
 }
 
-struct Paths {
-    fs::path input;
-    fs::path output;
-};
-
-/// What tells files apart whatever they are called; none where there is no such file.
-std::optional<std::pair<dev_t, ino_t>> identityOf(const fs::path& file) {
-    struct stat status {};
-    if (::stat(file.c_str(), &status) != 0)
-        return std::nullopt;
-    return std::pair(status.st_dev, status.st_ino);
-}
-
-std::string inQuotes(const fs::path& path) {
-    return '"' + path.string() + '"';
-}
-
-/// A sentence about two files of which one would be lost, or stamped twice; empty where there are none.
-std::string collisionIn(const std::vector<Paths>& files) {
-    std::map<fs::path, const Paths*> byOutput;
-    std::map<std::pair<dev_t, ino_t>, const Paths*> byInput;
-    for (const auto& file : files) {
-        if (const auto identity = identityOf(file.input))
-            if (const auto [other, isNew] = byInput.emplace(*identity, &file); !isNew)
-                return inQuotes(other->second->input) + " and " + inQuotes(file.input) + " are the same file";
-        if (const auto [other, isNew] = byOutput.emplace(file.output.lexically_normal(), &file); !isNew)
-            return inQuotes(other->second->input) + " and " + inQuotes(file.input) + " would both be stamped into " +
-                   inQuotes(file.output);
-    }
-    for (const auto& file : files) {
-        const auto identity = identityOf(file.output);
-        const auto other = identity ? byInput.find(*identity) : byInput.end();
-        // A file that is its own output is the engine's to refuse.
-        if (other != byInput.end() && other->second != &file)
-            return inQuotes(file.input) + " would be stamped into " + inQuotes(file.output) + ", which is the input " +
-                   inQuotes(other->second->input);
-    }
-    return {};
-}
-
-/// One line about a stamp that failed.
-std::string sentenceOf(const engine::Outcome& outcome) {
-    auto sentence = outcome.path.string() + ": " + outcome.sentence;
-    if (outcome.code == engine::Code::nothingToStamp)
-        for (const auto& reason : outcome.warnings)
-            sentence += ' ' + reason;
-    return sentence;
-}
-
-int statusOf(engine::Code code) {
-    switch (code) {
-    case engine::Code::ok:
-        return done;
-    case engine::Code::cannotWrite:
-    case engine::Code::sameFile:
-        return cannotWrite;
-    default:
-        return badInput;
-    }
+/// Prints the configurations as a file of them.
+int print(const Configurations& configurations) {
+    const WorkFolder folder;
+    std::string problem = "A folder for temporary files cannot be made.";
+    if (!folder.isThere() || !writeStore(folder / "configurations.json", configurations, problem))
+        return complain(cannotWrite, problem);
+    std::cout << std::ifstream(folder / "configurations.json").rdbuf() << std::flush;
+    return std::cout ? done : complain(cannotWrite, "standard output: The output cannot be written.");
 }
 
 } // namespace
-
-const char* const helpText =
-    R"(Imprinter stamps titles such as page numbers and "Received" onto PDF documents and pictures.
-
-    imprinter                                      open the window
-    imprinter list                                 list the configurations
-    imprinter stamp --configuration NAME --output PATH FILE...
-                                                   stamp files; PATH is a file for one, a folder for several
-    imprinter pictures FOLDER                      leave pictures of the program and of stamped samples
-
-    --store FILE    before any command: use the configurations in FILE
-    --configuration may be given several times; the stamps are put on in that order
-    --help, also after a command; --version
-
-Examples:
-    imprinter stamp --configuration Received --output letter-received.pdf letter.pdf
-    imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
-
-Exit status: 0 done, 1 the program could not go on, 2 a document could not be read or stamped, 3 a result could not
-be written, 4 no such configuration or none that can be read, 64 the command line was not understood.
-)";
 
 bool hasDisplay() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
@@ -204,13 +126,25 @@ bool nameAStore(const std::vector<std::string>& arguments) {
 }
 
 bool isUsable(const fs::path& store) {
-    return read(store).has_value();
+    return readStore(store).has_value();
+}
+
+Command commandCalled(const std::string& name) {
+    static const std::map<std::string, Command> commands{{"list", list},
+                                                         {"show", show},
+                                                         {"export", exportConfigurations},
+                                                         {"import", importConfigurations},
+                                                         {"preview", preview},
+                                                         {"stamp", stamp},
+                                                         {"unstamp", unstamp}};
+    const auto found = commands.find(name);
+    return found == commands.end() ? nullptr : found->second;
 }
 
 int list(const fs::path& store, const std::vector<std::string>& arguments) {
     if (!arguments.empty())
         return complain(usage, "`list` takes no arguments");
-    const auto configurations = read(store);
+    const auto configurations = readStore(store);
     if (!configurations)
         return noConfiguration;
     for (const auto& configuration : *configurations)
@@ -218,60 +152,121 @@ int list(const fs::path& store, const std::vector<std::string>& arguments) {
     return done;
 }
 
-int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
+int show(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
-    const auto wanted = parse(arguments, problem);
-    if (!wanted)
+    const auto sorted = sortArguments(arguments, {}, {}, problem);
+    if (!sorted || sorted->files.empty())
+        return complain(usage, sorted ? "`show` takes the name of a configuration" : problem);
+    const auto all = readStore(store);
+    const auto wanted = all ? chosen(sorted->files, *all) : std::nullopt;
+    return wanted ? print(*wanted) : noConfiguration;
+}
+
+int exportConfigurations(const fs::path& store, const std::vector<std::string>& arguments) {
+    std::string problem;
+    const auto sorted = sortArguments(arguments, {"--output"}, {}, problem);
+    if (!sorted)
         return complain(usage, problem);
-
-    std::error_code none;
-    const bool intoFolder =
-        wanted->files.size() > 1 || fs::is_directory(wanted->output, none) || !wanted->output.has_filename();
-    std::vector<Paths> files;
-    for (const auto& file : wanted->files)
-        files.push_back({file, intoFolder ? wanted->output / file.filename() : wanted->output});
-    if (const auto collision = collisionIn(files); !collision.empty())
-        return complain(usage, collision);
-
-    engine::StampJob job;
-    const auto configurations = read(store);
-    if (!configurations)
+    const auto all = readStore(store);
+    const auto wanted = all ? chosen(sorted->files, *all) : std::nullopt;
+    if (!wanted)
         return noConfiguration;
-    for (const auto& name : wanted->configurations) {
-        std::shared_ptr<model::Configuration> found;
-        for (const auto& configuration : *configurations) {
-            if (configuration->name() != fromUtf8(name) && configuration->uniqueID() != fromUtf8(name))
-                continue;
-            if (found)
-                return complain(noConfiguration, "several configurations are called \"" + name +
-                                                     "\"; rename one, or give its identifier");
-            found = configuration;
-        }
-        if (!found)
-            return complain(noConfiguration,
-                            "no configuration is called \"" + name + "\"; " + namesOf(*configurations));
-        job.configurations.push_back(found);
-    }
+    const auto output = sorted->value("--output");
+    if (output.empty() || output == "-")
+        return print(*wanted);
+    std::error_code none;
+    if (fs::equivalent(output, store, none))
+        return complain(cannotWrite, output + ": That is the file the configurations come from.");
+    return writeStore(output, *wanted, problem) ? done : complain(cannotWrite, problem);
+}
 
-    if (intoFolder) {
-        std::error_code error;
-        fs::create_directories(wanted->output, error);
-        if (error)
-            return complain(cannotWrite, wanted->output.string() + ": " + error.message());
-    }
-    int status = done;
-    for (const auto& file : files) {
-        job.input = file.input;
-        job.output = file.output;
-        const auto outcome = engine::stampFile(job);
-        if (!outcome) {
-            status = complain(statusOf(outcome.code), sentenceOf(outcome));
-            continue;
+int importConfigurations(const fs::path& store, const std::vector<std::string>& arguments) {
+    std::string problem;
+    const auto sorted = sortArguments(arguments, {}, {"--replace"}, problem);
+    if (!sorted || sorted->files.empty())
+        return complain(usage, sorted ? "which file is to be imported? `imprinter export` makes one" : problem);
+
+    store::Store own(store);
+    auto present = own.load();
+    for (const auto& message : present.messages)
+        complain(0, toUtf8(message.sentence));
+    if (present.readOnly || present.standIns)
+        return noConfiguration;
+    auto result = std::move(present.configurations);
+    const bool replaces = sorted->has("--replace");
+    std::size_t imported = 0;
+    for (const auto& file : sorted->files) {
+        const auto read = store::Store(file).read();
+        if (read.standIns || !fs::exists(file)) {
+            if (read.messages.empty())
+                return complain(badInput, file + ": The file cannot be read.");
+            return complain(badInput, file + ": " + toUtf8(read.messages.front().sentence));
         }
-        for (const auto& warning : outcome.warnings)
-            complain(0, file.input.string() + ": " + warning);
+        // Members are shared objects, so that a combined one has to get those that stay.
+        std::map<std::u16string, std::shared_ptr<model::Configuration>> here;
+        for (const auto& configuration : result)
+            here.emplace(configuration->uniqueID(), configuration);
+        std::vector<std::shared_ptr<model::Configuration>> combined;
+        for (const auto& configuration : read.configurations) {
+            auto& known = here[configuration->uniqueID()];
+            if (known && !replaces) {
+                complain(0,
+                         file + ": \"" + toUtf8(configuration->name()) + "\" is there already and was left as it is");
+                continue;
+            }
+            ++imported;
+            if (known)
+                *std::find(result.begin(), result.end(), known) = configuration;
+            else
+                result.push_back(configuration);
+            known = configuration;
+        }
+        for (const auto& configuration : result) {
+            if (!configuration->combinedConfiguration())
+                continue;
+            const auto members = *configuration->configurations();
+            for (const auto& member : members)
+                configuration->deleteConfiguration(member);
+            for (const auto& member : members)
+                configuration->addConfiguration(here.at(member->uniqueID()));
+        }
     }
-    return status;
+    model::ImprinterModel model;
+    model.setConfigurations(std::move(result));
+    if (const auto failure = own.save(model))
+        return complain(cannotWrite, toUtf8(failure->sentence));
+    std::cout << imported << (imported == 1 ? " configuration was imported\n" : " configurations were imported\n");
+    return done;
+}
+
+int preview(const fs::path& store, const std::vector<std::string>& arguments) {
+    std::string problem;
+    const auto sorted = sortArguments(arguments, {"--configuration", "--output"}, {}, problem);
+    if (!sorted)
+        return complain(usage, problem);
+    if (sorted->values("--configuration").size() != 1)
+        return complain(usage, "which configuration? Name one with --configuration; `imprinter list` shows them");
+    const auto output = sorted->value("--output");
+    if (output.empty())
+        return complain(usage, "where to? Name a picture with --output");
+    if (sorted->files.size() > 1)
+        return complain(usage, "a preview has one sample page only");
+    const auto all = readStore(store);
+    const auto configuration = all ? configurationCalled(sorted->value("--configuration"), *all) : nullptr;
+    if (!configuration)
+        return noConfiguration;
+    const WorkFolder folder;
+    if (!folder.isThere())
+        return complain(cannotWrite, "a folder for temporary files cannot be made");
+    const fs::path sample = sorted->files.empty() ? app::samplePage() : fs::path(sorted->files.front());
+    engine::PreviewStamper stamper(folder / "");
+    const auto outcome = stamper.stamp(sample, configuration);
+    if (!outcome)
+        return complain(badInput, sample.string() + ": " + outcome.sentence);
+    const auto extension = fs::path(output).extension().string();
+    const bool written = QImage(QString::fromStdString(outcome.path.string()))
+                             .save(QString::fromStdString(output), extension.empty() ? "png" : nullptr);
+    return written ? done : complain(cannotWrite, output + ": The output cannot be written.");
 }
 
 } // namespace cli

@@ -15,6 +15,7 @@ enum Status : int {
     cannotWrite = 3,     ///< a result cannot be written
     noConfiguration = 4, ///< no configuration, or more than one, has the name, or the store cannot be read
     usage = 64,          ///< the command line is not understood
+    interrupted = 130,   ///< ended by an interrupt
 };
 
 /// Whether a window could be shown: the session has a display, or the environment names a platform to show it on.
@@ -29,8 +30,19 @@ bool nameAStore(const std::vector<std::string>& arguments);
 /// not. Nothing on disk changes.
 bool isUsable(const std::filesystem::path& store);
 
+/// A command that works with the configurations of a store and without a window. Answers the exit status.
+using Command = int (*)(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+
+/// The command of that name; null for none.
+Command commandCalled(const std::string& name);
+
 int list(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+int show(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+int exportConfigurations(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+int importConfigurations(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+int preview(const std::filesystem::path& store, const std::vector<std::string>& arguments);
 int stamp(const std::filesystem::path& store, const std::vector<std::string>& arguments);
+int unstamp(const std::filesystem::path& store, const std::vector<std::string>& arguments);
 
 extern const char* const helpText;
 

@@ -7,6 +7,19 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <malloc.h>
+
+namespace {
+
+/// Documents are full of streams that live for a moment. By default each large one would be asked of the system anew.
+void keepMemory() {
+    constexpr int largestKept = 32 << 20; // the most the allocator takes
+    mallopt(M_MMAP_THRESHOLD, largestKept);
+    mallopt(M_TRIM_THRESHOLD, 4 * largestKept);
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     std::filesystem::path store = store::Store::defaultPath();
@@ -28,7 +41,8 @@ int main(int argc, char** argv) {
         }
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
-        if (command == "list" || command == "stamp" || command == "pictures") {
+        const auto work = cli::commandCalled(command);
+        if (work || command == "pictures") {
             if (cli::askForHelp(arguments)) {
                 std::cout << cli::helpText;
                 return cli::done;
@@ -39,10 +53,10 @@ int main(int argc, char** argv) {
                 return cli::usage;
             }
         }
-        if (command == "list")
-            return cli::list(store, arguments);
-        if (command == "stamp")
-            return cli::stamp(store, arguments);
+        if (work) {
+            keepMemory();
+            return work(store, arguments);
+        }
         if (command == "pictures") {
             if (arguments.size() != 1) {
                 std::cerr << "imprinter: `pictures` takes the folder to leave them in\n";

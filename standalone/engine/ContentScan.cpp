@@ -55,10 +55,10 @@ std::size_t skipImage(std::string_view content, std::size_t at) {
     return content.size();
 }
 
-} // namespace
-
-ContentBalance scanContent(std::string_view content) {
-    ContentBalance balance;
+/// Calls `meet` with each operator and name of the content and where it stands, and with the offset where its operands
+/// begin. Strings, comments and the data of inline images are passed over.
+template <class Meet>
+void walk(std::string_view content, Meet meet) {
     bool inImage = false;
     for (std::size_t at = 0; at < content.size();) {
         const char c = content[at];
@@ -82,32 +82,85 @@ ContentBalance scanContent(std::string_view content) {
             while (at < content.size() && classOf(content[at]) == regular)
                 ++at;
             const auto token = content.substr(begin, at - begin);
-            if (token == "q") {
-                ++balance.openStates;
-            } else if (token == "Q") {
-                if (balance.openStates > 0)
-                    --balance.openStates;
-                else
-                    balance.surplusRestores.push_back(begin);
-            } else if (token == "BT") {
-                balance.openText = true;
-            } else if (token == "ET") {
-                balance.openText = false;
-            } else if (token == "BDC" || token == "BMC") {
-                ++balance.openMarks;
-            } else if (token == "EMC") {
-                balance.openMarks -= balance.openMarks > 0 ? 1 : 0;
-            } else if (token == "BI") {
+            if (token == "BI") {
                 inImage = true;
             } else if (token == "ID" && inImage) {
                 at = skipImage(content, at + 1);
                 inImage = false;
+            } else {
+                meet(token, begin);
             }
         } else {
             ++at;
         }
     }
+}
+
+} // namespace
+
+ContentBalance scanContent(std::string_view content) {
+    ContentBalance balance;
+    walk(content, [&balance](std::string_view token, std::size_t at) {
+        if (token == "q") {
+            ++balance.openStates;
+        } else if (token == "Q") {
+            if (balance.openStates > 0)
+                --balance.openStates;
+            else
+                balance.surplusRestores.push_back(at);
+        } else if (token == "BT") {
+            balance.openText = true;
+        } else if (token == "ET") {
+            balance.openText = false;
+        } else if (token == "BDC" || token == "BMC") {
+            ++balance.openMarks;
+        } else if (token == "EMC") {
+            balance.openMarks -= balance.openMarks > 0 ? 1 : 0;
+        }
+    });
     return balance;
+}
+
+std::vector<ContentMark> findMarks(std::string_view content) {
+    std::vector<ContentMark> marks;
+    std::size_t depth = 0;
+    std::size_t tagAt = 0;
+    std::string_view tag;
+    std::string_view lastName;
+    walk(content, [&](std::string_view token, std::size_t at) {
+        if (token.starts_with('/')) {
+            // The first name after an operator is the tag, if a mark follows.
+            if (tag.empty()) {
+                tag = token;
+                tagAt = at;
+            }
+            lastName = token;
+            return;
+        }
+        const bool isOperand = token.find_first_not_of("+-.0123456789") == std::string_view::npos || token == "true" ||
+                               token == "false" || token == "null";
+        if (isOperand)
+            return;
+        if (token == "BDC" || token == "BMC") {
+            if (depth++ == 0) {
+                const auto begin = tag.empty() ? at : tagAt;
+                const auto properties = tag.empty() || token == "BMC"
+                                            ? std::string_view()
+                                            : content.substr(tagAt + tag.size(), at - tagAt - tag.size());
+                marks.push_back({begin, 0, tag, properties, {}});
+            }
+        } else if (token == "EMC" && depth > 0) {
+            if (--depth == 0)
+                marks.back().end = at + token.size();
+        } else if (token == "Do" && depth > 0) {
+            marks.back().drawn.emplace_back(lastName);
+        }
+        tag = {};
+        lastName = {};
+    });
+    if (depth > 0)
+        marks.pop_back();
+    return marks;
 }
 
 } // namespace engine

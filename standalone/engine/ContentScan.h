@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,5 +18,17 @@ struct ContentBalance {
 
 /// Counts the operators of a decoded content stream. Strings, comments and the data of inline images are passed over.
 ContentBalance scanContent(std::string_view content);
+
+/// Marked content with properties.
+struct ContentMark {
+    std::size_t begin = 0; ///< Of its tag.
+    std::size_t end = 0;   ///< After its `EMC`.
+    std::string_view tag;
+    std::string_view properties;    ///< As they stand there: a dictionary or a name.
+    std::vector<std::string> drawn; ///< Names that `Do` draws inside.
+};
+
+/// The outermost marks of a decoded content stream that are closed, in order. They refer to `content`.
+std::vector<ContentMark> findMarks(std::string_view content);
 
 } // namespace engine

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Flate.h"
 
+#include <algorithm>
 #include <new>
 
 #define ZLIB_CONST
@@ -11,6 +12,8 @@ namespace engine {
 namespace {
 
 constexpr std::size_t kLargestResult = 64 << 20;
+constexpr int kWindowBits = 12;
+constexpr int kMemoryLevel = 5;
 
 void setInput(z_stream& stream, std::string_view bytes) {
     stream.next_in = reinterpret_cast<const Bytef*>(bytes.data());
@@ -25,7 +28,9 @@ struct Flate::Streams {
 };
 
 Flate::Flate() : m_streams(new Streams) {
-    if (::deflateInit(&m_streams->deflating, Z_DEFAULT_COMPRESSION) != Z_OK ||
+    // Small pieces need small tables, which are quick to clear.
+    if (::deflateInit2(&m_streams->deflating, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWindowBits, kMemoryLevel,
+                       Z_DEFAULT_STRATEGY) != Z_OK ||
         ::inflateInit(&m_streams->inflating) != Z_OK)
         throw std::bad_alloc();
 }
@@ -47,23 +52,24 @@ std::string Flate::deflate(std::string_view plain) {
     return result;
 }
 
-std::optional<std::string> Flate::inflate(std::string_view deflated) {
+bool Flate::inflate(std::string_view deflated, std::string& plain) {
     z_stream& stream = m_streams->inflating;
     ::inflateReset(&stream);
-    std::string result(deflated.size() * 4 + 256, '\0');
+    const auto before = plain.size();
     setInput(stream, deflated);
+    plain.resize(std::max(plain.capacity(), before + deflated.size() * 4 + 256));
     for (;;) {
-        stream.next_out = reinterpret_cast<Bytef*>(result.data()) + stream.total_out;
-        stream.avail_out = static_cast<uInt>(result.size() - stream.total_out);
+        stream.next_out = reinterpret_cast<Bytef*>(plain.data()) + before + stream.total_out;
+        stream.avail_out = static_cast<uInt>(plain.size() - before - stream.total_out);
         const int code = ::inflate(&stream, Z_NO_FLUSH);
         if (code == Z_STREAM_END)
             break;
-        if (code != Z_OK || stream.avail_out > 0 || result.size() > kLargestResult)
-            return std::nullopt;
-        result.resize(result.size() * 2);
+        if (code != Z_OK || stream.avail_out > 0 || plain.size() > kLargestResult)
+            return false;
+        plain.resize(plain.size() * 2);
     }
-    result.resize(stream.total_out);
-    return result;
+    plain.resize(before + stream.total_out);
+    return true;
 }
 
 } // namespace engine

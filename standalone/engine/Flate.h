@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,8 +14,9 @@ public:
     ~Flate();
 
     std::string deflate(std::string_view plain);
-    /// None where the data is broken, breaks off or becomes larger than 64 MB.
-    std::optional<std::string> inflate(std::string_view deflated);
+    /// Appends to `plain`. False where the data is broken, breaks off or becomes larger than 64 MB; `plain` is then of
+    /// no use.
+    bool inflate(std::string_view deflated, std::string& plain);
 
 private:
     struct Streams;

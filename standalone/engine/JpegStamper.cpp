@@ -10,11 +10,15 @@
 
 #include <jpeglib.h>
 
+#include <jerror.h>
+
 namespace engine {
 
 namespace {
 
-[[noreturn]] void failJpeg(j_common_ptr) {
+[[noreturn]] void failJpeg(j_common_ptr info) {
+    if (info->err->msg_code == JERR_IMAGE_TOO_BIG)
+        throw Failure(Code::tooLarge, "The picture has more than 100 million pixels.");
     throw Failure(Code::damaged, "The picture is damaged.");
 }
 

@@ -75,6 +75,8 @@ std::optional<std::u16string> valueOf(const std::u16string& placeholder, const F
         return number(facts.pageNumber);
     if (placeholder == u"%recordPageCount%")
         return number(facts.recordPageCount);
+    if (placeholder == u"%runningNumber%")
+        return number(facts.runningNumber);
     if (placeholder == u"%recordName%")
         return facts.recordName;
     if (placeholder == u"%user%")

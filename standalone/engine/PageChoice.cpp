@@ -4,6 +4,7 @@
 #include <Foundation/NSString.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace engine {
 
@@ -55,6 +56,51 @@ std::vector<std::size_t> choosePages(host::NSInteger occurrence, const std::opti
         pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
         break;
     }
+    return pages;
+}
+
+std::optional<std::vector<PageRange>> readPageRanges(std::string_view text) {
+    std::vector<PageRange> ranges;
+    const auto number = [](std::string_view digits, std::size_t missing) -> std::optional<std::size_t> {
+        if (digits.empty())
+            return missing;
+        std::size_t value = 0;
+        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+        return read.ec == std::errc() && read.ptr == digits.data() + digits.size() && value > 0 ? std::optional(value)
+                                                                                                : std::nullopt;
+    };
+    for (;;) {
+        const auto comma = std::min(text.find(','), text.size());
+        auto entry = text.substr(0, comma);
+        while (entry.starts_with(' '))
+            entry.remove_prefix(1);
+        while (entry.ends_with(' '))
+            entry.remove_suffix(1);
+        const auto dash = entry.find('-');
+        if (entry.empty() || entry == "-")
+            return std::nullopt;
+        const auto first = number(entry.substr(0, dash), 1);
+        const auto last = dash == std::string_view::npos
+                              ? first
+                              : number(entry.substr(dash + 1), std::numeric_limits<std::size_t>::max());
+        if (!first || !last || *last < *first)
+            return std::nullopt;
+        ranges.push_back({*first, *last});
+        if (comma == text.size())
+            return ranges;
+        text.remove_prefix(comma + 1);
+    }
+}
+
+std::vector<std::size_t> choosePages(const std::vector<PageRange>& ranges, std::size_t pageCount) {
+    std::vector<bool> chosen(pageCount);
+    for (const auto& range : ranges)
+        for (auto page = range.first; page <= range.last && page <= pageCount; ++page)
+            chosen[page - 1] = true;
+    std::vector<std::size_t> pages;
+    for (std::size_t page = 1; page <= pageCount; ++page)
+        if (chosen[page - 1])
+            pages.push_back(page);
     return pages;
 }
 

@@ -2,6 +2,7 @@
 #include "PdfFonts.h"
 
 #include "CompactFont.h"
+#include "Flate.h"
 #include "PdfText.h"
 
 #include <harfbuzz/hb-ot.h>
@@ -143,23 +144,16 @@ std::string toUnicode(const PdfFonts::Font& font) {
     return map + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
 }
 
-QPDFObjectHandle real(double value) {
-    std::string text;
-    appendNumber(text, value);
-    return text.find('.') == std::string::npos ? QPDFObjectHandle::newInteger(std::stoll(text))
-                                               : QPDFObjectHandle::newReal(text);
+/// A stream's entries and data, deflated.
+std::pair<std::string, std::string> deflated(const std::string& plain, const std::string& entries) {
+    return {entries + "/Filter/FlateDecode", Flate().deflate(plain)};
 }
 
-QPDFObjectHandle writeFont(QPDF& document, const PdfFonts::Font& font, const std::string& program) {
+std::string writeFont(PdfObjects& objects, const PdfFonts::Font& font) {
     const Face& face = *font.face;
     const double perMille = 1000.0 / face.unitsPerEm();
-    const auto name = QPDFObjectHandle::newName("/" + subsetTag(font) + "+" + face.postScriptName());
-
-    auto file = document.newStream(program);
-    if (face.isCompact())
-        file.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/CIDFontType0C"));
-    else
-        file.getDict().replaceKey("/Length1", QPDFObjectHandle::newInteger(static_cast<long long>(program.size())));
+    std::string name;
+    appendName(name, "/" + subsetTag(font) + "+" + face.postScriptName());
 
     Box bounds{0, -face.descent(), 0, face.ascent()};
     std::map<unsigned, double> widths;
@@ -174,99 +168,97 @@ QPDFObjectHandle writeFont(QPDF& document, const PdfFonts::Font& font, const std
         bounds.lly = std::min(bounds.lly, static_cast<double>(extents.y_bearing + extents.height));
     }
 
-    auto descriptor = QPDFObjectHandle::parse("<< /Type /FontDescriptor /Flags 4 /StemV 80 >>");
-    descriptor.replaceKey("/FontName", name);
-    auto box = QPDFObjectHandle::newArray();
-    for (const double value : {bounds.llx, bounds.lly, bounds.urx, bounds.ury})
-        box.appendItem(real(value * perMille));
-    descriptor.replaceKey("/FontBBox", box);
-    descriptor.replaceKey("/ItalicAngle", real(hb_style_get_value(face.font(), HB_STYLE_TAG_SLANT_ANGLE)));
-    descriptor.replaceKey("/Ascent", real(face.ascent() * perMille));
-    descriptor.replaceKey("/Descent", real(-face.descent() * perMille));
+    const auto [fileEntries, file] = deflated(
+        font.program, face.isCompact() ? "/Subtype/CIDFontType0C" : "/Length1 " + std::to_string(font.program.size()));
+    std::string descriptor = "<</Type/FontDescriptor/Flags 4/StemV 80/FontName " + name + "/FontBBox [";
+    for (const double value : {bounds.llx, bounds.lly, bounds.urx, bounds.ury}) {
+        appendNumber(descriptor, value * perMille);
+        descriptor += ' ';
+    }
+    descriptor += ']';
+    const auto entry = [&descriptor](const char* key, double value) {
+        descriptor += key;
+        descriptor += ' ';
+        appendNumber(descriptor, value);
+    };
+    entry("/ItalicAngle", static_cast<double>(hb_style_get_value(face.font(), HB_STYLE_TAG_SLANT_ANGLE)));
+    entry("/Ascent", face.ascent() * perMille);
+    entry("/Descent", -face.descent() * perMille);
     hb_position_t capHeight = 0;
     hb_ot_metrics_get_position_with_fallback(face.font(), HB_OT_METRICS_TAG_CAP_HEIGHT, &capHeight);
-    descriptor.replaceKey("/CapHeight", real(capHeight * perMille));
-    descriptor.replaceKey(face.isCompact() ? "/FontFile3" : "/FontFile2", file);
+    entry("/CapHeight", capHeight * perMille);
+    descriptor += (face.isCompact() ? "/FontFile3 " : "/FontFile2 ") + objects.addStream(fileEntries, file) + ">>";
 
-    auto descendant = QPDFObjectHandle::parse(
-        "<< /Type /Font /CIDSystemInfo << /Registry (Adobe) /Ordering (Identity) /Supplement 0 >> /DW 0 >>");
-    descendant.replaceKey("/Subtype", QPDFObjectHandle::newName(face.isCompact() ? "/CIDFontType0" : "/CIDFontType2"));
-    descendant.replaceKey("/BaseFont", name);
-    descendant.replaceKey("/FontDescriptor", document.makeIndirectObject(descriptor));
-    if (!face.isCompact())
-        descendant.replaceKey("/CIDToGIDMap", QPDFObjectHandle::newName("/Identity"));
-    auto widthArray = QPDFObjectHandle::newArray();
+    std::string descendant = "<</Type/Font/CIDSystemInfo<</Registry(Adobe)/Ordering(Identity)/Supplement 0>>/DW 0";
+    descendant += face.isCompact() ? "/Subtype/CIDFontType0" : "/Subtype/CIDFontType2/CIDToGIDMap/Identity";
+    descendant += "/BaseFont " + name + "/FontDescriptor " + objects.add(descriptor) + "/W [";
     for (auto width = widths.begin(); width != widths.end();) {
-        widthArray.appendItem(QPDFObjectHandle::newInteger(width->first));
-        auto list = QPDFObjectHandle::newArray();
-        for (unsigned code = width->first; width != widths.end() && width->first == code; ++width, ++code)
-            list.appendItem(real(width->second));
-        widthArray.appendItem(list);
+        descendant += std::to_string(width->first) + " [";
+        for (unsigned code = width->first; width != widths.end() && width->first == code; ++width, ++code) {
+            appendNumber(descendant, width->second);
+            descendant += ' ';
+        }
+        descendant += ']';
     }
-    descendant.replaceKey("/W", widthArray);
+    descendant += "]>>";
 
-    auto result = QPDFObjectHandle::parse("<< /Type /Font /Subtype /Type0 /Encoding /Identity-H >>");
-    result.replaceKey("/BaseFont", name);
-    auto descendants = QPDFObjectHandle::newArray();
-    descendants.appendItem(document.makeIndirectObject(descendant));
-    result.replaceKey("/DescendantFonts", descendants);
-    result.replaceKey("/ToUnicode", document.newStream(toUnicode(font)));
-    return document.makeIndirectObject(result);
+    const auto [mapEntries, map] = deflated(toUnicode(font), {});
+    const auto descendants = objects.add(descendant);
+    return objects.add("<</Type/Font/Subtype/Type0/Encoding/Identity-H/BaseFont " + name + "/DescendantFonts [" +
+                       descendants + "]/ToUnicode " + objects.addStream(mapEntries, map) + ">>");
 }
 
 } // namespace
 
-void PdfFonts::collect(const Stamp& stamp) {
-    for (const auto& shape : stamp.shapes) {
-        const auto* run = std::get_if<GlyphRun>(&shape);
-        if (!run)
-            continue;
-        auto& font = m_fonts[run->face.get()];
-        font.face = run->face;
-        const auto& glyphs = run->glyphs;
-        for (std::size_t i = 0; i < glyphs.size(); ++i) {
-            // A glyph that shares its cluster with others stands for no text of its own.
-            const bool alone = !glyphs[i].text.empty() && (i + 1 == glyphs.size() || !glyphs[i + 1].text.empty());
-            auto& text = font.glyphs[glyphs[i].glyph];
-            if (alone && text.empty())
-                text = glyphs[i].text;
-        }
+const PdfFonts::Font* PdfFonts::collect(const GlyphRun& run) {
+    const Face* const face = run.face.get();
+    if (!face->mayBeEmbedded() || m_outlined.count(face) > 0) {
+        m_outlined.insert(face);
+        m_outlinedFaces.insert(face->postScriptName());
+        return nullptr;
     }
+    const auto [place, isNew] = m_fonts.try_emplace(face);
+    auto& font = place->second;
+    if (isNew) {
+        font.face = run.face;
+        font.number = static_cast<std::uint16_t>(m_order.size());
+        m_order.push_back(&font);
+    }
+    const auto& glyphs = run.glyphs;
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        // A glyph that shares its cluster with others stands for no text of its own.
+        const bool alone = !glyphs[i].text.empty() && (i + 1 == glyphs.size() || !glyphs[i + 1].text.empty());
+        auto& text = font.glyphs[glyphs[i].glyph];
+        if (alone && text.empty())
+            text = glyphs[i].text;
+    }
+    return &font;
 }
 
-void PdfFonts::embed(QPDF& document, std::set<std::string>& sentences) {
-    // By name, so that the same job numbers its fonts alike.
-    std::vector<Font*> order;
-    for (auto& [face, font] : m_fonts)
-        order.push_back(&font);
-    std::sort(order.begin(), order.end(), [](const Font* a, const Font* b) {
-        return std::pair(a->face->file(), a->face->index()) < std::pair(b->face->file(), b->face->index());
-    });
-    std::size_t number = 0;
-    for (auto* font : order) {
-        const auto program = font->face->mayBeEmbedded() ? subset(*font->face, font->glyphs) : std::nullopt;
+bool PdfFonts::subset() {
+    bool whole = true;
+    for (auto& [face, font] : m_fonts) {
+        auto program = engine::subset(*face, font.glyphs);
         if (!program) {
-            sentences.insert("The font \"" + font->face->postScriptName() +
-                             "\" may not be embedded; its text is drawn as outlines and cannot be searched.");
-            m_fonts.erase(font->face.get());
+            m_outlined.insert(face);
+            whole = false;
             continue;
         }
-        font->resourceName = "/F" + std::to_string(number++);
-        font->codes = program->codes;
-        font->object = writeFont(document, *font, program->bytes);
+        font.codes = std::move(program->codes);
+        font.program = std::move(program->bytes);
     }
+    if (!whole) {
+        m_fonts.clear();
+        m_order.clear();
+    }
+    return whole;
 }
 
-const PdfFonts::Font* PdfFonts::fontFor(const Face& face) const {
-    const auto found = m_fonts.find(&face);
-    return found == m_fonts.end() ? nullptr : &found->second;
-}
-
-QPDFObjectHandle PdfFonts::resources() const {
-    auto dictionary = QPDFObjectHandle::newDictionary();
-    for (const auto& [face, font] : m_fonts)
-        dictionary.replaceKey(font.resourceName, font.object);
-    return dictionary;
+std::string PdfFonts::write(PdfObjects& objects) const {
+    std::string dictionary = "<<";
+    for (const auto* font : m_order)
+        dictionary += font->resourceName() + ' ' + writeFont(objects, *font);
+    return dictionary + ">>";
 }
 
 } // namespace engine

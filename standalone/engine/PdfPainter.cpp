@@ -42,16 +42,25 @@ void appendPath(std::string& content, const Path& path, double scale, Point orig
 
 } // namespace
 
-std::string PdfPainter::paint(const Stamp& stamp) {
-    std::string content;
+PdfPainter::Content PdfPainter::paint(const Stamp& stamp) {
+    Content content;
     m_opacity = "1"; // what a form starts with
     for (const auto& shape : stamp.shapes) {
         if (const auto* run = std::get_if<GlyphRun>(&shape))
             paintRun(content, *run);
         else
-            paintPath(content, std::get<PathShape>(shape));
+            paintPath(content.text, std::get<PathShape>(shape));
     }
     return content;
+}
+
+void PdfPainter::fillCodes(Content& content) const {
+    std::string digits;
+    for (const auto& code : content.codes) {
+        digits.clear();
+        appendCodeHex(digits, m_fonts.fontNumbered(code.font).codes.at(code.glyph));
+        content.text.replace(code.offset, 4, digits);
+    }
 }
 
 void PdfPainter::setColour(std::string& content, const Colour& colour, bool stroked) {
@@ -68,13 +77,13 @@ void PdfPainter::setColour(std::string& content, const Colour& colour, bool stro
         appendOperator(content, {colour.red, colour.green, colour.blue}, stroked ? "RG" : "rg");
 }
 
-void PdfPainter::paintRun(std::string& content, const GlyphRun& run) {
-    setColour(content, run.colour, run.outlined);
+void PdfPainter::paintRun(Content& content, const GlyphRun& run) {
+    setColour(content.text, run.colour, run.outlined);
     if (run.outlined) {
-        appendOperator(content, {run.strokeWidth}, "w");
-        content += "1 j\n[] 0 d\n";
+        appendOperator(content.text, {run.strokeWidth}, "w");
+        content.text += "1 j\n[] 0 d\n";
     }
-    if (const auto* font = m_fonts.fontFor(*run.face)) {
+    if (const auto* font = m_fonts.collect(run)) {
         paintText(content, run, *font);
         return;
     }
@@ -82,35 +91,36 @@ void PdfPainter::paintRun(std::string& content, const GlyphRun& run) {
     bool any = false;
     for (const auto& glyph : run.glyphs) {
         const Path& outline = run.face->outline(glyph.glyph);
-        appendPath(content, outline, scale, {glyph.x, glyph.y});
+        appendPath(content.text, outline, scale, {glyph.x, glyph.y});
         any = any || !outline.elements.empty();
     }
     if (any)
-        content += run.outlined ? "S\n" : "f\n";
+        content.text += run.outlined ? "S\n" : "f\n";
 }
 
-void PdfPainter::paintText(std::string& content, const GlyphRun& run, const PdfFonts::Font& font) {
+void PdfPainter::paintText(Content& result, const GlyphRun& run, const PdfFonts::Font& font) {
+    std::string& content = result.text;
     const double perMille = 1000.0 / run.face->unitsPerEm();
     const auto& glyphs = run.glyphs;
-    content += "BT\n" + font.resourceName + ' ';
+    content += "BT\n" + font.resourceName() + ' ';
     appendOperator(content, {run.size}, "Tf");
     content += run.outlined ? "1 Tr\n" : "0 Tr\n";
 
     double penX = 0;
     double penY = 0;
     bool placed = false;
-    std::string array; // the operand of TJ being gathered
+    bool inArray = false; // an operand of TJ is being written
     bool inString = false;
     const auto closeString = [&] {
         if (inString)
-            array += '>';
+            content += '>';
         inString = false;
     };
     const auto flush = [&] {
         closeString();
-        if (!array.empty())
-            content += '[' + array + "] TJ\n";
-        array.clear();
+        if (inArray)
+            content += "] TJ\n";
+        inArray = false;
     };
     for (std::size_t i = 0; i < glyphs.size();) {
         std::size_t end = i + 1;
@@ -135,13 +145,17 @@ void PdfPainter::paintText(std::string& content, const GlyphRun& run, const PdfF
                 placed = true;
             } else if (std::abs(gap) > 0.01) {
                 closeString();
-                appendNumber(array, -gap);
+                appendNumber(content, -gap);
                 penX = glyph.x;
             }
+            if (!inArray)
+                content += '[';
             if (!inString)
-                array += '<';
-            inString = true;
-            appendCodeHex(array, font.codes.at(glyph.glyph));
+                content += '<';
+            inArray = inString = true;
+            result.codes.push_back(
+                {static_cast<std::uint32_t>(content.size()), font.number, static_cast<std::uint16_t>(glyph.glyph)});
+            content += "0000";
             penX += run.face->advance(glyph.glyph) * perMille * run.size / 1000;
         }
         if (spelledOut) {
@@ -168,17 +182,15 @@ void PdfPainter::paintPath(std::string& content, const PathShape& shape) {
     content += shape.stroked ? "S\n" : "f\n";
 }
 
-QPDFObjectHandle PdfPainter::resources() const {
-    auto dictionary = QPDFObjectHandle::newDictionary();
-    dictionary.replaceKey("/Font", m_fonts.resources());
+std::string PdfPainter::writeResources(PdfObjects& objects) const {
+    std::string dictionary = "<</Font " + m_fonts.write(objects);
     if (!m_opacities.empty()) {
-        auto states = QPDFObjectHandle::newDictionary();
+        dictionary += "/ExtGState<<";
         for (const auto& [opacity, name] : m_opacities)
-            states.replaceKey(
-                name, QPDFObjectHandle::parse("<< /Type /ExtGState /ca " + opacity + " /CA " + opacity + " >>"));
-        dictionary.replaceKey("/ExtGState", states);
+            dictionary += name + "<</Type/ExtGState/ca " + opacity + "/CA " + opacity + ">>";
+        dictionary += ">>";
     }
-    return dictionary;
+    return dictionary + ">>";
 }
 
 } // namespace engine

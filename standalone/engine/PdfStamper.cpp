@@ -1,349 +1,332 @@
 // SPDX-License-Identifier: MIT
 #include "PdfStamper.h"
 
-#include "ContentScan.h"
-#include "Flate.h"
+#include "MappedFile.h"
 #include "OutputFile.h"
-#include "PdfFonts.h"
-#include "PdfPainter.h"
-#include "PdfText.h"
+#include "PageTree.h"
+#include "PageWriter.h"
+#include "PdfUpdate.h"
 #include "PictureFile.h"
+#include "StampRemoval.h"
 
-#include <engine/PageChoice.h>
 #include <engine/Placement.h>
 
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFExc.hh>
-#include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFSystemError.hh>
 #include <qpdf/QPDFWriter.hh>
 
-#include <cmath>
+#include <algorithm>
+#include <future>
+#include <memory>
 
 namespace engine {
 
 namespace {
 
-/// A stamp on a page.
-struct Placed {
-    const StampPlan* plan;
-    const Stamp* stamp;
-    Matrix userFromStamp;
+/// What signatures say about a document.
+struct Signatures {
+    bool present = false;
+    bool certifying = false; ///< One of them forbids changes of the pages.
 };
 
-Box boxOf(QPDFObjectHandle object, const Box& missing) {
-    if (!object.isRectangle())
-        return missing;
-    const auto box = object.getArrayAsRectangle();
-    return {box.llx, box.lly, box.urx, box.ury};
-}
-
-PageGeometry geometryOf(QPDFPageObjectHelper page) {
-    PageGeometry geometry;
-    const Box letter = geometry.mediaBox;
-    geometry.mediaBox = boxOf(page.getAttribute("/MediaBox", false), letter);
-    if (geometry.mediaBox.width() == 0 || geometry.mediaBox.height() == 0)
-        geometry.mediaBox = letter;
-    geometry.cropBox = boxOf(page.getAttribute("/CropBox", false), geometry.mediaBox);
-    auto rotate = page.getAttribute("/Rotate", false);
-    if (rotate.isNumber() && std::abs(rotate.getNumericValue()) < 1e6 &&
-        rotate.getNumericValue() == std::floor(rotate.getNumericValue()))
-        geometry.rotate = static_cast<int>(rotate.getNumericValue());
-    auto unit = page.getObjectHandle().getKey("/UserUnit");
-    if (unit.isNumber())
-        geometry.userUnit = unit.getNumericValue();
-    return geometry;
-}
-
-/// Whether one of these form fields, or of the fields below them, is a signature that was given.
-bool anySigned(QPDFObjectHandle fields, int levels) {
-    if (!fields.isArray() || levels == 0)
+bool certifies(QPDFObjectHandle signature) {
+    auto references = signature.getKey("/Reference");
+    if (!references.isArray())
         return false;
-    for (auto field : fields.getArrayAsVector())
-        if (field.isDictionary() &&
-            ((field.getKey("/FT").isNameAndEquals("/Sig") && field.getKey("/V").isDictionary()) ||
-             anySigned(field.getKey("/Kids"), levels - 1)))
+    for (auto reference : references.getArrayAsVector())
+        if (reference.isDictionary() && reference.getKey("/TransformMethod").isNameAndEquals("/DocMDP"))
             return true;
     return false;
 }
 
-bool isSigned(QPDFObjectHandle root) {
+/// Looks for signatures that were given among these form fields and the fields below them.
+void findSignatures(QPDFObjectHandle fields, int levels, Signatures& found) {
+    if (!fields.isArray() || levels == 0)
+        return;
+    for (auto field : fields.getArrayAsVector()) {
+        if (!field.isDictionary())
+            continue;
+        auto value = field.getKey("/V");
+        if (field.getKey("/FT").isNameAndEquals("/Sig") && value.isDictionary()) {
+            found.present = true;
+            found.certifying = found.certifying || certifies(value);
+        }
+        findSignatures(field.getKey("/Kids"), levels - 1, found);
+    }
+}
+
+Signatures signaturesOf(QPDFObjectHandle root) {
+    Signatures found;
+    auto permissions = root.getKey("/Perms");
+    found.certifying = permissions.isDictionary() && permissions.hasKey("/DocMDP");
     auto form = root.getKey("/AcroForm");
-    if (!form.isDictionary())
-        return false;
-    auto flags = form.getKey("/SigFlags");
-    return (flags.isInteger() && flags.getIntValue() & 1) || anySigned(form.getKey("/Fields"), 16);
+    if (form.isDictionary()) {
+        auto flags = form.getKey("/SigFlags");
+        found.present = flags.isInteger() && flags.getIntValue() & 1;
+        constexpr int deepest = 16;
+        findSignatures(form.getKey("/Fields"), deepest, found);
+    }
+    return found;
 }
 
 void refuseWhatMustNotChange(QPDF& document, const StampJob& job) {
     if (document.isEncrypted() && !document.ownerPasswordMatched() && !document.allowModifyOther())
         throw Failure(Code::notPermitted, "The document forbids changes; its owner's password lifts that.");
-    auto root = document.getRoot();
-    auto permissions = root.getKey("/Perms");
-    if (permissions.isDictionary() && permissions.hasKey("/DocMDP"))
+    const auto signatures = signaturesOf(document.getRoot());
+    if (signatures.certifying)
         throw Failure(Code::certified, "The document is certified; a stamp would break that.");
-    if (!job.breakSignatures && isSigned(root))
-        throw Failure(Code::isSigned, "The document is signed; a stamp would make its signatures invalid.");
+    if (!job.allowSigned && signatures.present)
+        throw Failure(Code::isSigned, "The document is signed, and it was not allowed to change it.");
 }
 
-/// Puts stamps on the pages of one document.
-class PageWriter {
+/// Tells how far a run is, and ends it where it is told to.
+class Progress {
 public:
-    PageWriter(QPDF& document, PdfPainter& painter) : m_document(document), m_painter(painter) {}
+    explicit Progress(const StampJob& job) : m_job(job) {}
 
-    void stamp(QPDFObjectHandle page, const std::vector<Placed>& stamps) {
-        QPDFPageObjectHelper helper(page);
-        const auto closing = wrapContents(page);
-        auto resources = ownDictionary(page, "/Resources", helper.getAttribute("/Resources", false));
-        auto objects = ownDictionary(resources, "/XObject", resources.getKey("/XObject"));
-        std::string content = closing;
-        for (const auto& placed : stamps) {
-            const auto name = addObject(objects, formFor(*placed.stamp));
-            content += "/Artifact <</Type /Pagination /Subtype /Watermark /ImprinterStamp " +
-                       QPDFObjectHandle::newUnicodeString(placed.plan->identifier).unparse() + ">> BDC\nq ";
-            const Matrix& m = placed.userFromStamp;
-            for (const double number : {m.a, m.b, m.c, m.d, m.e, m.f}) {
-                appendNumber(content, number);
-                content += ' ';
-            }
-            content += "cm " + name + " Do Q\nEMC\n";
-        }
-        auto& stream = m_suffixes[content];
-        if (!stream.isStream())
-            stream = newStream(content);
-        auto contents = page.getKey("/Contents");
-        contents.appendItem(stream);
-    }
-
-    /// Once all pages are done.
-    void finish() {
-        if (m_resources.isInitialized())
-            m_document.replaceObject(m_resources.getObjGen(), m_painter.resources());
+    /// `share`: from 0 to 1.
+    void tell(double share, std::size_t pages) const {
+        if (m_job.progress && !m_job.progress(static_cast<std::size_t>(share * static_cast<double>(pages)), pages))
+            throw Failure(Code::cancelled, "The run was cancelled.");
     }
 
 private:
-    /// Makes the page's contents an array of its own that runs between `q` and `Q`, and answers what the next stream
-    /// must begin with to close it.
-    std::string wrapContents(QPDFObjectHandle page) {
-        auto contents = page.getKey("/Contents");
-        std::vector<QPDFObjectHandle> streams;
-        if (contents.isStream())
-            streams.push_back(contents);
-        else if (contents.isArray())
-            for (auto item : contents.getArrayAsVector())
-                if (item.isStream())
-                    streams.push_back(item);
-        if (streams.empty()) {
-            page.replaceKey("/Contents", QPDFObjectHandle::newArray());
-            return {};
-        }
-        std::vector<QPDFObjGen> key;
-        for (auto stream : streams)
-            key.push_back(stream.getObjGen());
-        auto [place, isNew] = m_wraps.try_emplace(key);
-        if (isNew)
-            place->second = wrapFor(streams);
-        if (!m_save.isInitialized())
-            m_save = newStream("q\n");
-        auto array = QPDFObjectHandle::newArray();
-        array.appendItem(m_save);
-        for (const auto& stream : place->second.streams)
-            array.appendItem(stream);
-        page.replaceKey("/Contents", array);
-        return place->second.closing;
-    }
-
-    /// Deflated here where that makes it smaller; the document's writer would set up its tables for each one.
-    QPDFObjectHandle newStream(const std::string& content) {
-        const auto deflated = m_flate.deflate(content);
-        const bool smaller = deflated.size() + 20 < content.size(); // the filter's entry
-        auto stream = m_document.newStream(smaller ? deflated : content);
-        if (smaller)
-            stream.getDict().replaceKey("/Filter", QPDFObjectHandle::newName("/FlateDecode"));
-        else
-            stream.setFilterOnWrite(false);
-        return stream;
-    }
-
-    void appendDecoded(QPDFObjectHandle stream, std::string& content) {
-        auto dictionary = stream.getDict();
-        if (dictionary.getKey("/Filter").isNameAndEquals("/FlateDecode") && !dictionary.hasKey("/DecodeParms")) {
-            const auto raw = stream.getRawStreamData();
-            const auto plain = m_flate.inflate({reinterpret_cast<const char*>(raw->getBuffer()), raw->getSize()});
-            if (plain) {
-                content += *plain;
-                return;
-            }
-        }
-        const auto data = stream.getStreamData(qpdf_dl_generalized);
-        content.append(reinterpret_cast<const char*>(data->getBuffer()), data->getSize());
-    }
-
-    struct Wrap {
-        std::vector<QPDFObjectHandle> streams;
-        std::string closing;
-    };
-
-    Wrap wrapFor(const std::vector<QPDFObjectHandle>& streams) {
-        Wrap wrap{streams, "\nQ\n"};
-        std::string content;
-        try {
-            for (auto stream : streams) {
-                appendDecoded(stream, content);
-                content += '\n';
-            }
-        } catch (const QPDFExc&) {
-            return wrap; // What cannot be decoded cannot be mended either.
-        }
-        const auto balance = scanContent(content);
-        if (!balance.surplusRestores.empty()) {
-            // Viewers pass over a restore without a save. Inside the wrapper it would end the wrapper.
-            for (const auto offset : balance.surplusRestores)
-                content[offset] = ' ';
-            wrap.streams = {newStream(content)};
-        }
-        wrap.closing = "\n";
-        if (balance.openText)
-            wrap.closing += "ET\n";
-        for (std::size_t i = 0; i < balance.openMarks; ++i)
-            wrap.closing += "EMC\n";
-        for (std::size_t i = 0; i <= balance.openStates; ++i)
-            wrap.closing += "Q\n";
-        return wrap;
-    }
-
-    /// A dictionary that is the owner's alone: what may be inherited, or shared as an indirect object, is copied.
-    static QPDFObjectHandle ownDictionary(QPDFObjectHandle owner, const std::string& key, QPDFObjectHandle present) {
-        owner.replaceKey(key, present.isDictionary() ? present.shallowCopy() : QPDFObjectHandle::newDictionary());
-        return owner.getKey(key);
-    }
-
-    static std::string addObject(QPDFObjectHandle objects, QPDFObjectHandle object) {
-        for (std::size_t number = 0;; ++number) {
-            const auto name = "/ImprinterStamp" + std::to_string(number);
-            if (objects.hasKey(name))
-                continue;
-            objects.replaceKey(name, object);
-            return name;
-        }
-    }
-
-    QPDFObjectHandle formFor(const Stamp& stamp) {
-        auto& form = m_forms[&stamp];
-        if (form.isStream())
-            return form;
-        if (!m_resources.isInitialized())
-            m_resources = m_document.makeIndirectObject(QPDFObjectHandle::newDictionary());
-        form = newStream(m_painter.paint(stamp));
-        auto dictionary = form.getDict();
-        dictionary.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
-        dictionary.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-        std::string box = "[";
-        // A point of air, since renderers clip to whole pixels of the box.
-        for (const double edge : {stamp.ink.llx - 1, stamp.ink.lly - 1, stamp.ink.urx + 1, stamp.ink.ury + 1}) {
-            appendNumber(box, edge);
-            box += ' ';
-        }
-        dictionary.replaceKey("/BBox", QPDFObjectHandle::parse(box + "]"));
-        dictionary.replaceKey("/Resources", m_resources);
-        return form;
-    }
-
-    QPDF& m_document;
-    PdfPainter& m_painter;
-    Flate m_flate;
-    QPDFObjectHandle m_save;
-    QPDFObjectHandle m_resources;
-    std::map<std::vector<QPDFObjGen>, Wrap> m_wraps;
-    std::map<std::string, QPDFObjectHandle> m_suffixes;
-    std::map<const Stamp*, QPDFObjectHandle> m_forms;
+    const StampJob& m_job;
 };
 
-std::size_t stampDocument(QPDF& document, const StampJob& job, const Facts& facts, Report& report) {
-    const auto& pages = document.getAllPages();
-    if (pages.empty())
-        throw Failure(Code::damaged, "The document has no pages.");
-    FaceLibrary faces(job.defaultFont);
-    const auto plans = planStamps(job.configurations, faces, report);
-    std::vector<StampCache> caches(plans.size());
-    std::vector<std::vector<const StampPlan*>> chosen(pages.size());
-    for (const auto& plan : plans)
-        for (const auto page : choosePages(plan.occurrence, plan.customPages, pages.size()))
-            chosen[page - 1].push_back(&plan);
+/// The number of pages the document says it has; 0 where that cannot be.
+std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
+    auto count = document.getRoot().getKey("/Pages").getKey("/Count");
+    // No page takes less than this, so that a lie costs nothing.
+    constexpr long long smallestPage = 8;
+    return count.isInteger() && count.getIntValue() > 0 &&
+                   count.getIntValue() < static_cast<long long>(bytes.size()) / smallestPage
+               ? static_cast<std::size_t>(count.getIntValue())
+               : 0;
+}
 
-    PdfFonts fonts;
-    std::set<const Stamp*> collected;
-    std::vector<std::vector<Placed>> placed(pages.size());
-    std::size_t stampedPages = 0;
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        if (chosen[i].empty())
-            continue;
-        if (job.progress && i % 16 == 0 && !job.progress(i, pages.size()))
-            throw Failure(Code::cancelled, "The run was cancelled.");
-        Facts pageFacts = facts;
-        pageFacts.pageNumber = i + 1;
-        pageFacts.recordPageCount = pages.size();
-        const auto geometry = geometryOf(QPDFPageObjectHelper(pages[i]));
-        for (const auto* plan : chosen[i]) {
-            auto& cache = caches[static_cast<std::size_t>(plan - plans.data())];
-            const auto& stamp = cache.stampFor(*plan, pageFacts, faces, report);
-            if (!stamp)
-                continue;
-            if (collected.insert(stamp.get()).second)
-                fonts.collect(*stamp);
-            const auto place = placeStamp(stamp->size, shownSize(geometry), plan->anchor, plan->offset, plan->degrees);
-            placed[i].push_back({plan, stamp.get(), place.then(userSpaceFromShown(geometry))});
+/// A press at work on a thread of its own, which ends with this object.
+class PressRun {
+public:
+    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, std::size_t pageCount,
+             bool aside)
+        : m_pageCount(pageCount), m_press(plans, facts, faces),
+          m_done(std::async(aside ? std::launch::async : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {
+    }
+    ~PressRun() {
+        m_press.stop();
+        if (m_done.valid())
+            m_done.wait();
+    }
+    PressRun(const PressRun&) = delete;
+    PressRun& operator=(const PressRun&) = delete;
+
+    std::size_t pageCount() const { return m_pageCount; }
+    StampPress& finish() {
+        m_done.get();
+        return m_press;
+    }
+
+private:
+    std::size_t m_pageCount;
+    StampPress m_press;
+    std::future<void> m_done;
+};
+
+enum class Task { stamp, unstamp };
+
+/// One document being worked on.
+class PdfStamping {
+public:
+    PdfStamping(Task task, const StampJob& job, const Facts& facts, Report& report)
+        : m_task(task), m_job(job), m_facts(facts), m_report(report), m_progress(job), m_file(job.input) {}
+
+    std::size_t run() {
+        const auto bytes = m_file.bytes();
+        m_document.setSuppressWarnings(true);
+        m_document.processMemoryFile(m_job.input.c_str(), bytes.data(), bytes.size(), m_job.password.c_str());
+        m_linearized = m_document.isLinearized();
+        refuseWhatMustNotChange(m_document, m_job);
+
+        FaceLibrary faces(m_job.defaultFont);
+        std::vector<StampPlan> plans;
+        if (m_task == Task::stamp || !m_job.configurations.empty())
+            plans = planStamps(m_job.configurations, m_job.pages, faces, m_report);
+        std::set<std::string> identifiers;
+        for (const auto& plan : plans)
+            identifiers.insert(plan.identifier);
+        const bool removesAll = m_task == Task::unstamp && m_job.configurations.empty();
+        const bool removes = m_task == Task::unstamp || m_job.replace;
+
+        const bool aside = m_job.threads > 1;
+        std::optional<PressRun> press;
+        if (const auto stated = statedPageCount(m_document, bytes); stated > 0 && m_task == Task::stamp)
+            press.emplace(plans, m_facts, faces, stated, aside);
+
+        const auto& pages = m_document.getAllPages();
+        if (pages.empty())
+            throw Failure(Code::damaged, "The document has no pages.");
+        if (m_task == Task::stamp && (!press || press->pageCount() != pages.size())) {
+            press.reset();
+            press.emplace(plans, m_facts, faces, pages.size(), aside);
         }
-        stampedPages += placed[i].empty() ? 0 : 1;
+
+        const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();
+        auto reader = std::make_unique<ContentReader>(inFile ? bytes : std::string_view(), aside);
+        std::vector<PageWriter::Page> sources(pages.size());
+        std::vector<bool> stripped(pages.size());
+        Inheritance inheritance;
+        std::vector<bool> isChosen(pages.size());
+        for (const auto& plan : plans)
+            if (m_task == Task::stamp)
+                for (const auto page : plan.pagesOf(pages.size()))
+                    isChosen[page - 1] = true;
+        Flate flate;
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            if (i % 64 == 0)
+                m_progress.tell(0.4 * static_cast<double>(i) / static_cast<double>(pages.size()), pages.size());
+            if (!isChosen[i] && !removes)
+                continue;
+            auto& source = sources[i];
+            source.object = pages[i];
+            auto streams = streamsOf(source.object.getKey("/Contents"));
+            StrippedContent content;
+            if (removes)
+                content = stripStamps(streams, removesAll ? nullptr : &identifiers, flate);
+            stripped[i] = content.found;
+            if (!isChosen[i] && !content.found)
+                continue;
+            const auto attributes = inheritance.of(source.object);
+            source.geometry = geometryOf(source.object, attributes);
+            source.resources = attributes.resources;
+            source.drops = std::move(content.names);
+            source.content = content.text ? reader->add(std::move(*content.text))
+                                          : reader->add(content.found ? content.streams : streams);
+        }
+        reader->finish(m_document.anyWarnings());
+        StampPress* stamps = nullptr;
+        std::size_t changed = 0;
+        if (m_task == Task::stamp) {
+            stamps = &press->finish();
+            m_report.sentences.insert(stamps->report().sentences.begin(), stamps->report().sentences.end());
+            changed = stamps->stampedPages();
+            if (changed == 0)
+                throw Failure(Code::nothingToStamp, "There is nothing to stamp on any page of the document.");
+        } else {
+            changed = static_cast<std::size_t>(std::count(stripped.begin(), stripped.end(), true));
+            if (changed == 0)
+                throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
+        }
+
+        const auto write = [&](PdfObjects& objects, double last) {
+            m_file.release();
+            {
+                PageWriter writer(objects, plans, stamps, *reader);
+                for (std::size_t i = 0; i < pages.size(); ++i) {
+                    if (i % 64 == 0)
+                        m_progress.tell(0.4 + (last - 0.4) * static_cast<double>(i) / static_cast<double>(pages.size()),
+                                        pages.size());
+                    if (stamps && !stamps->pages()[i].empty())
+                        writer.stamp(sources[i], stamps->pages()[i]);
+                    else if (stripped[i])
+                        writer.bare(sources[i]);
+                }
+            }
+            // The writer of the document needs none of it.
+            sources = {};
+            reader.reset();
+            press.reset();
+            inheritance = {};
+        };
+        if (mayUpdate())
+            update(write);
+        else
+            rewrite(write);
+        if (m_document.anyWarnings())
+            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+        return changed;
     }
-    if (stampedPages == 0)
-        throw Failure(Code::nothingToStamp, "There is nothing to stamp on any page of the document.");
 
-    fonts.embed(document, report.sentences);
-    PdfPainter painter(fonts);
-    PageWriter writer(document, painter);
-    for (std::size_t i = 0; i < pages.size(); ++i)
-        if (!placed[i].empty())
-            writer.stamp(pages[i], placed[i]);
-    writer.finish();
-    return stampedPages;
-}
-
-void writeDocument(QPDF& document, const StampJob& job, bool linearized) {
-    const auto pageCount = document.getAllPages().size();
-    OutputFile output(job.output);
-    try {
-        // The writer replaces the entry of a repaired trailer, but adds none.
-        document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
-        QPDFWriter writer(document);
-        writer.setOutputFile(job.output.c_str(), output.stream(), false);
-        writer.setMinimumPDFVersion("1.4");
-        writer.setLinearization(linearized);
-        if (job.deterministic && !document.isEncrypted())
-            writer.setDeterministicID(true);
-        writer.write();
-    } catch (const QPDFSystemError& error) {
-        throw std::system_error(error.getErrno(), std::generic_category());
+private:
+    /// Whether the file is continued instead of being written anew; asked when all of it has been read.
+    bool mayUpdate() {
+        const bool isSigned = signaturesOf(m_document.getRoot()).present;
+        if (m_job.saving == Saving::rewrite && !isSigned)
+            return false;
+        bool possible = PdfUpdate::isPossible(m_document, m_file.bytes());
+        // A page that stands twice in the tree became an object that the file does not have.
+        const auto size = m_document.getTrailer().getKey("/Size").getIntValue();
+        for (auto page : m_document.getAllPages())
+            possible = possible && page.getObjectID() < size;
+        if (isSigned && !possible)
+            throw Failure(Code::isSigned, "The document is signed and can only be written anew, which would make its "
+                                          "signatures invalid.");
+        if (m_job.saving == Saving::update && !possible)
+            throw Failure(Code::unsupported, "The document cannot be updated incrementally.");
+        // What is removed shall not stay in the file.
+        const bool isBetter = !m_linearized && m_task == Task::stamp;
+        return possible && (isSigned || m_job.saving == Saving::update || isBetter);
     }
-    if (job.progress && !job.progress(pageCount, pageCount))
-        throw Failure(Code::cancelled, "The run was cancelled.");
-    output.commit();
-}
 
-} // namespace
+    template <class Write>
+    void update(const Write& write) {
+        OutputFile output(m_job.output);
+        PdfUpdate objects(m_document, m_file.bytes(), m_file.descriptor(), output);
+        objects.requireVersion("1.4");
+        write(objects, 1.0);
+        objects.finish();
+        commit(output);
+    }
 
-std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report) {
+    template <class Write>
+    void rewrite(const Write& write) {
+        PdfRewrite objects(m_document);
+        write(objects, 0.6);
+        OutputFile output(m_job.output);
+        try {
+            // The writer replaces the entry of a repaired trailer, but adds none.
+            m_document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+            QPDFWriter writer(m_document);
+            writer.setOutputFile(m_job.output.c_str(), output.stream(), false);
+            writer.setMinimumPDFVersion("1.4");
+            writer.setLinearization(m_linearized);
+            if (m_job.deterministic && !m_document.isEncrypted())
+                writer.setDeterministicID(true);
+            const auto pageCount = m_document.getAllPages().size();
+            writer.registerProgressReporter(
+                std::make_shared<QPDFWriter::FunctionProgressReporter>([this, pageCount](int percent) {
+                    m_file.release();
+                    m_progress.tell(0.6 + 0.004 * percent, pageCount);
+                }));
+            writer.write();
+        } catch (const QPDFSystemError& error) {
+            throw std::system_error(error.getErrno(), std::generic_category());
+        }
+        commit(output);
+    }
+
+    void commit(OutputFile& output) {
+        const auto pageCount = m_document.getAllPages().size();
+        m_progress.tell(1, pageCount);
+        output.commit();
+    }
+
+    Task m_task;
+    const StampJob& m_job;
+    Facts m_facts;
+    Report& m_report;
+    Progress m_progress;
+    MappedFile m_file;
+    QPDF m_document;
+    bool m_linearized = false;
+};
+
+/// Answers what `work` does; what the library throws becomes a `Failure`.
+template <class Work>
+std::size_t guarded(const StampJob& job, const Work& work) {
     try {
-        QPDF document;
-        document.setSuppressWarnings(true);
-        document.processFile(job.input.c_str(), job.password.c_str());
-        const bool linearized = document.isLinearized();
-        refuseWhatMustNotChange(document, job);
-        const auto stampedPages = stampDocument(document, job, facts, report);
-        writeDocument(document, job, linearized);
-        if (document.anyWarnings())
-            report.sentences.insert("The document was damaged; it was repaired as far as possible.");
-        return stampedPages;
+        return work();
     } catch (const QPDFExc& error) {
         switch (error.getErrorCode()) {
         case qpdf_e_password:
@@ -367,6 +350,26 @@ std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report) {
     } catch (const std::logic_error&) {
         throw Failure(Code::damaged, "The document is damaged beyond repair.");
     }
+}
+
+} // namespace
+
+std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report) {
+    return guarded(job, [&] { return PdfStamping(Task::stamp, job, facts, report).run(); });
+}
+
+std::size_t unstampPdf(const StampJob& job, Report& report) {
+    return guarded(job, [&] { return PdfStamping(Task::unstamp, job, {}, report).run(); });
+}
+
+std::size_t countPdfPages(const StampJob& job) {
+    return guarded(job, [&] {
+        const MappedFile file(job.input);
+        QPDF document;
+        document.setSuppressWarnings(true);
+        document.processMemoryFile(job.input.c_str(), file.bytes().data(), file.bytes().size(), job.password.c_str());
+        return document.getAllPages().size();
+    });
 }
 
 } // namespace engine

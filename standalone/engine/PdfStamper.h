@@ -7,8 +7,15 @@
 
 namespace engine {
 
-/// Stamps a PDF document, which is rewritten, and answers how many pages were stamped. `facts` are those that hold for
+/// Stamps a PDF document, and answers how many pages were stamped. `facts` are those that hold for
 /// the whole file. Throws `Failure`, or std::system_error where the output cannot be written.
 std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report);
+
+/// Removes the stamps of the job's configurations, or all where it has none, and answers from how many pages. Throws as
+/// `stampPdf` does.
+std::size_t unstampPdf(const StampJob& job, Report& report);
+
+/// Throws `Failure`.
+std::size_t countPdfPages(const StampJob& job);
 
 } // namespace engine

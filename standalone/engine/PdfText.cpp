@@ -24,6 +24,21 @@ void appendCodeHex(std::string& content, unsigned code) {
         content += digits[code >> shift & 0xF];
 }
 
+void appendName(std::string& content, std::string_view name) {
+    static const char digits[] = "0123456789ABCDEF";
+    content += '/';
+    for (const char c : name.substr(1)) {
+        const auto code = static_cast<unsigned char>(c);
+        if (code > 0x20 && code < 0x7F && std::string_view("#()<>[]{}/%").find(c) == std::string_view::npos) {
+            content += c;
+        } else {
+            content += '#';
+            content += digits[code >> 4];
+            content += digits[code & 0xF];
+        }
+    }
+}
+
 void appendUtf16Hex(std::string& content, std::u16string_view text) {
     for (const char16_t unit : text)
         appendCodeHex(content, unit);

@@ -15,4 +15,7 @@ void appendUtf16Hex(std::string& content, std::u16string_view text);
 /// The two bytes of `code` as hexadecimal digits.
 void appendCodeHex(std::string& content, unsigned code);
 
+/// A name as files write it; `name` is decoded and begins with a slash.
+void appendName(std::string& content, std::string_view name);
+
 } // namespace engine

@@ -169,10 +169,10 @@ Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sa
         if (!configuration)
             throw Failure(Code::nothingToStamp, "There is no configuration to stamp.");
         const auto& [image, geometry] = m_state->decoded(sample);
-        const Facts facts{1, 1, platform::fromUtf8(sample.stem().string()), accountName(), now};
+        const Facts facts{1, 1, 1, platform::fromUtf8(sample.stem().string()), accountName(), now};
         std::vector<Patch> patches;
         QRect touched;
-        for (const auto& plan : planStamps({configuration}, m_state->faces, report)) {
+        for (const auto& plan : planStamps({configuration}, {}, m_state->faces, report)) {
             const auto title = resolveTitle(plan.appearance, facts, report);
             const auto stamp = layOut(plan.appearance, title, m_state->faces, report);
             if (!stamp)

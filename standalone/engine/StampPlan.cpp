@@ -22,7 +22,7 @@ void collect(const Configurations& configurations, std::vector<const host::Impri
         if (!configuration->combinedConfiguration()) {
             plans.push_back({platform::toUtf8(configuration->uniqueID()), readAppearance(*configuration, faces, report),
                              configuration->position(), configuration->offset(), configuration->rotation(),
-                             configuration->occurance(), configuration->customOccurance()});
+                             configuration->occurance(), configuration->customOccurance(), std::nullopt});
             continue;
         }
         const auto members = configuration->configurations();
@@ -36,11 +36,19 @@ void collect(const Configurations& configurations, std::vector<const host::Impri
 
 } // namespace
 
-std::vector<StampPlan> planStamps(const Configurations& configurations, FaceLibrary& faces, Report& report) {
+std::vector<StampPlan> planStamps(const Configurations& configurations,
+                                  const std::optional<std::vector<PageRange>>& ranges, FaceLibrary& faces,
+                                  Report& report) {
     std::vector<StampPlan> plans;
     std::vector<const host::ImprinterConfiguration*> above;
     collect(configurations, above, faces, report, plans);
+    for (auto& plan : plans)
+        plan.ranges = ranges;
     return plans;
+}
+
+std::vector<std::size_t> StampPlan::pagesOf(std::size_t pageCount) const {
+    return ranges ? choosePages(*ranges, pageCount) : choosePages(occurrence, customPages, pageCount);
 }
 
 std::u16string accountName() {
@@ -51,16 +59,6 @@ std::u16string accountName() {
     const std::string full = account->pw_gecos ? account->pw_gecos : "";
     const auto name = full.substr(0, full.find(','));
     return platform::fromUtf8(name.empty() ? account->pw_name : name);
-}
-
-const std::shared_ptr<const Stamp>& StampCache::stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,
-                                                         Report& report) {
-    auto title = resolveTitle(plan.appearance, facts, report);
-    const auto found = m_stamps.find(title);
-    if (found != m_stamps.end())
-        return found->second;
-    auto stamp = layOut(plan.appearance, title, faces, report);
-    return m_stamps.emplace(std::move(title), std::move(stamp)).first->second;
 }
 
 } // namespace engine

@@ -2,8 +2,7 @@
 #pragma once
 
 #include <engine/Layout.h>
-
-#include <unordered_map>
+#include <engine/PageChoice.h>
 
 namespace engine {
 
@@ -16,25 +15,18 @@ struct StampPlan {
     double degrees = 0;
     host::NSInteger occurrence = 0;
     std::optional<std::u16string> customPages;
+    std::optional<std::vector<PageRange>> ranges; ///< In place of the two before.
+
+    std::vector<std::size_t> pagesOf(std::size_t pageCount) const;
 };
 
 /// The ordinary configurations in stamping order: a combined one is replaced by its members, which may be combined
 /// themselves. A combined one among its own members is passed over there.
 std::vector<StampPlan> planStamps(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations,
-                                  FaceLibrary& faces, Report& report);
+                                  const std::optional<std::vector<PageRange>>& ranges, FaceLibrary& faces,
+                                  Report& report);
 
 /// What the account calls its user: the full name, else the short one.
 std::u16string accountName();
-
-/// The laid-out titles of one plan, each distinct one made once.
-class StampCache {
-public:
-    /// Null for a blank title.
-    const std::shared_ptr<const Stamp>& stampFor(const StampPlan& plan, const Facts& facts, FaceLibrary& faces,
-                                                 Report& report);
-
-private:
-    std::unordered_map<std::u16string, std::shared_ptr<const Stamp>> m_stamps;
-};
 
 } // namespace engine

@@ -6,8 +6,6 @@
 #include "PictureFile.h"
 #include "StampPlan.h"
 
-#include <engine/PageChoice.h>
-
 #include <Foundation/NSString.h>
 
 #include <fstream>
@@ -38,17 +36,18 @@ Facts factsOf(const StampJob& job) {
     facts.recordName = job.recordName.empty() ? platform::fromUtf8(job.input.stem().string()) : job.recordName;
     facts.user = job.user.empty() ? accountName() : job.user;
     facts.now = job.now;
+    facts.runningNumber = job.firstNumber;
     return facts;
 }
 
 std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
-    const auto plans = planStamps(job.configurations, faces, report);
+    const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto facts = factsOf(job);
     const PartsFor partsFor = [&](const PictureGeometry& geometry) {
         PictureParts parts;
         for (const auto& plan : plans) {
-            if (choosePages(plan.occurrence, plan.customPages, 1).empty())
+            if (plan.pagesOf(1).empty())
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
             if (stamp)
@@ -71,7 +70,11 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
 
 } // namespace
 
-Outcome stampFile(const StampJob& job) {
+namespace {
+
+/// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
+template <class Work>
+Outcome outcomeOf(const StampJob& job, const Work& work) {
     Report report;
     Outcome outcome;
     outcome.path = job.input;
@@ -81,11 +84,8 @@ Outcome stampFile(const StampJob& job) {
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
-        outcome.pagesStamped =
-            kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
+        outcome.pagesStamped = work(kind, report);
         outcome.path = job.output;
-        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
-                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
     } catch (const Failure& failure) {
         outcome.code = failure.code();
         outcome.sentence = failure.what();
@@ -95,6 +95,55 @@ Outcome stampFile(const StampJob& job) {
         outcome.path = job.output;
     }
     outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
+    return outcome;
+}
+
+} // namespace
+
+Outcome stampFile(const StampJob& job) {
+    auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
+        return kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
+    });
+    if (outcome)
+        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
+                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+    return outcome;
+}
+
+std::size_t countPages(const StampJob& job) {
+    try {
+        switch (kindOf(job.input)) {
+        case Kind::unknown:
+            return 0;
+        case Kind::pdf:
+            return countPdfPages(job);
+        default:
+            return 1;
+        }
+    } catch (const Failure&) {
+        return 0; // whoever stamps the file says why
+    }
+}
+
+bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations) {
+    FaceLibrary faces;
+    Report report;
+    for (const auto& plan : planStamps(configurations, {}, faces, report))
+        for (const auto& piece : plan.appearance.pieces)
+            if (piece.placeholder && piece.text == u"%runningNumber%")
+                return true;
+    return false;
+}
+
+Outcome unstampFile(const StampJob& job) {
+    auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
+        if (kind != Kind::pdf)
+            throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be removed.");
+        return unstampPdf(job, report);
+    });
+    if (outcome)
+        outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
+                           (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
 }
 

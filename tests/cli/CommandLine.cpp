@@ -284,7 +284,8 @@ TEST_F(CommandLine, AnIncompleteCommandSaysWhatIsMissing) {
         const char* says;
     };
     for (const auto& row :
-         {Row{"stamp --output o.pdf a.pdf", "--configuration"}, Row{"stamp --configuration Received a.pdf", "--output"},
+         {Row{"stamp --output o.pdf a.pdf", "--configuration"},
+          Row{"stamp --configuration Received --output '' a.pdf", "--output"},
           Row{"stamp --configuration Received --output o.pdf", "which file"},
           Row{"stamp --configuration", "--configuration needs a value"}, Row{"stamp --colour red", "--colour"},
           Row{"stampede", "stampede"}, Row{"list all", "list"}, Row{"--store", "--store needs a value"},

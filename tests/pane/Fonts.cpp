@@ -224,6 +224,12 @@ TEST_F(FontCatalog, OnlyTheExactAttributeRegularStandsForAFamily) {
     EXPECT_NE(fontOf(*catalog->fontMenu(true)->itemAtIndex(0)), u"");
 }
 
+TEST_F(FontCatalog, WhereNoFaceIsRegularAPlainOneStandsForTheFamily) {
+    const auto catalog = catalogOf(
+        {{u"A", u"Bodoni", u"Bodoni Bold"}, {u"B", u"Bodoni", u"Bodoni Roman"}, {u"C", u"Bodoni", u"Bodoni Italic"}});
+    EXPECT_EQ(fontOf(*catalog->fontMenu(true)->itemAtIndex(0)), u"B");
+}
+
 TEST_F(FontCatalog, AFamilyWithoutFacesIsListedWithAPlainTitle) {
     const auto menu = catalogOf({{u"A", u"Optima", u"O"}, {u"B", u"Arial", u"Arial"}})->fontMenu(true);
     EXPECT_EQ(titlesOf(*menu), (Names{u"Arial", u"Optima"}));

@@ -10,6 +10,10 @@ int DocumentBytes::add(const std::string& body) {
     return static_cast<int>(m_objects.size());
 }
 
+void DocumentBytes::replace(int number, const std::string& body) {
+    m_objects[static_cast<std::size_t>(number) - 1] = body;
+}
+
 int DocumentBytes::addStream(const std::string& data, const std::string& entries) {
     return add("<< /Length " + std::to_string(data.size()) + " " + entries + " >>\nstream\n" + data + "\nendstream");
 }

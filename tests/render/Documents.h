@@ -11,6 +11,8 @@ class DocumentBytes {
 public:
     /// Adds an object and answers its number; the first one is 1 and must be the catalog.
     int add(const std::string& body);
+    /// Gives an object that was added another body.
+    void replace(int number, const std::string& body);
     int addStream(const std::string& data, const std::string& entries = {});
     /// `trailer`: further entries of the trailer.
     std::string bytes(const std::string& trailer = {}) const;

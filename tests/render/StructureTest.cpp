@@ -104,6 +104,10 @@ TEST(PdfStructure, StampsAreMarkedAsArtifactsWithTheirConfiguration) {
 TEST(PdfStructure, OldVersionsAreRaisedForTransparency) {
     Work work(document(1, kPage, ""));
     ASSERT_TRUE(work.stamp());
+    EXPECT_NE(run("pdfinfo " + quoted(work.task.output)).output.find("PDF version:     1.4"), std::string::npos);
+    EXPECT_EQ(work.check().find("WARNING"), std::string::npos);
+    work.task.saving = engine::Saving::rewrite;
+    ASSERT_TRUE(work.stamp());
     EXPECT_EQ(readFile(work.task.output).substr(0, 8), "%PDF-1.4");
 }
 
@@ -153,7 +157,7 @@ TEST(PdfStructure, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
 TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >>"));
     EXPECT_EQ(work.stamp().code, Code::isSigned);
-    work.task.breakSignatures = true;
+    work.task.allowSigned = true;
     EXPECT_TRUE(work.stamp());
 }
 
@@ -167,7 +171,7 @@ TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
 
 TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
     Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >> /Perms << /DocMDP << /Type /Sig >> >>"));
-    work.task.breakSignatures = true;
+    work.task.allowSigned = true;
     EXPECT_EQ(work.stamp().code, Code::certified);
 }
 

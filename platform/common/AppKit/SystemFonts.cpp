@@ -6,6 +6,8 @@
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
+#include <deque>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -74,23 +76,22 @@ std::optional<std::string_view> textIn(const FcPattern* face, const char* proper
     }
 }
 
-FontNames deriveNames(const FcPattern* face) {
+FontNames deriveNames(const FcPattern* face, std::string_view fontName) {
     auto family = textIn(face, FC_FAMILY, FC_FAMILYLANG, "en");
     const auto language = family ? std::string_view("en") : textOf(face, FC_FAMILYLANG);
     if (!family)
         family = textOf(face, FC_FAMILY);
     const auto full = textIn(face, FC_FULLNAME, FC_FULLNAMELANG, language);
-    const auto style = textIn(face, FC_STYLE, FC_STYLELANG, language).value_or(textOf(face, FC_STYLE));
 
     const bool named =
         full && full->starts_with(*family) && (full->size() == family->size() || (*full)[family->size()] == ' ');
-    FontNames names{fromUtf8(textOf(face, FC_POSTSCRIPT_NAME)), fromUtf8(*family), {}};
-    if (named)
+    FontNames names{fromUtf8(fontName), fromUtf8(*family), {}};
+    if (named) {
         names.displayName = fromUtf8(*full);
-    else if (style.empty())
-        names.displayName = names.familyName;
-    else
-        names.displayName = names.familyName + u' ' + fromUtf8(style);
+    } else {
+        const auto style = textIn(face, FC_STYLE, FC_STYLELANG, language).value_or(textOf(face, FC_STYLE));
+        names.displayName = style.empty() ? names.familyName : names.familyName + u' ' + fromUtf8(style);
+    }
     return names;
 }
 
@@ -109,10 +110,19 @@ public:
     explicit Listing(Config config) : m_config(std::move(config)) {
         for (const auto set : {FcSetSystem, FcSetApplication}) {
             const auto* const faces = FcConfigGetFonts(m_config.get(), set);
+            if (faces)
+                m_entries.reserve(m_entries.size() + static_cast<std::size_t>(faces->nfont));
             for (int i = 0; faces && i < faces->nfont; ++i)
                 add(faces->fonts[i]);
         }
+        tellInstancesApart();
         leaveOutDoubles();
+        m_byName.reserve(m_entries.size());
+        for (std::size_t place = 0; place < m_entries.size(); ++place) {
+            const auto [first, isNew] = m_byName.try_emplace(m_entries[place].name, place);
+            if (!isNew)
+                m_entries[place].next = std::exchange(first->second, place);
+        }
     }
 
     const FcConfig* config() const { return m_config.get(); }
@@ -131,13 +141,14 @@ public:
     }
 
     std::shared_ptr<const FontNames> namesOf(const std::string& name) {
-        const auto best = bestFirst(name);
-        if (best.empty())
+        const auto found = m_byName.find(name);
+        if (found == m_byName.end())
             return nullptr;
-        auto& names = m_entries[best.front()].names;
-        if (!names)
-            names = std::make_shared<const FontNames>(deriveNames(m_entries[best.front()].face));
-        return names;
+        const bool isOnlyOne = m_entries[found->second].next == none;
+        auto& entry = m_entries[isOnlyOne ? found->second : bestFirst(name).front()];
+        if (!entry.names)
+            entry.names = std::make_shared<const FontNames>(deriveNames(entry.face, entry.name));
+        return entry.names;
     }
 
     std::vector<FontFile> filesOf(const std::string& name) const {
@@ -165,17 +176,33 @@ private:
         const auto name = textOf(face, FC_POSTSCRIPT_NAME);
         if (name.empty() || !counts(face))
             return;
-        const auto [place, isNew] = m_byName.try_emplace(name, m_entries.size());
-        m_entries.push_back(
-            {face, name, isNew ? none : std::exchange(place->second, m_entries.size()), name.front() != '.', nullptr});
+        m_entries.push_back({face, name, none, name.front() != '.', nullptr});
+        if (isInstance(face))
+            m_instances.push_back(m_entries.size() - 1);
+    }
+
+    /// Where the file has no name to make theirs from, fontconfig lists all of its instances under one: then the style
+    /// is added.
+    void tellInstancesApart() {
+        std::map<std::pair<std::string_view, std::string_view>, std::vector<std::size_t>> alike;
+        for (const auto place : m_instances)
+            alike[{textOf(m_entries[place].face, FC_FILE), m_entries[place].name}].push_back(place);
+        for (const auto& [key, places] : alike) {
+            if (places.size() == 1)
+                continue;
+            for (const auto place : places) {
+                auto& name = m_derived.emplace_back(key.second);
+                name += '-';
+                for (const char character : textOf(m_entries[place].face, FC_STYLE))
+                    if (character != ' ')
+                        name += character;
+                m_entries[place].name = name;
+            }
+        }
     }
 
     void leaveOutDoubles() {
-        std::vector<Entry*> instances;
-        for (auto& entry : m_entries)
-            if (isInstance(entry.face))
-                instances.push_back(&entry);
-        if (instances.empty())
+        if (m_instances.empty())
             return;
         const auto key = [](const Entry& entry) {
             return std::pair(textOf(entry.face, FC_FAMILY), textOf(entry.face, FC_STYLE));
@@ -184,9 +211,9 @@ private:
         for (const auto& entry : m_entries)
             if (!isInstance(entry.face))
                 statics.insert(key(entry));
-        for (auto* const entry : instances)
-            if (statics.count(key(*entry)))
-                entry->isOffered = false;
+        for (const auto place : m_instances)
+            if (statics.count(key(m_entries[place])))
+                m_entries[place].isOffered = false;
     }
 
     std::vector<std::size_t> bestFirst(const std::string& name) const {
@@ -206,6 +233,8 @@ private:
 
     Config m_config;
     std::vector<Entry> m_entries;
+    std::vector<std::size_t> m_instances;
+    std::deque<std::string> m_derived; // names that the patterns do not have
     std::unordered_map<std::string_view, std::size_t> m_byName;
 };
 

@@ -38,7 +38,8 @@ struct FontFile {
 /// that is damaged or was removed since is found out when somebody draws with it.
 ///
 /// Of the listing, faces count that have a PostScript name and outlines, TrueType or CFF; neither Type 1 files nor the
-/// entries that stand for a variable file as a whole. May be asked by several threads at once.
+/// entries that stand for a variable file as a whole. Where the listing has one PostScript name for several instances
+/// of a variable file, a hyphen and the style are added to it. May be asked by several threads at once.
 class FontSource {
 public:
     virtual ~FontSource();

@@ -15,4 +15,7 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store);
 /// PDF; prints their paths. Answers the program's exit status.
 int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder);
 
+/// The sample page that ships with the pane.
+std::filesystem::path samplePage();
+
 } // namespace app

@@ -14,6 +14,7 @@ namespace engine {
 struct Facts {
     std::size_t pageNumber = 1;
     std::size_t recordPageCount = 1;
+    std::size_t runningNumber = 1; ///< Counts on from file to file.
     std::u16string recordName;
     std::u16string user;
     std::chrono::system_clock::time_point now; ///< Shown in the local time zone, as 2024-02-29 and 18:05.

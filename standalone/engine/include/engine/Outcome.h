@@ -9,18 +9,19 @@ namespace engine {
 
 enum class Code {
     ok,
-    unreadable,     ///< The input cannot be opened or read.
-    unsupported,    ///< The input is no kind of file that can be stamped.
-    damaged,        ///< The input is of a known kind, but broken.
-    encrypted,      ///< The password is missing or wrong.
-    notPermitted,   ///< The document forbids changes, and the owner's password was not given.
-    isSigned,       ///< Stamping would break a signature, and the job does not allow that.
-    certified,      ///< The document is certified against any change of its pages.
-    tooLarge,       ///< A picture of more than `kLargestPicture` pixels.
-    nothingToStamp, ///< No page is chosen, or the title is blank.
-    sameFile,       ///< Output and input are one file, and the job does not say in place.
-    cannotWrite,    ///< The output cannot be written.
-    cancelled,      ///< The job's progress function answered no.
+    unreadable,      ///< The input cannot be opened or read.
+    unsupported,     ///< The input is no kind of file that can be stamped.
+    damaged,         ///< The input is of a known kind, but broken.
+    encrypted,       ///< The password is missing or wrong.
+    notPermitted,    ///< The document forbids changes, and the owner's password was not given.
+    isSigned,        ///< Stamping would break a signature, and the job does not allow that.
+    certified,       ///< The document is certified against any change of its pages.
+    tooLarge,        ///< A picture of more than `kLargestPicture` pixels.
+    nothingToStamp,  ///< No page is chosen, or the title is blank.
+    nothingToRemove, ///< No page bears a stamp that could be removed.
+    sameFile,        ///< Output and input are one file, and the job does not say in place.
+    cannotWrite,     ///< The output cannot be written.
+    cancelled,       ///< The job's progress function answered no.
 };
 
 /// Pictures of more pixels are refused: decoded with 16 bits a channel such a one takes 800 MB.

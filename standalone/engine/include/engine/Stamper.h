@@ -2,12 +2,20 @@
 #pragma once
 
 #include <engine/Outcome.h>
+#include <engine/PageChoice.h>
 #include <host/ImprinterConfiguration.h>
 
 #include <chrono>
 #include <functional>
 
 namespace engine {
+
+/// How a document is written.
+enum class Saving {
+    automatic, ///< Updated where that is possible, unless it is linearized; else written anew.
+    update,    ///< Updated; a failure where that is impossible.
+    rewrite,   ///< Written anew; signed documents are updated nevertheless.
+};
 
 /// One file to stamp. Plain values; the configurations are read when the job runs.
 struct StampJob {
@@ -17,13 +25,24 @@ struct StampJob {
     /// Stamped in order; a combined configuration stands for its members.
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
 
+    /// The pages that are stamped in place of those that the configurations name.
+    std::optional<std::vector<PageRange>> pages;
+    /// What %runningNumber% stands for on the first page of the file; it counts every page, stamped or not.
+    std::size_t firstNumber = 1;
+
     std::u16string recordName; ///< What %recordName% stands for; empty: the input's file name without its extension.
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
-    std::string password;                   ///< The user's or owner's, as bytes; for encrypted documents.
-    bool inPlace = false;                   ///< Output and input may be one file.
-    bool breakSignatures = false;           ///< Stamp signed documents too, which makes their signatures invalid.
+    /// Documents: first remove what earlier runs stamped with the same configurations.
+    bool replace = false;
+
+    std::string password; ///< The user's or owner's, as bytes; for encrypted documents.
+    bool inPlace = false; ///< Output and input may be one file.
+    /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
+    bool allowSigned = false;
+    Saving saving = Saving::automatic;      ///< Documents only.
+    unsigned threads = 2;                   ///< How many the work on the file may take.
     bool deterministic = false;             ///< The same job gives the same bytes (not for encrypted documents).
     std::string defaultFont = "DejaVuSans"; ///< PostScript name; see `FaceLibrary`.
 
@@ -36,5 +55,15 @@ struct StampJob {
 /// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
 /// std::bad_alloc.
 Outcome stampFile(const StampJob& job);
+
+/// How many pages the job's input has: those of a document, one for a picture; 0 where it cannot be read.
+std::size_t countPages(const StampJob& job);
+
+/// Whether the title of one of these configurations, or of a member of one, has the placeholder %runningNumber%.
+bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations);
+
+/// Removes from a PDF document what was stamped with the job's configurations; all stamps where it names none. Facts
+/// and fonts of the job do not count. The document is written anew unless it is signed or the job says otherwise.
+Outcome unstampFile(const StampJob& job);
 
 } // namespace engine

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "Commands.h"
+
+namespace cli {
+
+const char* const helpText =
+    R"(Imprinter stamps titles such as page numbers and "Received" onto PDF documents and pictures.
+
+    imprinter                                      open the window
+    imprinter list                                 list the configurations
+    imprinter show NAME...                         print configurations
+    imprinter stamp --configuration NAME... [--output PATH | --in-place] FILE...
+                                                   stamp files; PATH is a file for one, a folder for several
+    imprinter unstamp [--configuration NAME...] [--output PATH | --in-place] FILE...
+                                                   remove stamps from PDF documents, all or those named
+    imprinter preview --configuration NAME --output PICTURE [SAMPLE]
+                                                   stamp a sample page
+    imprinter export [--output FILE] [NAME...]     write configurations to a file of their own
+    imprinter import [--replace] FILE...           take configurations over from such files
+    imprinter pictures FOLDER                      leave pictures of the program and of stamped samples
+
+    --store FILE           before any command: use the configurations in FILE
+    --configuration NAME   a name or an identifier; given several times, the stamps are put on in that order
+    --output PATH          where to; "-" is the standard output
+    --in-place             replace the files themselves
+                           Without either, the configuration's option to duplicate items decides; the copy lies beside
+                           the file, and its name is printed.
+    --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names
+    --first-number N       where %runningNumber% begins, which counts on through all pages of all files
+    --replace              take away what the same configurations stamped before
+    --password-file FILE   its first line opens encrypted documents
+    --allow-signed         stamp signed documents too; what was signed stays valid. Certified ones are never stamped
+    --incremental          add to the documents, or fail where that is impossible
+    --rewrite              write the documents anew. Without either, what suits each is chosen
+    --jobs N               work on N files at once
+    --json                 print a line of JSON for each file
+    --help, also after a command; --version
+
+FILE may be "-", the standard input, whose result goes to the standard output unless --output says otherwise.
+
+Examples:
+    imprinter stamp --configuration Received --output letter-received.pdf letter.pdf
+    imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
+    imprinter stamp --configuration Received --in-place --replace --jobs 4 inbox/*.pdf
+    produce | imprinter stamp --configuration Confidential - | consume
+    imprinter unstamp --configuration Received --in-place letter.pdf
+
+Exit status: 0 done, 1 the program could not go on, 2 a document could not be read or stamped, 3 a result could not
+be written, 4 no such configuration or none that can be read, 5 there is no display, 64 the command line was not
+understood, 130 interrupted.
+)";
+
+} // namespace cli

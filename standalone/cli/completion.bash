@@ -1,0 +1,56 @@
+# SPDX-License-Identifier: MIT
+# Completes the arguments of imprinter in bash. To be sourced, or installed as
+# share/bash-completion/completions/imprinter.
+
+_imprinter() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} at=1 command
+    local commands='list show stamp unstamp preview export import pictures'
+    local store=()
+    COMPREPLY=()
+    if [[ ${COMP_WORDS[1]} == --store ]]; then
+        store=(--store "${COMP_WORDS[2]}")
+        at=3
+    fi
+    command=${COMP_WORDS[at]}
+
+    local names=false
+    case $before in
+        --configuration) names=true ;;
+        --output | --password-file | --store)
+            compopt -o filenames 2>/dev/null
+            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            return ;;
+        --pages | --first-number | --jobs) return ;;
+    esac
+    if [[ $COMP_CWORD -gt $at && $word != -* && ($command == show || $command == export) ]]; then
+        names=true
+    fi
+    if $names; then
+        local name
+        while IFS= read -r name; do
+            [[ $name == "${word//\\/}"* ]] && COMPREPLY+=("$(printf '%q' "$name")")
+        done < <("${COMP_WORDS[0]}" "${store[@]}" list 2>/dev/null)
+        return
+    fi
+    if [[ $COMP_CWORD -le $at ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$commands --store --help --version" -- "$word")
+        return
+    fi
+    if [[ $word == -* ]]; then
+        local options='--help'
+        case $command in
+            stamp) options+=' --configuration --output --in-place --pages --first-number --replace --password-file
+                --allow-signed --incremental --rewrite --jobs --json' ;;
+            unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
+                --rewrite --jobs --json' ;;
+            preview) options+=' --configuration --output' ;;
+            export) options+=' --output' ;;
+            import) options+=' --replace' ;;
+        esac
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
+        return
+    fi
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+}
+complete -F _imprinter imprinter

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <engine/Placement.h>
+
+#include <qpdf/QPDF.hh>
+
+#include <map>
+#include <vector>
+
+namespace engine {
+
+/// What a page has of its own or gets from its ancestors in the tree; null objects for what it has not.
+struct PageAttributes {
+    QPDFObjectHandle mediaBox;
+    QPDFObjectHandle cropBox;
+    QPDFObjectHandle rotate;
+    QPDFObjectHandle resources;
+};
+
+/// Looks inheritable attributes up, each node of the page tree once.
+class Inheritance {
+public:
+    PageAttributes of(QPDFObjectHandle page);
+
+private:
+    const PageAttributes& ofNode(QPDFObjectHandle node, int level);
+
+    std::map<QPDFObjGen, PageAttributes> m_nodes;
+};
+
+PageGeometry geometryOf(QPDFObjectHandle page, const PageAttributes& attributes);
+
+/// The streams of a page's contents, in order.
+std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents);
+
+} // namespace engine

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "StampRemoval.h"
+
+#include "ContentReader.h"
+#include "ContentScan.h"
+
+#include <qpdf/QPDFExc.hh>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace engine {
+
+namespace {
+
+constexpr std::string_view kTag = "/ImprinterStamp";
+
+/// The identifier that a mark's properties name; none where they are not a stamp's.
+std::optional<std::string> identifierOf(std::string_view properties) {
+    try {
+        auto dictionary = QPDFObjectHandle::parse(std::string(properties));
+        auto identifier =
+            dictionary.isDictionary() ? dictionary.getKey(std::string(kTag)) : QPDFObjectHandle::newNull();
+        return identifier.isString() ? std::optional(identifier.getUTF8Value()) : std::nullopt;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+/// Whether a stream does nothing but close what the content before it left open.
+bool onlyCloses(std::string_view text) {
+    const auto isSpace = [](char c) { return std::string_view("\0\t\n\f\r ", 6).find(c) != std::string_view::npos; };
+    std::size_t at = 0;
+    while (at < text.size()) {
+        if (isSpace(text[at])) {
+            ++at;
+            continue;
+        }
+        auto end = at;
+        while (end < text.size() && !isSpace(text[end]))
+            ++end;
+        const auto token = text.substr(at, end - at);
+        if (token != "Q" && token != "ET" && token != "EMC")
+            return false;
+        at = end;
+    }
+    return true;
+}
+
+} // namespace
+
+StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const std::set<std::string>* wanted,
+                            Flate& flate) {
+    StrippedContent result;
+    std::string text;
+    std::vector<std::size_t> starts;
+    try {
+        for (const auto& stream : streams) {
+            starts.push_back(text.size());
+            text += decodedStream(stream, flate);
+            text += '\n';
+        }
+    } catch (const QPDFExc&) {
+        return result;
+    }
+    if (text.find(kTag) == std::string::npos)
+        return result;
+
+    std::set<std::string> stillUsed;
+    std::vector<ContentMark> gone;
+    for (auto& mark : findMarks(text)) {
+        const auto identifier = mark.tag == "/Artifact" ? identifierOf(mark.properties) : std::optional<std::string>();
+        if (!identifier)
+            continue;
+        const bool goes = !wanted || wanted->count(*identifier) > 0;
+        (goes ? result.names : stillUsed).insert(mark.drawn.begin(), mark.drawn.end());
+        if (goes)
+            gone.push_back(std::move(mark));
+    }
+    if (gone.empty())
+        return result;
+    result.found = true;
+    for (const auto& name : stillUsed)
+        result.names.erase(name);
+
+    // 1. Where the last stream is nothing but ours, so is the one that saves the state before the page's own.
+    std::string last = text.substr(starts.back());
+    std::size_t insideLast = 0;
+    for (auto mark = gone.rbegin(); mark != gone.rend() && mark->begin >= starts.back(); ++mark) {
+        last.erase(mark->begin - starts.back(), mark->end - mark->begin);
+        ++insideLast;
+    }
+    if (insideLast == gone.size() && onlyCloses(last)) {
+        const bool closes = last.find('Q') != std::string::npos;
+        const bool saves = streams.size() > 1 && text.substr(0, starts[1]) == "q\n\n";
+        if (closes == saves) {
+            result.streams.assign(streams.begin() + (saves ? 1 : 0), streams.end() - 1);
+            return result;
+        }
+    }
+    // 2. Else only what draws the stamps goes.
+    for (auto mark = gone.rbegin(); mark != gone.rend(); ++mark)
+        text.erase(mark->begin, mark->end - mark->begin);
+    result.text = std::move(text);
+    return result;
+}
+
+} // namespace engine

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Flate.h"
+
+#include <qpdf/QPDF.hh>
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace engine {
+
+/// A page's content without stamps.
+struct StrippedContent {
+    bool found = false;                    ///< Whether there was any stamp to take away; else nothing else is said.
+    std::vector<QPDFObjectHandle> streams; ///< What is left, where it is whole streams;
+    std::optional<std::string> text;       ///< else all of it as one text.
+    std::set<std::string> names;           ///< Names of resources that only the stamps used.
+};
+
+/// Finds the stamps of earlier runs in a page's content and takes away those of the configurations whose identifiers
+/// are `wanted`; all where it is null. What was wrapped around the content for the stamps goes with the last of them.
+StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const std::set<std::string>* wanted,
+                            Flate& flate);
+
+} // namespace engine

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+// `stamp` and `unstamp` with all their options.
+
+#include "ProgramTest.h"
+
+#include <Foundation/NSString.h>
+
+#include <set>
+
+using namespace cli_test;
+
+namespace {
+
+class Stamping : public ProgramTest {
+protected:
+    /// A file of configurations: "Number" counts on, "Copied" and "Placed" say what becomes of the item.
+    std::string store() {
+        writeFile(folder / "data" / "mine.json", R"({"format": "imprinter-configurations", "version": 1,
+            "configurations": [
+            {"uniqueID": "n", "name": "Number", "titleTokens": ["No. ", "%runningNumber%", "."]},
+            {"uniqueID": "c", "name": "Copied", "duplicateRecord": 1, "titleTokens": ["copied"]},
+            {"uniqueID": "p", "name": "Placed", "duplicateRecord": 2, "titleTokens": ["placed"]},
+            {"uniqueID": "f", "name": "Follows", "titleTokens": ["follows"]},
+            {"uniqueID": "x", "name": "None", "occurance": 4, "customOccurance": "77", "titleTokens": ["never"]}]})");
+        return "--store data/mine.json ";
+    }
+    void SetUp() override { fs::create_directories(folder / "data"); }
+};
+
+} // namespace
+
+TEST_F(Stamping, TwoFilesIntoAFileAreRefusedAndNoFolderOfThatNameIsMade) {
+    letter("a.pdf");
+    letter("b.pdf");
+    for (const std::string name : {"one.pdf", "one.PNG", "a.pdf"}) {
+        const auto before = files();
+        const auto run = imprinter("stamp --configuration Received --output " + name + " a.pdf b.pdf");
+        EXPECT_EQ(run.status, 64);
+        EXPECT_EQ(run.output, "imprinter: \"" + name + "\" is no folder; several files need one\n");
+        EXPECT_EQ(files(), before);
+    }
+    EXPECT_EQ(imprinter("stamp --configuration Received --output one.pdf/ a.pdf b.pdf").status, 0);
+    EXPECT_TRUE(fs::is_directory(folder / "one.pdf"));
+}
+
+TEST_F(Stamping, InPlaceReplacesTheFiles) {
+    letter("a.pdf");
+    letter("b.pdf");
+    const auto run = imprinter("stamp --configuration Received --in-place a.pdf b.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(files(), (std::vector<std::string>{"a.pdf", "b.pdf"}));
+    EXPECT_TRUE(bears("a.pdf", "RECEIVED"));
+    EXPECT_TRUE(bears("b.pdf", "RECEIVED"));
+}
+
+TEST_F(Stamping, WhereNeitherIsAskedForTheConfigurationDecidesBetweenACopyAndInPlace) {
+    const auto options = store();
+    letter();
+    auto run = imprinter(options + "stamp --configuration Copied letter.pdf");
+    EXPECT_EQ(run.output, "letter-stamped.pdf\n");
+    EXPECT_FALSE(bears("letter.pdf", "copied"));
+    EXPECT_TRUE(bears("letter-stamped.pdf", "copied"));
+    run = imprinter(options + "stamp --configuration Copied letter.pdf");
+    EXPECT_EQ(run.output, "letter-stamped-2.pdf\n");
+    run = imprinter(options + "stamp --configuration Placed letter.pdf");
+    EXPECT_EQ(run.output, "");
+    EXPECT_TRUE(bears("letter.pdf", "placed"));
+    // Nothing is stamped in place unless somebody chose it.
+    run = imprinter(options + "stamp --configuration Follows letter.pdf");
+    EXPECT_EQ(run.output, "letter-stamped-3.pdf\n");
+    fs::create_directories(folder / "config" / "imprinter");
+    writeFile(folder / "config" / "imprinter" / "imprinter.ini", "[General]\nImprinterDuplicateRecord=NO\n");
+    run = imprinter(options + "stamp --configuration Follows letter.pdf");
+    EXPECT_EQ(run.output, "");
+    EXPECT_TRUE(bears("letter.pdf", "follows"));
+    // One that wants a copy is enough.
+    run = imprinter(options + "stamp --configuration Placed --configuration Copied letter.pdf");
+    EXPECT_EQ(run.output, "letter-stamped-4.pdf\n");
+}
+
+TEST_F(Stamping, PageRangesTakeThePlaceOfTheConfigurationsPages) {
+    letter("letter.pdf", 12);
+    const auto run = imprinter("stamp --configuration 'Page of Pages' --pages 2-3,7,11- --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    for (int page = 1; page <= 12; ++page)
+        EXPECT_EQ(bears("out.pdf", "Page " + std::to_string(page) + " of 12"),
+                  std::set<int>({2, 3, 7, 11, 12}).count(page) == 1)
+            << page;
+    const auto before = files();
+    for (const std::string list : {"20-", "99"}) {
+        const auto none = imprinter("stamp --configuration Received --pages " + list + " --output x.pdf letter.pdf");
+        EXPECT_EQ(none.status, 2);
+        EXPECT_EQ(none.output, "imprinter: letter.pdf: There is nothing to stamp on any page of the document.\n");
+    }
+    for (const std::string list : {"a", "3-2", "0", "1,,2", "''"})
+        EXPECT_EQ(imprinter("stamp --configuration Received --pages " + list + " --output x.pdf letter.pdf").status, 64)
+            << list;
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(Stamping, AConfigurationWhosePagesAreNoneSaysSo) {
+    const auto options = store();
+    letter();
+    const auto run = imprinter(options + "stamp --configuration None --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: letter.pdf: There is nothing to stamp on any page of the document.\n");
+    EXPECT_EQ(files(), std::vector<std::string>{"letter.pdf"});
+}
+
+TEST_F(Stamping, RunningNumbersCountOnThroughAllFilesOfOneJobWhateverTheNumberOfWorkers) {
+    const auto options = store();
+    letter("a.pdf", 3);
+    letter("b.pdf", 1);
+    letter("c.pdf", 2);
+    ASSERT_TRUE(render::white(200, 100).save((folder / "d.png").c_str()));
+    writeFile(folder / "broken.pdf", "%PDF-1.4 broken");
+    for (const std::string jobs : {"1", "3"}) {
+        const auto run = imprinter(options + "stamp --configuration Number --first-number 100 --jobs " + jobs +
+                                   " --output out" + jobs + " a.pdf broken.pdf b.pdf d.png c.pdf");
+        EXPECT_EQ(run.status, 2);
+        const auto text =
+            textOf("out" + jobs + "/a.pdf") + textOf("out" + jobs + "/b.pdf") + textOf("out" + jobs + "/c.pdf");
+        for (const int number : {100, 101, 102, 103, 105, 106})
+            EXPECT_NE(text.find("No. " + std::to_string(number) + "."), std::string::npos) << number << text;
+        EXPECT_EQ(text.find("No. 104."), std::string::npos); // the picture's
+    }
+    for (const std::string number : {"0", "-1", "x", "1.5"})
+        EXPECT_EQ(imprinter(options + "stamp --configuration Number --output o.pdf --first-number " + number + " a.pdf")
+                      .status,
+                  64);
+}
+
+TEST_F(Stamping, StandardInputAndOutputAreFilesCalledMinus) {
+    letter();
+    auto run = imprinter("stamp --configuration Received - > out.pdf", "cat letter.pdf | ");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_TRUE(bears("out.pdf", "RECEIVED"));
+    run = imprinter("stamp --configuration Received --output - letter.pdf > second.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_TRUE(bears("second.pdf", "RECEIVED"));
+    run = imprinter("stamp --configuration Received --output third.pdf -", "cat letter.pdf | ");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_TRUE(bears("third.pdf", "RECEIVED"));
+    run = imprinter("unstamp - > fourth.pdf", "cat third.pdf | ");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_FALSE(bears("fourth.pdf", "RECEIVED"));
+    run = imprinter("stamp --configuration Received - > bad.pdf", "echo nothing | ");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: standard input: Files of this kind cannot be stamped.\n");
+    run = imprinter("stamp --configuration Received --output - letter.pdf > /dev/full");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.output, "imprinter: standard output: The output cannot be written.\n");
+    EXPECT_EQ(imprinter("stamp --configuration Received --output - letter.pdf -").status, 64);
+    EXPECT_EQ(imprinter("stamp --configuration Received --in-place -").status, 64);
+}
+
+TEST_F(Stamping, JsonGivesALineForEachFile) {
+    letter("a.pdf");
+    writeFile(folder / "b \"quoted\".pdf", "no document");
+    const auto run =
+        imprinter("stamp --configuration Received --json --output out a.pdf 'b \"quoted\".pdf' missing.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(lines(run.output), 3) << run.output;
+    writeFile(folder / "data" / "lines", run.output);
+    const auto read =
+        shell("python3 -c 'import json\nfor line in open(\"data/lines\"):\n    line = json.loads(line)\n    "
+              "print(line[\"file\"], line[\"status\"], line.get(\"output\"), line.get(\"pages\"))'");
+    EXPECT_EQ(read.output,
+              "a.pdf ok out/a.pdf 1\nb \"quoted\".pdf unsupported None None\nmissing.pdf unreadable None None\n");
+}
+
+TEST_F(Stamping, SeveralJobsGiveWhatOneGives) {
+    std::string names;
+    for (int i = 0; i < 20; ++i) {
+        letter("l" + std::to_string(i) + ".pdf", i + 1);
+        names += " l" + std::to_string(i) + ".pdf";
+    }
+    EXPECT_EQ(imprinter("stamp --configuration 'Page of Pages' --output one" + names).status, 0);
+    EXPECT_EQ(imprinter("stamp --configuration 'Page of Pages' --jobs 4 --output four" + names).status, 0);
+    for (int i = 0; i < 20; ++i) {
+        const auto name = "l" + std::to_string(i) + ".pdf";
+        EXPECT_EQ(readFile(folder / "one" / name), readFile(folder / "four" / name)) << name;
+    }
+}
+
+TEST_F(Stamping, AProgressBarIsShownOnATerminalOnly) {
+    letter("letter.pdf", 2000);
+    const auto command =
+        environment() + quoted(IMPRINTER) + " stamp --configuration Received --output out.pdf letter.pdf";
+    writeFile(folder / "data" / "command", command);
+    const auto run = shell("script -qec 'sh data/command' /dev/null < /dev/null");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("\r["), std::string::npos) << run.output;
+    EXPECT_TRUE(run.output.ends_with("\r\x1b[K")) << run.output;
+    EXPECT_EQ(shell(command).output, "");
+}
+
+TEST_F(Stamping, APasswordFileOpensAnEncryptedDocument) {
+    letter();
+    ASSERT_EQ(shell("qpdf --encrypt secret owner 256 -- letter.pdf locked.pdf").status, 0);
+    writeFile(folder / "data" / "password", "secret\n");
+    writeFile(folder / "data" / "wrong", "guess\n");
+    const auto stamp = "stamp --configuration Received --output out.pdf --password-file data/";
+    EXPECT_EQ(imprinter(std::string(stamp) + "wrong locked.pdf").status, 2);
+    EXPECT_EQ(imprinter(std::string(stamp) + "missing locked.pdf").status, 2);
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+    const auto run = imprinter(std::string(stamp) + "password locked.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(shell("pdftotext -upw secret out.pdf -").output.find("RECEIVED"), std::string::npos);
+    EXPECT_NE(shell("qpdf --requires-password out.pdf; echo $?").output.find("0"), std::string::npos);
+}
+
+TEST_F(Stamping, SignedDocumentsNeedToBeAllowed) {
+    writeFile(folder / "signed.pdf",
+              document(1, "/MediaBox [0 0 595 842]", "BT ET", "/AcroForm << /Fields [] /SigFlags 3 >>"));
+    const auto run = imprinter("stamp --configuration Received --output out.pdf signed.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: signed.pdf: The document is signed, and it was not allowed to change it.\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+    EXPECT_EQ(imprinter("stamp --configuration Received --allow-signed --output out.pdf signed.pdf").status, 0);
+    EXPECT_TRUE(readFile(folder / "out.pdf").starts_with(readFile(folder / "signed.pdf")));
+}
+
+TEST_F(Stamping, ReplacingAndRemovingFromTheCommandLine) {
+    letter();
+    const auto stamp = "stamp --configuration Received --replace --in-place letter.pdf";
+    ASSERT_EQ(imprinter(stamp).status, 0);
+    const auto once = textOf("letter.pdf");
+    ASSERT_EQ(imprinter(stamp).status, 0);
+    EXPECT_EQ(textOf("letter.pdf"), once);
+    ASSERT_EQ(imprinter("stamp --configuration 'Page of Pages' --in-place letter.pdf").status, 0);
+    const auto run = imprinter("unstamp --configuration Received letter.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(run.output, "letter-unstamped.pdf\n");
+    EXPECT_FALSE(bears("letter-unstamped.pdf", "RECEIVED"));
+    EXPECT_TRUE(bears("letter-unstamped.pdf", "Page 2 of 3"));
+    EXPECT_EQ(imprinter("unstamp --in-place letter.pdf").status, 0);
+    EXPECT_FALSE(bears("letter.pdf", "Page"));
+    const auto again = imprinter("unstamp --in-place letter.pdf");
+    EXPECT_EQ(again.status, 2);
+    EXPECT_EQ(again.output, "imprinter: letter.pdf: The document bears no such stamp.\n");
+}
+
+TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
+    letter();
+    EXPECT_EQ(imprinter("stamp --configuration Received --incremental --output a.pdf letter.pdf").status, 0);
+    EXPECT_TRUE(readFile(folder / "a.pdf").starts_with(readFile(folder / "letter.pdf")));
+    EXPECT_EQ(imprinter("stamp --configuration Received --rewrite --output b.pdf letter.pdf").status, 0);
+    EXPECT_FALSE(readFile(folder / "b.pdf").starts_with(readFile(folder / "letter.pdf")));
+    EXPECT_EQ(imprinter("stamp --configuration Received --rewrite --incremental --output c.pdf letter.pdf").status, 64);
+    writeFile(folder / "junk.pdf", "junk\n" + readFile(folder / "letter.pdf"));
+    const auto run = imprinter("stamp --configuration Received --incremental --output d.pdf junk.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: junk.pdf: The document cannot be updated incrementally.\n");
+    EXPECT_FALSE(fs::exists(folder / "d.pdf"));
+}
+
+TEST_F(Stamping, APictureOfTenThousandMillionPixelsIsOneLineAndWritesNothing) {
+    // The head of a PNG file of 100,000 by 100,000 pixels, and of a JPEG file as large as they come.
+    std::string png("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\x01\x86\xa0\0\x01\x86\xa0\x08\x02\0\0\0\0\0\0\0", 33);
+    std::string jpeg("\xff\xd8\xff\xc0\0\x11\x08\xff\xff\xff\xff\x03\x01\x11\0\x02\x11\0\x03\x11\0\xff\xda\0\x0c\x03"
+                     "\x01\0\x02\0\x03\0\0\x3f\0",
+                     35);
+    writeFile(folder / "large.png", png);
+    writeFile(folder / "large.jpg", jpeg);
+    for (const std::string name : {"large.png", "large.jpg"}) {
+        const auto before = files();
+        const auto run = imprinter("stamp --configuration Received --output out " + name);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output, "imprinter: " + name + ": The picture has more than 100 million pixels.\n");
+        EXPECT_EQ(files(), before);
+    }
+}

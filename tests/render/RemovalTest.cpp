@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "Documents.h"
+#include "Render.h"
+
+#include <gtest/gtest.h>
+
+using namespace render;
+using engine::Code;
+using engine::Saving;
+
+namespace {
+
+const char kPage[] = "/MediaBox [0 0 300 200]";
+const char kContent[] = "q 0.5 g 5 5 200 100 re f";
+
+std::shared_ptr<support::PlainConfiguration> titled(const std::u16string& title, const std::u16string& identifier,
+                                                    int anchor) {
+    const auto with = configuration(title);
+    with->identifier = identifier;
+    with->anchor = anchor;
+    return with;
+}
+
+std::string textOf(const std::filesystem::path& document) {
+    return run("pdftotext -q " + quoted(document) + " -").output;
+}
+
+bool rendersAlike(const std::filesystem::path& one, const std::filesystem::path& other, int pages) {
+    for (int page = 1; page <= pages; ++page)
+        if (!differingArea(shownPage(one, page), shownPage(other, page)).isEmpty())
+            return false;
+    return true;
+}
+
+} // namespace
+
+TEST(Removal, GivesBackPagesThatRenderAsBefore) {
+    const std::string inputs[] = {document(2, kPage, kContent), document(2, kPage, ""),
+                                  document(2, std::string(kPage) + " /Rotate 90", "")};
+    for (const auto& input : inputs)
+        for (const auto saving : {Saving::automatic, Saving::rewrite}) {
+            SCOPED_TRACE(input);
+            Folder folder;
+            writeFile(folder / "in.pdf", input);
+            auto task =
+                job(folder / "in.pdf", folder / "stamped.pdf", {titled(u"One", u"1", 0), titled(u"Two", u"2", 8)});
+            task.saving = saving;
+            ASSERT_TRUE(engine::stampFile(task));
+            ASSERT_NE(textOf(folder / "stamped.pdf").find("One"), std::string::npos);
+            const auto outcome = engine::unstampFile(job(folder / "stamped.pdf", folder / "clean.pdf", {}));
+            ASSERT_TRUE(outcome) << outcome.sentence;
+            EXPECT_EQ(outcome.pagesStamped, 2U);
+            EXPECT_EQ(textOf(folder / "clean.pdf"), "\f\f");
+            EXPECT_TRUE(rendersAlike(folder / "in.pdf", folder / "clean.pdf", 2));
+            const auto plain = run("qpdf --qdf --object-streams=disable " + quoted(folder / "clean.pdf") + " -").output;
+            EXPECT_EQ(plain.find("ImprinterStamp"), std::string::npos);
+            EXPECT_EQ(plain.find("DejaVu"), std::string::npos);
+            EXPECT_EQ(run("qpdf --check " + quoted(folder / "clean.pdf")).status, 0);
+        }
+}
+
+TEST(Removal, OfOneConfigurationLeavesTheOthers) {
+    Folder folder;
+    writeFile(folder / "in.pdf", document(2, kPage, kContent));
+    const auto one = titled(u"One", u"1", 0);
+    const auto two = titled(u"Two", u"2", 8);
+    two->pages = 1;
+    ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "both.pdf", {one, two})));
+    const auto outcome = engine::unstampFile(job(folder / "both.pdf", folder / "out.pdf", {two}));
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_EQ(outcome.pagesStamped, 1U);
+    EXPECT_EQ(textOf(folder / "out.pdf"), "One\n\n\fOne\n\n\f");
+    ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "alone.pdf", {one})));
+    EXPECT_TRUE(rendersAlike(folder / "alone.pdf", folder / "out.pdf", 2));
+}
+
+TEST(Removal, WhereNoStampIsSaysSoAndWritesNothing) {
+    Folder folder;
+    writeFile(folder / "in.pdf", document(1, kPage, "/Artifact <</ImprinterStamp 5>> BDC 0 0 9 9 re f EMC"));
+    EXPECT_EQ(engine::unstampFile(job(folder / "in.pdf", folder / "out.pdf", {})).code, Code::nothingToRemove);
+    white(20, 20).save((folder / "a.png").c_str());
+    EXPECT_EQ(engine::unstampFile(job(folder / "a.png", folder / "out.pdf", {})).code, Code::unsupported);
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.pdf"));
+}
+
+TEST(Removal, FindsStampsThatAnotherProgramWroteAnew) {
+    for (const std::string how :
+         {"qpdf --coalesce-contents --normalize-content=y", "qpdf --qdf --object-streams=generate"}) {
+        SCOPED_TRACE(how);
+        Folder folder;
+        writeFile(folder / "in.pdf", document(1, kPage, kContent));
+        ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "stamped.pdf", {titled(u"One", u"1", 0)})));
+        ASSERT_EQ(run(how + " " + quoted(folder / "stamped.pdf") + " " + quoted(folder / "other.pdf")).status, 0);
+        const auto outcome = engine::unstampFile(job(folder / "other.pdf", folder / "clean.pdf", {}));
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        EXPECT_EQ(textOf(folder / "clean.pdf"), "\f");
+        EXPECT_TRUE(rendersAlike(folder / "in.pdf", folder / "clean.pdf", 1));
+    }
+}
+
+TEST(Replacing, TwiceGivesWhatOnceGives) {
+    for (const auto saving : {Saving::automatic, Saving::rewrite}) {
+        Folder folder;
+        writeFile(folder / "in.pdf", document(3, kPage, kContent));
+        auto task = job(folder / "in.pdf", folder / "once.pdf", {titled(u"One", u"1", 8), titled(u"Two", u"2", 0)});
+        task.saving = saving;
+        task.replace = true;
+        task.deterministic = true;
+        ASSERT_TRUE(engine::stampFile(task));
+        task.input = folder / "once.pdf";
+        task.output = folder / "twice.pdf";
+        ASSERT_TRUE(engine::stampFile(task));
+        task.input = folder / "twice.pdf";
+        task.output = folder / "thrice.pdf";
+        ASSERT_TRUE(engine::stampFile(task));
+        for (const char* name : {"twice.pdf", "thrice.pdf"}) {
+            EXPECT_EQ(textOf(folder / name), textOf(folder / "once.pdf"));
+            EXPECT_TRUE(rendersAlike(folder / "once.pdf", folder / name, 3));
+            EXPECT_EQ(run("qpdf --check " + quoted(folder / name)).status, 0);
+        }
+        if (saving == Saving::rewrite) {
+            EXPECT_EQ(readFile(folder / "twice.pdf").size(), readFile(folder / "once.pdf").size());
+        }
+    }
+}
+
+TEST(Replacing, TakesThePlaceOfTheOldStampAndLeavesThoseOfOthers) {
+    Folder folder;
+    writeFile(folder / "in.pdf", document(2, kPage, kContent));
+    const auto other = titled(u"Other", u"2", 0);
+    ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "a.pdf", {titled(u"Draft", u"1", 8), other})));
+    // The new one is for the first page only: the second loses the old one.
+    const auto fresh = titled(u"Final", u"1", 2);
+    fresh->pages = 1;
+    auto task = job(folder / "a.pdf", folder / "b.pdf", {fresh});
+    task.replace = true;
+    ASSERT_TRUE(engine::stampFile(task));
+    const auto text = textOf(folder / "b.pdf");
+    EXPECT_EQ(text.find("Draft"), std::string::npos);
+    EXPECT_EQ(text, "Other\n\nFinal\n\n\fOther\n\n\f");
+    ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "c.pdf", {other, fresh})));
+    EXPECT_TRUE(rendersAlike(folder / "c.pdf", folder / "b.pdf", 2));
+}
