@@ -52,8 +52,11 @@ void drawToken(QPainter& painter, const QRectF& place, const QString& title, con
     if (style != NSTokenStyle::plainSquared || selected) {
         const double radius =
             style == NSTokenStyle::squared || style == NSTokenStyle::plainSquared ? 2 : outline.height() / 2;
-        painter.setBrush(selected ? accent : blend(base, accent, 0.16));
-        painter.setPen(selected ? accent : blend(base, accent, 0.5));
+        // The title of a selected token stands out from its fill as well in every palette.
+        const auto letters = palette.color(QPalette::HighlightedText);
+        const QColor away = letters.lightness() > 127 ? Qt::black : Qt::white;
+        painter.setBrush(selected ? blend(accent, away, 0.2) : blend(base, accent, 0.18));
+        painter.setPen(selected ? blend(accent, letters, 0.5) : blend(base, accent, 0.6));
         painter.drawRoundedRect(outline, radius, radius);
     }
     const QFontMetricsF metrics(font);
