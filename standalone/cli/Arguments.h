@@ -27,9 +27,9 @@ struct Arguments {
     std::vector<std::string> values(const std::string& option) const;
 };
 
-/// Sorts `arguments`: an option has a value as its next argument or after "=", what follows "--" are files, and so is "-".
-/// None, with the sentence in `problem`, where there is an option that is none of `withValue` and `switches`, or one
-/// without its value.
+/// Sorts `arguments`: an option has a value as its next argument or after "=", what follows "--" are files, and so is
+/// "-". None, with the sentence in `problem`, where there is an option that is none of `withValue` and `switches`, or
+/// one without its value.
 std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments,
                                        const std::vector<std::string>& withValue,
                                        const std::vector<std::string>& switches, std::string& problem);
@@ -43,6 +43,7 @@ using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
 std::optional<Configurations> readStore(const std::filesystem::path& file);
 
 /// The configuration with this name or identifier; null, after having said why, where there is not exactly one.
-std::shared_ptr<model::Configuration> configurationCalled(const std::string& name, const Configurations& configurations);
+std::shared_ptr<model::Configuration> configurationCalled(const std::string& name,
+                                                          const Configurations& configurations);
 
 } // namespace cli

@@ -8,8 +8,8 @@
 
 namespace cli {
 
-/// A bar on the standard error that shows how far a run over many files is; nothing where that is no terminal. For several
-/// threads.
+/// A bar on the standard error that shows how far a run over many files is; nothing where that is no terminal. For
+/// several threads.
 class Progress {
 public:
     explicit Progress(std::size_t files);

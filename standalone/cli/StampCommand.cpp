@@ -36,10 +36,10 @@ enum class Task { stamp, unstamp };
 
 /// One file of a run.
 struct File {
-    fs::path input;  ///< What is read.
-    fs::path output; ///< What is written.
-    std::string name;         ///< What people call it.
-    std::string resultName;   ///< What people call the result.
+    fs::path input;         ///< What is read.
+    fs::path output;        ///< What is written.
+    std::string name;       ///< What people call it.
+    std::string resultName; ///< What people call the result.
     bool inPlace = false;
     bool announced = false; ///< Whether the result's name was chosen here and has to be told.
 };
@@ -92,7 +92,8 @@ bool copyAll(int from, int to) {
 
 /// Copies between a file and a descriptor; `writing` for one into the file.
 bool copyFile(const fs::path& file, int descriptor, bool writing) {
-    const int own = ::open(file.c_str(), writing ? O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC : O_RDONLY | O_CLOEXEC, 0600);
+    const int own =
+        ::open(file.c_str(), writing ? O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC : O_RDONLY | O_CLOEXEC, 0600);
     if (own < 0)
         return false;
     const bool copied = writing ? copyAll(descriptor, own) : copyAll(own, descriptor);
@@ -353,8 +354,8 @@ private:
         m_intoFolder = given && (a.files.size() > 1 || fs::is_directory(output, none) || !output.has_filename());
         if (m_intoFolder && !canBeFolder(output))
             return inQuotes(output.string()) + " is no folder; several files need one";
-        const bool inPlace =
-            a.has("--in-place") || (!given && !m_toStdout && m_task == Task::stamp && !duplicates(m_job.configurations));
+        const bool inPlace = a.has("--in-place") ||
+                             (!given && !m_toStdout && m_task == Task::stamp && !duplicates(m_job.configurations));
         std::set<fs::path> taken;
         for (const auto& name : a.files) {
             File file;
@@ -467,7 +468,8 @@ private:
             if (outcome)
                 line += ", \"output\": " + jsonText(file.resultName) +
                         ", \"pages\": " + std::to_string(outcome.pagesStamped);
-            line += ", \"message\": " + jsonText(outcome ? outcome.sentence : sentenceOf(outcome)) + ", \"warnings\": [";
+            line +=
+                ", \"message\": " + jsonText(outcome ? outcome.sentence : sentenceOf(outcome)) + ", \"warnings\": [";
             for (const auto& warning : outcome.warnings)
                 line += (&warning == &outcome.warnings.front() ? "" : ", ") + jsonText(warning);
             std::cout << line + "]}\n" << std::flush;

@@ -33,7 +33,8 @@ TEST_F(Exchange, WhatIsThereAlreadyIsReplacedOnlyWhenToldSo) {
     writeFile(folder / "b.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
         {"uniqueID": "1", "name": "New", "titleTokens": ["new"]}]})");
     auto run = imprinter("--store a.json import b.json");
-    EXPECT_EQ(run.output, "imprinter: b.json: \"New\" is there already and was left as it is\n0 configurations were imported\n");
+    EXPECT_EQ(run.output,
+              "imprinter: b.json: \"New\" is there already and was left as it is\n0 configurations were imported\n");
     EXPECT_EQ(imprinter("--store a.json list").output, "Old\nBoth\n");
     run = imprinter("--store a.json import --replace b.json");
     EXPECT_EQ(run.output, "1 configuration was imported\n");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What is left when something goes wrong in the middle: system calls are made to fail, or to end the program, one by one.
+// What is left when something goes wrong in the middle: system calls are made to fail, or to end the program, one by
+// one.
 
 #include "ProgramTest.h"
 
@@ -9,7 +10,8 @@ namespace {
 
 class Interruptions : public ProgramTest {
 protected:
-    /// Runs the program so that the call with this number, of those named, meets `fate` ("signal=KILL", "error=ENOSPC").
+    /// Runs the program so that the call with this number, of those named, meets `fate` ("signal=KILL",
+    /// "error=ENOSPC").
     render::Run fated(const std::string& call, int number, const std::string& fate, const std::string& arguments) {
         return shell("strace -f -o /dev/null -e trace=" + call + " -e inject=" + call + ":" + fate +
                      ":when=" + std::to_string(number) + " " + environment() + "ASAN_OPTIONS=detect_leaks=0 " +

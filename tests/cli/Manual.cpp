@@ -39,10 +39,10 @@ TEST_F(Manual, ThePageIsWellFormedAndNamesEveryOptionOfTheHelp) {
 
 TEST_F(Manual, TheShellCompletesCommandsOptionsAndConfigurations) {
     const auto complete = [&](const std::string& words, int word) {
-        writeFile(folder / "complete.sh",
-                  "PATH=" + quoted(fs::path(IMPRINTER).parent_path()) + ":$PATH\nsource " +
-                      quoted(source("standalone/cli/completion.bash")) + "\nCOMP_WORDS=(" + words +
-                      ")\nCOMP_CWORD=" + std::to_string(word) + "\n_imprinter\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n");
+        writeFile(folder / "complete.sh", "PATH=" + quoted(fs::path(IMPRINTER).parent_path()) + ":$PATH\nsource " +
+                                              quoted(source("standalone/cli/completion.bash")) + "\nCOMP_WORDS=(" +
+                                              words + ")\nCOMP_CWORD=" + std::to_string(word) +
+                                              "\n_imprinter\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n");
         return shell(environment() + "bash complete.sh").output;
     };
     EXPECT_EQ(complete("imprinter un", 1), "unstamp\n");

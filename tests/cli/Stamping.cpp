@@ -118,13 +118,15 @@ TEST_F(Stamping, RunningNumbersCountOnThroughAllFilesOfOneJobWhateverTheNumberOf
         const auto run = imprinter(options + "stamp --configuration Number --first-number 100 --jobs " + jobs +
                                    " --output out" + jobs + " a.pdf broken.pdf b.pdf d.png c.pdf");
         EXPECT_EQ(run.status, 2);
-        const auto text = textOf("out" + jobs + "/a.pdf") + textOf("out" + jobs + "/b.pdf") + textOf("out" + jobs + "/c.pdf");
+        const auto text =
+            textOf("out" + jobs + "/a.pdf") + textOf("out" + jobs + "/b.pdf") + textOf("out" + jobs + "/c.pdf");
         for (const int number : {100, 101, 102, 103, 105, 106})
             EXPECT_NE(text.find("No. " + std::to_string(number) + "."), std::string::npos) << number << text;
         EXPECT_EQ(text.find("No. 104."), std::string::npos); // the picture's
     }
     for (const std::string number : {"0", "-1", "x", "1.5"})
-        EXPECT_EQ(imprinter(options + "stamp --configuration Number --output o.pdf --first-number " + number + " a.pdf").status,
+        EXPECT_EQ(imprinter(options + "stamp --configuration Number --output o.pdf --first-number " + number + " a.pdf")
+                      .status,
                   64);
 }
 
@@ -155,13 +157,16 @@ TEST_F(Stamping, StandardInputAndOutputAreFilesCalledMinus) {
 TEST_F(Stamping, JsonGivesALineForEachFile) {
     letter("a.pdf");
     writeFile(folder / "b \"quoted\".pdf", "no document");
-    const auto run = imprinter("stamp --configuration Received --json --output out a.pdf 'b \"quoted\".pdf' missing.pdf");
+    const auto run =
+        imprinter("stamp --configuration Received --json --output out a.pdf 'b \"quoted\".pdf' missing.pdf");
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(lines(run.output), 3) << run.output;
     writeFile(folder / "data" / "lines", run.output);
-    const auto read = shell("python3 -c 'import json\nfor line in open(\"data/lines\"):\n    line = json.loads(line)\n    "
-                            "print(line[\"file\"], line[\"status\"], line.get(\"output\"), line.get(\"pages\"))'");
-    EXPECT_EQ(read.output, "a.pdf ok out/a.pdf 1\nb \"quoted\".pdf unsupported None None\nmissing.pdf unreadable None None\n");
+    const auto read =
+        shell("python3 -c 'import json\nfor line in open(\"data/lines\"):\n    line = json.loads(line)\n    "
+              "print(line[\"file\"], line[\"status\"], line.get(\"output\"), line.get(\"pages\"))'");
+    EXPECT_EQ(read.output,
+              "a.pdf ok out/a.pdf 1\nb \"quoted\".pdf unsupported None None\nmissing.pdf unreadable None None\n");
 }
 
 TEST_F(Stamping, SeveralJobsGiveWhatOneGives) {
@@ -180,7 +185,8 @@ TEST_F(Stamping, SeveralJobsGiveWhatOneGives) {
 
 TEST_F(Stamping, AProgressBarIsShownOnATerminalOnly) {
     letter("letter.pdf", 2000);
-    const auto command = environment() + quoted(IMPRINTER) + " stamp --configuration Received --output out.pdf letter.pdf";
+    const auto command =
+        environment() + quoted(IMPRINTER) + " stamp --configuration Received --output out.pdf letter.pdf";
     writeFile(folder / "data" / "command", command);
     const auto run = shell("script -qec 'sh data/command' /dev/null < /dev/null");
     EXPECT_EQ(run.status, 0) << run.output;
@@ -252,7 +258,9 @@ TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
 TEST_F(Stamping, APictureOfTenThousandMillionPixelsIsOneLineAndWritesNothing) {
     // The head of a PNG file of 100,000 by 100,000 pixels, and of a JPEG file as large as they come.
     std::string png("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\x01\x86\xa0\0\x01\x86\xa0\x08\x02\0\0\0\0\0\0\0", 33);
-    std::string jpeg("\xff\xd8\xff\xc0\0\x11\x08\xff\xff\xff\xff\x03\x01\x11\0\x02\x11\0\x03\x11\0\xff\xda\0\x0c\x03\x01\0\x02\0\x03\0\0\x3f\0", 35);
+    std::string jpeg("\xff\xd8\xff\xc0\0\x11\x08\xff\xff\xff\xff\x03\x01\x11\0\x02\x11\0\x03\x11\0\xff\xda\0\x0c\x03"
+                     "\x01\0\x02\0\x03\0\0\x3f\0",
+                     35);
     writeFile(folder / "large.png", png);
     writeFile(folder / "large.jpg", jpeg);
     for (const std::string name : {"large.png", "large.jpg"}) {
