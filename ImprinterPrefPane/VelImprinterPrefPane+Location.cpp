@@ -191,10 +191,4 @@ void VelImprinterPrefPane::customOccuranceTextChanged() {
     tell(field, &NSControl::setStringValue, pages);
 }
 
-void VelImprinterPrefPane::controlTextDidChange(const NSNotification& notification) {
-    const auto pages = m_customOccurance.lock();
-    if (pages && notification.object == pages)
-        customOccuranceTextChanged();
-}
-
 } // namespace pane

@@ -130,6 +130,8 @@ NSClass VelImprinterPrefPane::describeClass() {
         .action(u"onChangePosition:", &Pane::onChangePosition)
         .action(u"onRotationChanged:", &Pane::onRotationChanged)
         .action(u"onOccuranceChanged:", &Pane::onOccuranceChanged)
+        .action(u"onSelectFont:", &Pane::onSelectFont)
+        .action(u"addTokenItem:", &Pane::addTokenItem)
         .action(u"onFontColourChanged:", &Pane::onFontColourChanged)
         .action(u"onFontAttributeSegChanged:", &Pane::onFontAttributeSegChanged)
         .action(u"onBorderStyleChanged:", &Pane::onBorderStyleChanged)
@@ -427,10 +429,9 @@ void VelImprinterPrefPane::createConfiguration(bool combined, const std::u16stri
     tell(m_tableView, &NSTableView::reloadData);
     enableControls(true);
     dispatchAfter(selectionDelay, [pane = self(), made] {
-        const auto row = pane->m_imprinter->indexOfConfiguration(made);
-        if (row == NSNotFound) // deleted meanwhile
-            return;
-        tell(pane->m_tableView, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(row), false);
+        // Should it have been deleted meanwhile, no row is selected and it is shown all the same.
+        tell(pane->m_tableView, &NSTableView::selectRowIndexesByExtendingSelection,
+             NSIndexSet(pane->m_imprinter->indexOfConfiguration(made)), false);
         pane->setCurrentConfiguration(made);
     });
 }
@@ -468,11 +469,9 @@ void VelImprinterPrefPane::deleteConfigurationAtIndex(NSUInteger index) {
     }
     const auto row = index < left ? index : index - 1;
     dispatchAfter(selectionDelay, [pane = self(), row] {
-        const auto next = pane->configuarationAtIndex(static_cast<NSInteger>(row));
-        if (!next) // the list has become shorter meanwhile, or never had the row
-            return;
+        // Should the list have become shorter meanwhile, this selects no row and shows the empty page.
         tell(pane->m_tableView, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(row), false);
-        pane->setCurrentConfiguration(next);
+        pane->setCurrentConfiguration(pane->configuarationAtIndex(static_cast<NSInteger>(row)));
     });
 }
 

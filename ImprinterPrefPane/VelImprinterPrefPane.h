@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VelIFontPopupButton.h"
+
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
@@ -9,8 +11,10 @@
 #include <Foundation/NSURL.h>
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/Imprinter.h>
+#include <host/PlaceholderTokenField.h>
 
 #include <array>
+#include <map>
 #include <optional>
 
 namespace platform {
@@ -20,14 +24,12 @@ class NSMatrix;
 class NSPopUpButton;
 class NSSegmentedControl;
 class NSStepper;
-class NSTokenField;
 } // namespace platform
 
 namespace pane {
 
 class VelCombinedViewController;
 class VelIFontAttributePopupButton;
-class VelIFontPopupButton;
 class VelPreviewViewController;
 
 /// The pasteboard type under which rows of the configuration table are dropped: a keyed archive whose root is an index
@@ -49,10 +51,17 @@ class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSMenuDelegate,
                              public platform::NSUserInterfaceValidations,
                              public platform::NSPopoverDelegate,
-                             public platform::NSControlTextEditingDelegate {
+                             public platform::NSTokenFieldDelegate,
+                             public host::PlaceholderMenuDelegate,
+                             public VelIFontPopupDelegate {
 public:
     using NSObject = platform::NSObject;
     using NSInteger = platform::NSInteger;
+    using NSRange = platform::NSRange;
+    using NSUInteger = platform::NSUInteger;
+    using RepresentedObject = platform::RepresentedObject;
+    using TitleObjects = std::vector<RepresentedObject>;
+    using FontRuns = std::vector<std::shared_ptr<host::ImprinterFont>>;
     using ConfigurationPointer = std::shared_ptr<host::ImprinterConfiguration>;
 
     VelImprinterPrefPane();
@@ -71,7 +80,9 @@ public:
 
     // State
 
+    /// The host's model; null without a host.
     std::shared_ptr<host::Imprinter> imprinter() const { return m_imprinter; }
+    void setImprinter(const std::shared_ptr<host::Imprinter>& imprinter) { m_imprinter = imprinter; }
     ConfigurationPointer currentConfiguration() const { return m_currentConfiguration; }
     /// Switches the editors; null shows the empty page. Does nothing for the configuration already shown.
     virtual void setCurrentConfiguration(const ConfigurationPointer& configuration);
@@ -87,8 +98,30 @@ public:
     const std::shared_ptr<VelPreviewViewController>& popoverViewController() const { return m_popoverViewController; }
     virtual void setPopoverViewController(const std::shared_ptr<VelPreviewViewController>& controller);
 
+    /// The runs that keys on the pasteboard stand for; made anew by each write, never cleared by a read.
+    const std::map<std::u16string, std::shared_ptr<host::ImprinterFont>>& fontLookup() const { return m_fontLookup; }
+    void setFontLookup(std::map<std::u16string, std::shared_ptr<host::ImprinterFont>> lookup) {
+        m_fontLookup = std::move(lookup);
+    }
+    /// What the title field wrote last, until the reorder that follows.
+    const platform::NSArray<RepresentedObject>& draggedTokenObjects() const { return m_draggedTokenObjects; }
+    void setDraggedTokenObjects(const platform::NSArray<RepresentedObject>& objects) {
+        m_draggedTokenObjects = objects;
+    }
+    /// Whether the title field wrote to a pasteboard, by a drag, a copy or a cut, since the last reorder.
+    bool isDraggingFromSelf() const { return m_isDraggingFromSelf; }
+    void setIsDraggingFromSelf(bool dragging) { m_isDraggingFromSelf = dragging; }
+
     // Declared for hosts that expect them; nothing in the pane reads or writes these.
 
+    const FontRuns& selectedFonts() const { return m_selectedFonts; }
+    void setSelectedFonts(const FontRuns& fonts) { m_selectedFonts = fonts; }
+    const TitleObjects& tokenItemArray() const { return m_tokenItemArray; }
+    void setTokenItemArray(const TitleObjects& items) { m_tokenItemArray = items; }
+    const std::vector<std::shared_ptr<platform::NSMenuItem>>& tokenMenuItems() const { return m_tokenMenuItems; }
+    void setTokenMenuItems(const std::vector<std::shared_ptr<platform::NSMenuItem>>& items) {
+        m_tokenMenuItems = items;
+    }
     bool duplicateRecord() const { return m_duplicateRecord; }
     void setDuplicateRecord(bool duplicate) { m_duplicateRecord = duplicate; }
     std::shared_ptr<platform::NSWindow> previewWindow() const { return m_previewWindow; }
@@ -171,7 +204,6 @@ public:
     virtual void onOccuranceChanged(const std::shared_ptr<NSObject>& sender); // sic
     /// Makes what was typed a list of pages, in the field and in the model.
     virtual void customOccuranceTextChanged(); // sic
-    void controlTextDidChange(const platform::NSNotification& notification) override;
     /// What an emptied number falls to. The fill opacity has no such value and raises NSInvalidArgumentException.
     void setNilValueForKey(const std::u16string& key) override;
     double xOffsetValue() const;
@@ -196,8 +228,8 @@ public:
     virtual void onBorderThicknessChanged(const std::shared_ptr<NSObject>& sender);
     virtual void onFillChanged(const std::shared_ptr<NSObject>& sender);
     virtual void onFillColourChanged(const std::shared_ptr<NSObject>& sender);
-    /// The run's menu is about to open.
-    virtual void fontPopuWillBeDisplayed(const platform::NSNotification& notification); // sic
+    /// `sender` is an item of the menu of font runs; its run becomes the current font.
+    virtual void onSelectFont(const std::shared_ptr<NSObject>& sender);
     double fontSizeValue() const;
     void setFontSizeValue(double points);
     double fontStrokeWidthValue() const;
@@ -207,6 +239,72 @@ public:
     double fillOpacityValue() const;
     /// The only setter; the key has none of the usual form. Leaves the preview as it is.
     void setfillOpacityValue(double opacity); // sic
+
+    // Title: its tokens
+
+    virtual bool isTokenString(const std::u16string& text) const;
+    virtual std::u16string normalizedTitleTokenString(const std::u16string& text) const;
+    virtual TitleObjects normalizedTitleTokens(const platform::NSArray<RepresentedObject>& title) const;
+    virtual NSUInteger lengthOfToken(const RepresentedObject& token) const;
+    /// Puts the token in the place of the characters in `range`, in the field and in the model.
+    virtual void insertTokenInRange(const RepresentedObject& token, NSRange range);
+    /// `sender` is an item of the insert menu; what it represents goes where the caret is, or to the front while the
+    /// field is not edited. Raises NSInvalidArgumentException where that is nothing.
+    virtual void addTokenItem(const std::shared_ptr<NSObject>& sender);
+    /// The runs in the field.
+    virtual FontRuns getFontTokenArray() const;
+    /// Numbers them from 0; answers their count plus one.
+    virtual NSUInteger renumberFonts(const FontRuns& fonts);
+    virtual void fontTokensWereDeletedCurrentFonts(const FontRuns& previousFonts, const FontRuns& currentFonts);
+    virtual FontRuns selectedFontsInRange(NSRange range) const;
+    virtual void updateFontSelections(const FontRuns& fonts);
+    void selectedFontUpdatedFullFontName(const std::shared_ptr<VelIFontPopupButton>& sender,
+                                         const std::optional<std::u16string>& fullFontName) override;
+
+    // Title: its field
+
+    platform::NSTokenStyle tokenFieldStyleForRepresentedObject(const std::shared_ptr<platform::NSTokenField>& field,
+                                                               const RepresentedObject& object) override;
+    std::optional<std::u16string>
+    tokenFieldDisplayStringForRepresentedObject(const std::shared_ptr<platform::NSTokenField>& field,
+                                                const RepresentedObject& object) override;
+    std::optional<RepresentedObject>
+    tokenFieldRepresentedObjectForEditingString(const std::shared_ptr<platform::NSTokenField>& field,
+                                                const std::u16string& editingString) override;
+    platform::NSArray<RepresentedObject>
+    tokenFieldShouldAddObjectsAtIndex(const std::shared_ptr<platform::NSTokenField>& field,
+                                      const platform::NSArray<RepresentedObject>& objects, NSUInteger index) override;
+    bool
+    tokenFieldWriteRepresentedObjectsToPasteboard(const std::shared_ptr<platform::NSTokenField>& field,
+                                                  const platform::NSArray<RepresentedObject>& objects,
+                                                  const std::shared_ptr<platform::NSPasteboard>& pasteboard) override;
+    platform::NSArray<RepresentedObject>
+    tokenFieldReadFromPasteboard(const std::shared_ptr<platform::NSTokenField>& field,
+                                 const std::shared_ptr<platform::NSPasteboard>& pasteboard) override;
+    bool controlTextShouldBeginEditing(const std::shared_ptr<platform::NSControl>& control) override;
+    bool controlTextShouldEndEditing(const std::shared_ptr<platform::NSControl>& control) override;
+    virtual void textViewDidChangeSelection(const platform::NSNotification& notification);
+    /// Of the title field, or of the field of custom pages.
+    void controlTextDidChange(const platform::NSNotification& notification) override;
+    /// Follows a paste of foreign text: no "%" stays in the text.
+    virtual void sanitizeTextAfterPaste();
+    /// Follows a paste or drop of what the field wrote itself: of each object that stands twice now, the first goes.
+    virtual void finalizeDragReorder();
+
+    // Title: its menus
+
+    void tokenFieldWillPopUpMenuWithPlaceholderMenu(const std::shared_ptr<platform::NSTokenField>& field,
+                                                    const std::shared_ptr<platform::NSMenu>& menu,
+                                                    const std::shared_ptr<platform::NSMenu>& placeholderMenu) override;
+    virtual void updateSubmenuWithTargetAction(const std::shared_ptr<platform::NSMenu>& menu,
+                                               const std::shared_ptr<NSObject>& target, const std::u16string& action);
+    /// An item without title, that shows `title`, an English one, as the picture of a token.
+    virtual void insertPlaceholderTitleToMenuAtIndex(const std::u16string& placeholder, const std::u16string& title,
+                                                     const std::shared_ptr<platform::NSMenu>& menu, NSInteger index);
+    /// The runs of the configuration's title, by name.
+    virtual std::shared_ptr<platform::NSMenu> createFontTokensMenu();
+    /// That menu is about to open.
+    virtual void fontPopuWillBeDisplayed(const platform::NSNotification& notification); // sic
 
 private:
     std::shared_ptr<VelImprinterPrefPane> self();
@@ -219,10 +317,26 @@ private:
     void createConfiguration(bool combined, const std::u16string& englishName);
     std::array<std::weak_ptr<platform::NSButton>, 9> positionButtons() const;
     void switchTo(const ConfigurationPointer& configuration);
+    void setUpTitleField();
+    void showBorderAndFill();
+    void showBorderThickness();
+    void enableBorderControls(bool enable);
+    void hideOutlineThickness(bool hide);
+    void showOutlineThickness();
+    /// A name that is nil takes the face away; hosts keep the former one.
+    void setNameOfCurrentFont(const std::optional<std::u16string>& fullFontName);
+    platform::NSArray<RepresentedObject> titleOfField() const;
+    void storeTitle(const platform::NSArray<RepresentedObject>& title);
 
     std::shared_ptr<host::Imprinter> m_imprinter;
     ConfigurationPointer m_currentConfiguration;
     std::shared_ptr<host::ImprinterFont> m_currentFont;
+    std::map<std::u16string, std::shared_ptr<host::ImprinterFont>> m_fontLookup;
+    platform::NSArray<RepresentedObject> m_draggedTokenObjects;
+    bool m_isDraggingFromSelf = false;
+    FontRuns m_selectedFonts;
+    TitleObjects m_tokenItemArray;
+    std::vector<std::shared_ptr<platform::NSMenuItem>> m_tokenMenuItems;
     std::shared_ptr<NSObject> tokenChangeObserver;
     std::optional<platform::NSURL> m_previewURL;
     std::shared_ptr<platform::NSPopover> m_popover;

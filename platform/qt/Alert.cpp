@@ -5,6 +5,7 @@
 #include "Text.h"
 
 #include <Foundation/NSException.h>
+#include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
 
 #include <QApplication>
@@ -75,6 +76,7 @@ NSInteger runAlertModally(const NSAlert& alert) {
     box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
     if (escape < buttons.size())
         box.setEscapeButton(buttons[escape]);
+    const TrackingLoop waiting;
     box.exec();
     const auto clicked = std::find(buttons.begin(), buttons.end(), box.clickedButton());
     const auto chosen = clicked == buttons.end() ? escape : static_cast<std::size_t>(clicked - buttons.begin());

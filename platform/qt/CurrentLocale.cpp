@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <Foundation/NSNumberFormatter.h>
+#include <Foundation/NSLocale.h>
 
 #include "Text.h"
 
@@ -10,6 +10,7 @@ namespace platform {
 NSLocale NSLocale::currentLocale() {
     const QLocale user;
     NSLocale locale;
+    locale.localeIdentifier = qt::fromQt(user.name());
     locale.decimalSeparator = qt::fromQt(user.decimalPoint());
     locale.minusSign = qt::fromQt(user.negativeSign());
     locale.percentSign = qt::fromQt(user.percent());

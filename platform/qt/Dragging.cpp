@@ -3,6 +3,7 @@
 
 #include "Text.h"
 
+#include <Foundation/NSRunLoop.h>
 #include <PlatformQt/Bridge.h>
 
 #include <QDrag>
@@ -68,6 +69,7 @@ std::unique_ptr<QMimeData> mimeDataOf(const NSPasteboard& pasteboard) {
 NSDragOperation runDrag(QWidget& widget, const std::shared_ptr<NSObject>& source,
                         const std::shared_ptr<NSPasteboard>& pasteboard, const QPixmap& picture) {
     const RunningDrag declared(source, pasteboard);
+    const TrackingLoop dragging;
     auto* drag = new QDrag(&widget); // deletes itself when it has ended
     drag->setMimeData(mimeDataOf(*pasteboard).release());
     drag->setPixmap(picture);

@@ -2,8 +2,11 @@
 #include "Menu.h"
 
 #include "Entry.h"
+#include "MenuPictures.h"
 #include "NamedImage.h"
 #include "Text.h"
+
+#include <Foundation/NSRunLoop.h>
 
 #include <QAbstractScrollArea>
 #include <QContextMenuEvent>
@@ -36,7 +39,10 @@ void ShownMenu::fill(QMenu& shown, const NSMenu& menu) {
             line = shown.addAction(withoutShortcut(item->title()));
             m_lines.emplace_back(line, item);
         }
-        line->setIcon(namedImage(item->imageName()));
+        if (item->image())
+            showPicture(*line, *item->image());
+        else
+            line->setIcon(namedImage(item->imageName()));
         line->setEnabled(item->isEnabled());
         line->setCheckable(item->state() != 0);
         line->setChecked(item->state() != 0);
@@ -51,6 +57,7 @@ QAction* ShownMenu::lineOf(const std::shared_ptr<NSMenuItem>& item) const {
 }
 
 std::shared_ptr<NSMenuItem> ShownMenu::run(const QPoint& place, QAction* under) {
+    const TrackingLoop open;
     const auto* chosen = m_menu->exec(place, under);
     for (const auto& [line, item] : m_lines)
         if (line == chosen)

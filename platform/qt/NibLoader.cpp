@@ -40,6 +40,7 @@ const std::set<QString>& knownProperties() {
                                          "delegate",
                                          "dataSource",
                                          "formatter",
+                                         "maximumLength",
                                          "identifier",
                                          "increment",
                                          "keyboardGroup",

@@ -105,9 +105,15 @@ void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText
     view->setPeer(makeTextFieldPeer(view, edit));
 }
 
-void showTokens(const std::shared_ptr<NSTokenField>& view, QTextEdit& edit, NibText&) {
+void showTokens(const std::shared_ptr<NSTokenField>& view, TokenEdit& edit, NibText& text) {
     view->setStringValue(fromQt(edit.toPlainText()));
-    view->setPeer(makeTokenFieldPeer(edit));
+    view->setEditable(!edit.isReadOnly());
+    if (const auto limit = edit.property("maximumLength"); limit.isValid())
+        view->setMaximumLength(static_cast<std::size_t>(limit.toUInt()));
+    edit.setTooLongReason(
+        toQt(stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
+                              {fromQt(QString::number(view->maximumLength()))})));
+    view->setPeer(makeTokenFieldPeer(view, edit));
 }
 
 void showButton(const std::shared_ptr<NSButton>& view, QAbstractButton& button, NibText& text) {
@@ -154,7 +160,7 @@ void showSegments(const std::shared_ptr<NSSegmentedControl>& view, QWidget& widg
 }
 
 void showColorWell(const std::shared_ptr<NSColorWell>& view, ColorWellWidget& widget, NibText&) {
-    view->setPeer(makeColorWellPeer(widget));
+    view->setPeer(makeColorWellPeer(view, widget));
 }
 
 void showImage(const std::shared_ptr<NSImageView>& view, ImageWidget& widget, NibText&) {
@@ -237,8 +243,8 @@ const QHash<QString, NibKind>& kinds() {
         const NibKind plain{u"NSView", Role::container, nullptr, showPlain};
         const NibKind label{u"NSTextField", Role::label, nullptr, show<NSTextField, QLabel, showLabel>};
         const NibKind field{u"NSTextField", Role::control, make<LineEdit>, show<NSTextField, LineEdit, showField>};
-        const NibKind tokens{u"NSTokenField", Role::control, make<QTextEdit>,
-                             show<NSTokenField, QTextEdit, showTokens>};
+        const NibKind tokens{u"NSTokenField", Role::control, make<TokenEdit>,
+                             show<NSTokenField, TokenEdit, showTokens>};
         const auto button = [](QWidget* (*makeWidget)(QWidget*)) {
             return NibKind{u"NSButton", Role::control, makeWidget, show<NSButton, QAbstractButton, showButton>};
         };

@@ -1,13 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "PopUpPeer.h"
 
+#include "FontSample.h"
 #include "Menu.h"
+#include "MenuList.h"
 #include "NamedImage.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QStylePainter>
 
 namespace platform::qt {
+
+namespace {
+
+constexpr int facePadding = 1;
+
+} // namespace
 
 void PopUpWidget::showFace(const NSPopUpButton& button) {
     clear();
@@ -20,9 +29,39 @@ void PopUpWidget::showFace(const NSPopUpButton& button) {
     } else if (face) {
         addItem(namedImage(face->imageName()), toQt(face->title()));
     }
+    m_face = face && face->attributedTitle() ? face : nullptr;
+    m_sample = nullptr;
+    update();
+}
+
+void PopUpWidget::changeEvent(QEvent* event) {
+    m_sample = nullptr; // the font may be another one
+    QComboBox::changeEvent(event);
+}
+
+void PopUpWidget::paintEvent(QPaintEvent* event) {
+    if (!m_face) {
+        QComboBox::paintEvent(event);
+        return;
+    }
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    const auto place = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText));
+    if (!m_sample)
+        m_sample = std::make_shared<FontSample>(*m_face, font());
+    m_sample->draw(painter, place.adjusted(facePadding, 0, -facePadding, 0));
 }
 
 std::shared_ptr<NSMenuItem> PopUpWidget::runMenu(const NSPopUpButton& button, const NSMenu& menu) {
+    if (!button.pullsDown() && isShownAsList(menu)) {
+        const QPointer<MenuList> list(new MenuList(menu, button.selectedItem(), *this));
+        auto chosen = list->run();
+        delete list;
+        return chosen;
+    }
     ShownMenu shown(menu, *this);
     if (shown.isEmpty())
         return nullptr;

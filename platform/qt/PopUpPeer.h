@@ -9,6 +9,8 @@
 
 namespace platform::qt {
 
+class FontSample;
+
 /// The face of a pop-up button, which opens the button's menu. There is no change of selection without that: wheel and
 /// arrow keys step nothing.
 class PopUpWidget final : public QComboBox {
@@ -23,12 +25,16 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent*) override {}
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     std::shared_ptr<NSMenuItem> runMenu(const NSPopUpButton& button, const NSMenu& menu);
 
     std::weak_ptr<NSPopUpButton> m_button;
+    std::shared_ptr<const NSMenuItem> m_face;   // with an attributed title; null where the title is drawn as usual
+    std::shared_ptr<const FontSample> m_sample; // of that title; null until it is drawn
     bool m_open = false;
 };
 

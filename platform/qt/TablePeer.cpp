@@ -242,6 +242,7 @@ void TableWidget::closeEditor() {
         setFocus(Qt::OtherFocusReason);
     closing->hide();
     closing->deleteLater();
+    viewport()->update();
 }
 
 void TableWidget::dragOver(const QDropEvent& event) {

@@ -81,6 +81,9 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
             return;
         }
         const auto takeBack = [this] {
+            // By now the field may show another value, and have nothing to refuse.
+            if (!tell(m_field, &NSTextField::isChangedByUser))
+                return;
             if (isVisible() && isEnabled())
                 setFocus(Qt::OtherFocusReason);
             showReason();

@@ -45,11 +45,18 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
     showPane();
-    m_order = new OrderPalette(m_session.model(), *m_pane, this);
-    m_session.setOnModelChange([this](const auto&) {
+    m_order = new OrderPalette(
+        m_session.model(), *m_pane, [this] { refreshPane(); }, this);
+    m_session.setOnModelChange([this](const auto& configuration) {
         if (m_order->isVisible())
             m_order->refresh();
+        if (!configuration)
+            m_listSettles.start();
     });
+    // Longer than the pane takes to choose a row after a change of the list.
+    m_listSettles.setSingleShot(true);
+    m_listSettles.setInterval(250);
+    connect(&m_listSettles, &QTimer::timeout, this, [this] { runGuarded([this] { showSomething(); }); });
     if (const auto table = m_pane->table())
         m_selectionObserver = NSNotificationCenter::defaultCenter().addObserverForNameObjectQueueUsingBlock(
             NSTableViewSelectionDidChangeNotification, table, nullptr,
@@ -69,7 +76,7 @@ void MainWindow::showPane() {
 }
 
 void MainWindow::refreshPane() {
-    const QPointer<QWidget> focus = QApplication::focusWidget();
+    const QPointer<QWidget> focus = focusWidget();
     setUpdatesEnabled(false);
     m_pane->refresh(m_session.model());
     if (focus && focus->isVisible())
@@ -140,17 +147,38 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(!stay);
 }
 
+bool MainWindow::isListed(const std::shared_ptr<host::ImprinterConfiguration>& configuration) const {
+    return configuration && m_session.model().indexOfConfiguration(configuration) != NSNotFound;
+}
+
+std::shared_ptr<host::ImprinterConfiguration> MainWindow::selectedConfiguration() const {
+    const auto list = m_session.model().configurations();
+    const auto row = static_cast<NSUInteger>(tell(m_pane->table(), &NSTableView::selectedRow));
+    return row < count(list) ? (*list)[row] : nullptr;
+}
+
 void MainWindow::rememberSelection() {
+    auto& defaults = NSUserDefaults::standardUserDefaults();
     const auto current = m_pane->currentConfiguration();
-    if (current && m_session.model().indexOfConfiguration(current) != NSNotFound && m_pane->table() &&
-        m_pane->table()->selectedRow() >= 0)
-        NSUserDefaults::standardUserDefaults().setObjectForKey(current->uniqueID(), u"ImprinterPrefLastSelected");
+    const bool listed = isListed(current);
+    if (const auto selected = selectedConfiguration())
+        defaults.setObjectForKey((listed ? current : selected)->uniqueID(), u"ImprinterPrefLastSelected");
+    else if (current && !listed)
+        defaults.removeObjectForKey(u"ImprinterPrefLastSelected");
+}
+
+void MainWindow::showSomething() {
+    const auto list = m_session.model().configurations();
+    if (count(list) == 0 || isListed(m_pane->currentConfiguration()))
+        return;
+    const auto selected = selectedConfiguration();
+    m_pane->show(selected ? selected : list->front(), m_session.model());
 }
 
 void MainWindow::stampDocument() {
     tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
     const auto configuration = m_pane->currentConfiguration();
-    if (!configuration) {
+    if (!isListed(configuration)) {
         QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
         return;
     }
@@ -173,6 +201,8 @@ void MainWindow::stampDocument() {
 }
 
 void MainWindow::editSettings() {
+    if (!m_pane->commitEditing())
+        return;
     SettingsDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted)
         refreshPane();

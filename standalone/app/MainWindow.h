@@ -6,6 +6,7 @@
 #include "Session.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
 namespace app {
 
@@ -29,7 +30,12 @@ protected:
 
 private:
     void makeMenus();
+    bool isListed(const std::shared_ptr<host::ImprinterConfiguration>& configuration) const;
+    /// That of the selected row; null for none.
+    std::shared_ptr<host::ImprinterConfiguration> selectedConfiguration() const;
     void rememberSelection();
+    /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
+    void showSomething();
     void stampDocument();
     void editSettings();
     void showPane();
@@ -41,6 +47,7 @@ private:
     std::unique_ptr<PaneHost> m_pane;
     OrderPalette* m_order;
     platform::NSNotificationCenter::Token m_selectionObserver;
+    QTimer m_listSettles;
     bool m_painted = false;
     bool m_warned = false;
 };

@@ -42,6 +42,9 @@ void OrderList::startDrag(Qt::DropActions) {
         for (const auto& index : selectedIndexes())
             rows.addIndex(static_cast<NSUInteger>(index.row()));
         const QPointer<OrderList> self(this);
+        // A name being typed in the pane would be lost with the row it stands in.
+        if (m_mayMove && !m_mayMove())
+            return;
         const auto picture = viewport()->grab(visualRect(currentIndex()));
         const bool moved =
             runDrag(*this, std::make_shared<Source>(), pasteboardOf(rows), picture) == NSDragOperationMove;
@@ -50,9 +53,11 @@ void OrderList::startDrag(Qt::DropActions) {
     });
 }
 
-OrderPalette::OrderPalette(model::ImprinterModel& model, PaneHost& pane, QWidget* parent)
-    : QWidget(parent, Qt::Tool), m_model(model), m_pane(pane), m_list(new OrderList(this)),
-      m_up(new QPushButton(text(u"Move &Up"), this)), m_down(new QPushButton(text(u"Move &Down"), this)) {
+OrderPalette::OrderPalette(model::ImprinterModel& model, PaneHost& pane, std::function<void()> refreshPane,
+                           QWidget* parent)
+    : QWidget(parent, Qt::Tool), m_model(model), m_pane(pane), m_refreshPane(std::move(refreshPane)),
+      m_list(new OrderList(this)), m_up(new QPushButton(text(u"Move &Up"), this)),
+      m_down(new QPushButton(text(u"Move &Down"), this)) {
     setWindowTitle(text(u"Order"));
     setObjectName(QStringLiteral("orderPalette"));
     m_list->setAccessibleName(text(u"Configurations in their order"));
@@ -75,29 +80,27 @@ OrderPalette::OrderPalette(model::ImprinterModel& model, PaneHost& pane, QWidget
 
     connect(m_up, &QPushButton::clicked, this, [this] { runGuarded([this] { move(-1); }); });
     connect(m_down, &QPushButton::clicked, this, [this] { runGuarded([this] { move(1); }); });
-    connect(m_list, &QListWidget::currentRowChanged, this, [this] { enableButtons(); });
+    connect(m_list, &QListWidget::currentRowChanged, this, [this] { choose(); });
+    m_list->setMayMove([this] { return mayMove(); });
     // The pane moves the row, and leaves the selection to its host.
-    m_list->setDropped([this] {
-        if (m_pane.commitEditing())
-            m_pane.refresh(m_model);
-    });
+    m_list->setDropped([this] { showMoved(); });
 }
 
 OrderPalette::~OrderPalette() = default;
 
 void OrderPalette::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    m_chosen = m_pane.currentConfiguration();
     refresh();
-    const auto current = m_model.indexOfConfiguration(m_pane.currentConfiguration());
-    if (current != NSNotFound)
-        m_list->setCurrentRow(static_cast<int>(current));
     m_list->setFocus();
 }
 
 void OrderPalette::refresh() {
     const auto list = m_model.configurations();
     const auto names = static_cast<int>(count(list));
-    // Rows are renamed in place, so that the selection stays.
+    const auto chosen = m_chosen.lock();
+    const QSignalBlocker silence(m_list);
+    // Rows are renamed in place, and the selection goes where its configuration went.
     while (m_list->count() > names)
         delete m_list->takeItem(m_list->count() - 1);
     for (int row = 0; row < names; ++row) {
@@ -107,24 +110,45 @@ void OrderPalette::refresh() {
         else if (m_list->item(row)->text() != name)
             m_list->item(row)->setText(name);
     }
-    enableButtons();
+    if (const auto row = m_model.indexOfConfiguration(chosen); chosen && row != NSNotFound)
+        m_list->setCurrentRow(static_cast<int>(row));
+    choose();
 }
 
 void OrderPalette::move(int direction) {
     const int row = m_list->currentRow();
     const int target = row + direction;
-    if (row < 0 || target < 0 || target >= m_list->count() || !m_pane.commitEditing())
+    if (row < 0 || target < 0 || target >= m_list->count() || !mayMove())
         return;
     // A row is moved above another one, counted before the move.
     m_model.moveConfigurationAtIndexTo(static_cast<NSUInteger>(row),
                                        static_cast<NSUInteger>(direction < 0 ? target : target + 1));
     refresh();
-    m_list->setCurrentRow(target);
-    m_pane.refresh(m_model);
+    showMoved();
 }
 
-void OrderPalette::enableButtons() {
+void OrderPalette::showMoved() {
+    m_refreshPane();
+    if (m_focus && m_focus->isVisible() && m_focus->isEnabled())
+        m_focus->setFocus();
+}
+
+bool OrderPalette::mayMove() {
+    m_focus = parentWidget()->focusWidget(); // ending the edit takes it away
+    if (m_pane.commitEditing())
+        return true;
+    // What the field refuses is said where it stands.
+    parentWidget()->raise();
+    parentWidget()->activateWindow();
+    return false;
+}
+
+void OrderPalette::choose() {
     const int row = m_list->currentRow();
+    const auto list = m_model.configurations();
+    m_chosen.reset();
+    if (row >= 0 && static_cast<NSUInteger>(row) < count(list))
+        m_chosen = (*list)[static_cast<NSUInteger>(row)];
     m_up->setEnabled(row > 0);
     m_down->setEnabled(row >= 0 && row < m_list->count() - 1);
 }

@@ -6,6 +6,7 @@
 #include <model/ImprinterModel.h>
 
 #include <QListWidget>
+#include <QPointer>
 
 class QPushButton;
 
@@ -16,6 +17,8 @@ class OrderList final : public QListWidget {
 public:
     explicit OrderList(QWidget* parent);
 
+    /// Asked before a drag begins.
+    void setMayMove(std::function<bool()> mayMove) { m_mayMove = std::move(mayMove); }
     /// Told when a drag that was taken has ended.
     void setDropped(std::function<void()> dropped) { m_dropped = std::move(dropped); }
 
@@ -26,6 +29,7 @@ protected:
     void startDrag(Qt::DropActions supported) override;
 
 private:
+    std::function<bool()> m_mayMove;
     std::function<void()> m_dropped;
 };
 
@@ -33,7 +37,8 @@ private:
 /// the pane. After each move the pane shows the new order, with the configuration being edited selected.
 class OrderPalette final : public QWidget {
 public:
-    OrderPalette(model::ImprinterModel& model, PaneHost& pane, QWidget* parent);
+    /// `refreshPane` shows the model anew in the pane.
+    OrderPalette(model::ImprinterModel& model, PaneHost& pane, std::function<void()> refreshPane, QWidget* parent);
     ~OrderPalette() override;
 
     /// Shows the configurations anew; to be called when the model has changed.
@@ -45,10 +50,18 @@ protected:
 private:
     /// Moves the selected row by one, up (-1) or down (1).
     void move(int direction);
-    void enableButtons();
+    /// NO where the pane has an edit that cannot be ended.
+    bool mayMove();
+    /// Shows the new order in the pane, and leaves the focus there where it was.
+    void showMoved();
+    /// Remembers the selected configuration and enables what can be done with it.
+    void choose();
 
     model::ImprinterModel& m_model;
     PaneHost& m_pane;
+    std::function<void()> m_refreshPane;
+    QPointer<QWidget> m_focus;
+    std::weak_ptr<host::ImprinterConfiguration> m_chosen;
     OrderList* m_list;
     QPushButton* m_up;
     QPushButton* m_down;

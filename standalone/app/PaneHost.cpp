@@ -67,6 +67,9 @@ void PaneHost::show(const std::shared_ptr<host::ImprinterConfiguration>& configu
                     const host::Imprinter& imprinter) {
     const auto list = table();
     tell(list, &NSTableView::reloadData);
+    // After the last one was deleted the pane keeps it behind its empty page, where it shall stay.
+    if (configuration && imprinter.indexOfConfiguration(configuration) == NSNotFound)
+        return;
     setValueForKey(*m_pane, std::monostate(), currentKey);
     setValueForKey(*m_pane, std::shared_ptr<NSObject>(configuration), currentKey);
     tell(list, &NSTableView::selectRowIndexesByExtendingSelection,

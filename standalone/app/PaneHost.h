@@ -34,7 +34,7 @@ public:
 
     /// After the model was changed under the open pane: shows the list anew and reads the current configuration again.
     void refresh(const host::Imprinter& imprinter) { show(currentConfiguration(), imprinter); }
-    /// The same, with another configuration as the current one.
+    /// The same, with another configuration as the current one. One that the host does not have is not shown.
     void show(const std::shared_ptr<host::ImprinterConfiguration>& configuration, const host::Imprinter& imprinter);
 
     /// The pane's table of configurations, or null.

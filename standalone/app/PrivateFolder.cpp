@@ -24,7 +24,10 @@ constexpr std::string_view pattern = "XXXXXX"; // as mkdtemp fills it
 fs::path parentFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     std::error_code error;
-    return runtime && fs::is_directory(runtime, error) ? fs::path(runtime) : fs::temp_directory_path();
+    if (runtime && fs::is_directory(runtime, error))
+        return runtime;
+    const auto temporary = fs::temp_directory_path(error);
+    return error ? fs::path("/tmp") : temporary;
 }
 
 bool isNameOfOurs(const std::string& name) {

@@ -3,6 +3,7 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSUserDefaults.h>
+#include <Foundation/dispatch.h>
 
 namespace app {
 
@@ -18,6 +19,9 @@ Session::Session(const std::filesystem::path& store)
     });
     m_model->setOnChange([this](const auto& configuration) {
         m_changed = true;
+        // A pane that edits the members of a combined configuration asks for no new preview.
+        if (configuration && configuration->combinedConfiguration() && m_shown.configuration.lock() == configuration)
+            stampAgainSoon();
         if (m_onModelChange)
             m_onModelChange(configuration);
     });
@@ -35,6 +39,12 @@ Session::Session(const std::filesystem::path& store)
         defaults.setBoolForKey(true, u"ImprinterDuplicateRecord");
 }
 
+Session::~Session() {
+    m_model->setSaver({});
+    m_model->setStamper({});
+    m_model->setOnChange({});
+}
+
 void Session::saveChanges() {
     if (m_changed)
         m_model->saveConfigurations();
@@ -47,15 +57,39 @@ void Session::allowPreviews() {
 
 std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,
                                                 const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
-    if (!m_previewStamper) {
-        m_previewFolder.emplace();
-        m_previewStamper.emplace(m_previewFolder->path());
+    try {
+        if (!m_previewStamper) {
+            m_previewFolder.emplace();
+            m_previewStamper.emplace(m_previewFolder->path());
+        }
+        m_shown = {sample, configuration};
+        const auto outcome = m_previewStamper->stamp(sample, configuration);
+        if (outcome)
+            return host::NSURL::fileURLWithPath(outcome.path);
+        platform::NSLog(outcome.path.string() + ": " + outcome.sentence);
+    } catch (const std::exception& error) {
+        // The pane knows no errors here: without a folder there is no preview, and everything else goes on.
+        if (!std::exchange(m_saidThatThereIsNoFolder, true))
+            platform::NSLog(std::string("There is no preview: ") + error.what());
     }
-    const auto outcome = m_previewStamper->stamp(sample, configuration);
-    if (outcome)
-        return host::NSURL::fileURLWithPath(outcome.path);
-    platform::NSLog(outcome.path.string() + ": " + outcome.sentence);
     return std::nullopt;
+}
+
+void Session::stampAgainSoon() {
+    if (m_stampingSoon)
+        return;
+    m_stampingSoon = std::make_shared<bool>(true);
+    platform::dispatchAsync([this, waiting = std::weak_ptr(m_stampingSoon)] {
+        if (waiting.expired())
+            return;
+        m_stampingSoon.reset();
+        const auto configuration = m_shown.configuration.lock();
+        if (!configuration || !m_previewStamper)
+            return;
+        const auto outcome = m_previewStamper->stampAgain(m_shown.sample, configuration);
+        if (!outcome)
+            platform::NSLog(outcome.path.string() + ": " + outcome.sentence);
+    });
 }
 
 } // namespace app

@@ -16,6 +16,10 @@ namespace app {
 class Session {
 public:
     explicit Session(const std::filesystem::path& store);
+    /// A pane with something left to do may keep the model, which then neither stamps nor stores.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
 
     model::ImprinterModel& model() { return *m_model; }
     const std::vector<store::Failure>& messages() const { return m_loaded.messages; }
@@ -37,6 +41,7 @@ public:
 private:
     std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+    void stampAgainSoon();
 
     store::Store m_store;
     store::LoadResult m_loaded;
@@ -45,9 +50,17 @@ private:
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     std::optional<PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
+    /// What the file that was handed out last shows.
+    struct Shown {
+        std::filesystem::path sample;
+        std::weak_ptr<host::ImprinterConfiguration> configuration;
+    };
+    Shown m_shown;
+    std::shared_ptr<bool> m_stampingSoon; // what is still to be done outlives nobody who would do it
     std::function<void(const store::Failure&)> m_onSaveFailure;
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
+    bool m_saidThatThereIsNoFolder = false;
     bool m_saveFailed = false;
     bool m_changed = false;
 };

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include <engine/FaceLibrary.h>
 
+#include <AppKit/FontSource.h>
+#include <Foundation/NSString.h>
+
 #include <fontconfig/fontconfig.h>
 #include <harfbuzz/hb-ot.h>
 #include <harfbuzz/hb.h>
 
 #include <algorithm>
-#include <tuple>
 #include <vector>
 
 namespace engine {
@@ -227,25 +229,8 @@ std::shared_ptr<const Face> FaceLibrary::faceNamed(const std::string& postScript
     if (!isNew || postScriptName.empty())
         return place->second;
 
-    const Pattern wanted(FcPatternCreate());
-    FcPatternAddString(wanted.get(), FC_POSTSCRIPT_NAME, fcText(postScriptName));
-    const ObjectSet properties(
-        FcObjectSetBuild(FC_POSTSCRIPT_NAME, FC_FILE, FC_INDEX, FC_FONTFORMAT, FC_VARIABLE, nullptr));
-    const FontSet found(FcFontList(nullptr, wanted.get(), properties.get()));
-    std::vector<Entry> entries;
-    for (int i = 0; found && i < found->nfont; ++i) {
-        Entry entry;
-        // The listing folds case, a PostScript name does not.
-        if (entryOf(found->fonts[i], entry) && entry.name == postScriptName)
-            entries.push_back(std::move(entry));
-    }
-    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-        const bool aIsInstance = a.index >> 16 != 0;
-        const bool bIsInstance = b.index >> 16 != 0;
-        return std::tie(aIsInstance, a.file, a.index) < std::tie(bIsInstance, b.file, b.index);
-    });
-    for (const auto& entry : entries) {
-        place->second = openFace(entry.file, entry.index, entry.name);
+    for (const auto& file : platform::FontSource::current()->filesOf(platform::fromUtf8(postScriptName))) {
+        place->second = openFace(file.path, file.index, postScriptName);
         if (place->second)
             break;
     }

@@ -2,8 +2,8 @@
 #include <engine/PreviewStamper.h>
 
 #include "DecodedPicture.h"
-#include "OutputFile.h"
 #include "PictureFile.h"
+#include "PreviewFiles.h"
 #include "RasterPainter.h"
 #include "StampPlan.h"
 
@@ -93,7 +93,32 @@ struct PreviewStamper::State {
     FaceLibrary faces;
     std::optional<SampleKey> key;
     DecodedPicture sample;
-    std::map<std::string, bool> usedSecondName;
+    PreviewFiles files;
+    /// Each with whether its second name was used last; the latest at the end.
+    std::vector<std::pair<std::string, bool>> recent;
+
+    /// The file to write for a configuration. Results of all but the last few are given up: each takes as much room as
+    /// the sample decoded.
+    std::string nameFor(const std::string& identifier, bool sameName) {
+        constexpr std::size_t kept = 3;
+        const auto known =
+            std::find_if(recent.begin(), recent.end(), [&](const auto& entry) { return entry.first == identifier; });
+        bool second = known != recent.end() && known->second;
+        if (known != recent.end())
+            recent.erase(known);
+        if (!sameName)
+            second = !second;
+        recent.emplace_back(identifier, second);
+        if (recent.size() > kept) {
+            files.remove(name(recent.front().first, false));
+            files.remove(name(recent.front().first, true));
+            recent.erase(recent.begin());
+        }
+        return name(identifier, second);
+    }
+    static std::string name(const std::string& identifier, bool second) {
+        return stemFor(identifier) + (second ? "-1.bmp" : "-0.bmp");
+    }
 
     const DecodedPicture& decoded(const std::filesystem::path& path) {
         std::error_code error;
@@ -110,19 +135,33 @@ struct PreviewStamper::State {
             throw Failure(Code::unsupported, "The sample is no picture that can be stamped.");
         sample = isPng(bytes) ? decodePng(bytes) : decodeJpeg(bytes);
         turnUpright(sample);
+        files.setBase(bitmapHeader(sample.geometry), reinterpret_cast<const char*>(sample.image.constBits()),
+                      sample.image.height(), static_cast<std::size_t>(sample.image.bytesPerLine()));
         key = wanted;
         return sample;
     }
 };
 
-PreviewStamper::PreviewStamper(std::filesystem::path folder, std::string defaultFont)
-    : m_state(new State{std::move(folder), FaceLibrary(std::move(defaultFont)), std::nullopt, {}, {}}) {}
+PreviewStamper::PreviewStamper(const std::filesystem::path& folder, std::string defaultFont)
+    : m_state(new State{folder, FaceLibrary(std::move(defaultFont)), std::nullopt, {}, PreviewFiles(folder), {}}) {}
 
 PreviewStamper::~PreviewStamper() = default;
 
 Outcome PreviewStamper::stamp(const std::filesystem::path& sample,
                               const std::shared_ptr<host::ImprinterConfiguration>& configuration,
                               std::chrono::system_clock::time_point now) {
+    return stampInto(false, sample, configuration, now);
+}
+
+Outcome PreviewStamper::stampAgain(const std::filesystem::path& sample,
+                                   const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                                   std::chrono::system_clock::time_point now) {
+    return stampInto(true, sample, configuration, now);
+}
+
+Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sample,
+                                  const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                                  std::chrono::system_clock::time_point now) {
     Outcome outcome;
     outcome.path = sample;
     Report report;
@@ -143,31 +182,16 @@ Outcome PreviewStamper::stamp(const std::filesystem::path& sample,
             touched |= patches.back().area;
         }
         // Only the rows that change are copied; the others are written from the decoded sample.
-        QImage band = image.copy(0, touched.top(), image.width(), touched.height());
+        QImage band = touched.isEmpty() ? QImage() : image.copy(0, touched.top(), image.width(), touched.height());
         for (auto& patch : patches) {
             patch.area.translate(0, -touched.top());
             blend(patch, band);
         }
 
         const auto identifier = platform::toUtf8(configuration->uniqueID());
-        const bool second = m_state->usedSecondName[identifier] = !m_state->usedSecondName[identifier];
-        const auto target = m_state->folder / (stemFor(identifier) + (second ? "-1.bmp" : "-0.bmp"));
-        OutputFile output(target);
-        output.write(bitmapHeader(geometry));
-        const auto rows = [&](const QImage& from, int first, int count) {
-            if (count > 0)
-                output.write({reinterpret_cast<const char*>(from.constScanLine(first)),
-                              static_cast<std::size_t>(from.bytesPerLine()) * static_cast<std::size_t>(count)});
-        };
-        if (touched.isEmpty()) {
-            rows(image, 0, image.height());
-        } else {
-            rows(image, 0, touched.top());
-            rows(band, 0, band.height());
-            rows(image, touched.bottom() + 1, image.height() - touched.bottom() - 1);
-        }
-        output.commit(false);
-        outcome.path = target;
+        outcome.path =
+            m_state->files.put(m_state->nameFor(identifier, sameName), reinterpret_cast<const char*>(band.constBits()),
+                               {touched.top(), touched.isEmpty() ? 0 : touched.height()});
         outcome.pagesStamped = patches.empty() ? 0 : 1;
     } catch (const Failure& failure) {
         outcome.code = failure.code();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <random>
 
@@ -130,11 +131,13 @@ void Configuration::setPosition(host::NSInteger anchor) {
 }
 
 void Configuration::setOffset(host::NSPoint offset) {
-    set(m_values.offset, offset);
+    if (std::isfinite(offset.x) && std::isfinite(offset.y))
+        set(m_values.offset, offset);
 }
 
 void Configuration::setRotation(double degrees) {
-    set(m_values.rotation, degrees);
+    if (std::isfinite(degrees))
+        set(m_values.rotation, degrees);
 }
 
 void Configuration::setOccurance(host::NSInteger code) {
@@ -154,7 +157,8 @@ void Configuration::setBorderStyle(host::NSInteger style) {
 }
 
 void Configuration::setBorderThickness(double points) {
-    set(m_values.borderThickness, points);
+    if (std::isfinite(points))
+        set(m_values.borderThickness, points);
 }
 
 void Configuration::setBorderColour(const std::shared_ptr<const host::NSColor>& colour) {
@@ -170,7 +174,8 @@ void Configuration::setFillColour(const std::shared_ptr<const host::NSColor>& co
 }
 
 void Configuration::setFillOpacity(double opacity) {
-    set(m_values.fillOpacity, opacity);
+    if (std::isfinite(opacity))
+        set(m_values.fillOpacity, opacity);
 }
 
 void Configuration::changed() {

@@ -6,39 +6,14 @@
 #include <Foundation/NSString.h>
 #include <model/Configuration.h>
 
-#include <fontconfig/fontconfig.h>
+#include <cmath>
 
 namespace model {
 
-namespace {
-
-std::u16string defaultSansSerif() {
-    FcPattern* wanted = FcPatternCreate();
-    FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8*>("sans-serif"));
-    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
-    FcDefaultSubstitute(wanted);
-    FcResult result = FcResultNoMatch;
-    FcPattern* found = FcFontMatch(nullptr, wanted, &result);
-    FcPatternDestroy(wanted);
-    if (!found)
-        return {};
-    std::u16string name;
-    FcChar8* text = nullptr;
-    if (FcPatternGetString(found, FC_POSTSCRIPT_NAME, 0, &text) == FcResultMatch)
-        name = platform::fromUtf8(reinterpret_cast<const char*>(text));
-    FcPatternDestroy(found);
-    return name;
-}
-
-} // namespace
-
 const std::u16string& defaultFontName() {
     static const std::u16string name = [] {
-        std::u16string preferred = u"DejaVuSans";
-        if (host::NSFont::fontWithNameSize(preferred, 12))
-            return preferred;
-        auto other = defaultSansSerif();
-        return other.empty() ? preferred : other;
+        const auto font = host::NSFont::userFontOfSize(0);
+        return font ? font->fontName() : std::u16string(u"DejaVuSans");
     }();
     return name;
 }
@@ -51,7 +26,8 @@ std::u16string_view FontRun::className() const {
 }
 
 std::u16string FontRun::name() const {
-    return u"Font " + platform::fromUtf8(std::to_string(m_fontNumber + 1));
+    const auto name = u"Font " + platform::fromUtf8(std::to_string(m_fontNumber + 1));
+    return isMissing() ? name + u" (missing)" : name;
 }
 
 void FontRun::setFontNumber(host::NSUInteger number) {
@@ -63,15 +39,22 @@ std::u16string FontRun::fullFontName() const {
 }
 
 void FontRun::setFullFontName(const std::u16string& name) {
+    // Whoever chose a face that has no name, or no number for a size, chose none.
+    if (name.empty())
+        return;
     m_font = nullptr;
     set(m_fullFontName, std::optional(name));
+}
+
+bool FontRun::isMissing() const {
+    return !host::NSFont::fontWithNameSize(fullFontName(), m_fontSize);
 }
 
 std::shared_ptr<host::NSFont> FontRun::font() const {
     if (!m_font)
         m_font = host::NSFont::fontWithNameSize(fullFontName(), m_fontSize);
     if (!m_font)
-        m_font = host::NSFont::fontWithNameSize(defaultFontName(), m_fontSize);
+        m_font = host::NSFont::userFontOfSize(m_fontSize);
     return m_font;
 }
 
@@ -80,12 +63,15 @@ void FontRun::setColour(const std::shared_ptr<const host::NSColor>& colour) {
 }
 
 void FontRun::setFontSize(double points) {
+    if (!std::isfinite(points))
+        return;
     m_font = nullptr;
     set(m_fontSize, points);
 }
 
 void FontRun::setStrokeWidth(double points) {
-    set(m_strokeWidth, points);
+    if (std::isfinite(points))
+        set(m_strokeWidth, points);
 }
 
 void FontRun::setOutline(bool outline) {

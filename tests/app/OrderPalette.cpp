@@ -199,4 +199,34 @@ TEST_F(OrderPaletteTest, TheOrderIsStoredThoughNothingIsBeingEdited) {
     EXPECT_EQ(namesOf(again.model().configurations()), (Names{"Beta", "Alpha", "Gamma"}));
 }
 
+TEST_F(OrderPaletteTest, TheSelectionFollowsTheConfigurationThatWasMovedFromOutside) {
+    list->setCurrentRow(2);
+    session->model().moveConfigurationAtIndexTo(2, 0);
+    EXPECT_EQ(list->currentRow(), 0);
+    press("moveDown");
+    expect({"Alpha", "Gamma", "Beta"});
+}
+
+TEST_F(OrderPaletteTest, WithATextThatIsNoNumberNothingMoves) {
+    auto* field = window->findChild<QLineEdit*>("xOffset");
+    ASSERT_TRUE(field);
+    window->activateWindow();
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "rubbish");
+    press("moveDown");
+    expect({"Alpha", "Beta", "Gamma"});
+    EXPECT_EQ(field->text(), "rubbish");
+}
+
+TEST_F(OrderPaletteTest, AMoveKeepsTheFocusOfThePane) {
+    edited->setOccurance(4);
+    window->activateWindow();
+    auto* field = window->findChild<QLineEdit*>("xOffset");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    field->setFocus();
+    press("moveDown");
+    EXPECT_EQ(window->focusWidget(), field);
+}
+
 } // namespace

@@ -661,4 +661,68 @@ TEST(Exports, TheBundleOffersThePasteboardTypeByItsName) {
     dlclose(library);
 }
 
+// What is not obvious of the commands
+
+TEST_F(ActionMenu, EveryItemButDuplicateAndDeleteIsAlwaysEnabled) {
+    startWith({u"a"});
+    selectNothing();
+    for (const NSInteger tag : {3, 0, -1, 12345}) {
+        NSMenuItem item(u"", u"", u"");
+        item.setTag(tag);
+        EXPECT_TRUE(pane->validateUserInterfaceItem(item)) << tag;
+    }
+}
+
+TEST_F(Creating, EnablesTheControlsOfTheEditorsAtOnce) {
+    startWith({u"a"});
+    pane->enableControls(false);
+    EXPECT_FALSE(outlet<NSControl>(u"rotation")->isEnabled());
+    choose("New Configuration");
+    for (const auto* name : {u"topLeftBtn", u"xOffset", u"yOffsetStepper", u"rotation", u"rotationStepper"})
+        EXPECT_TRUE(outlet<NSControl>(name)->isEnabled()) << toUtf8(name);
+    EXPECT_EQ(queue->waiting(), 1U);
+}
+
+TEST_F(Duplicating, WithoutASelectedRowSendsMinusOne) {
+    startWith({u"a"});
+    selectNothing();
+    taken();
+    pane->duplicateConfiguration(nullptr);
+    EXPECT_EQ(takenCommands(), MessageLog{"imprinter duplicateConfigurationAtIndex -1"});
+    EXPECT_EQ(rows(), (Names{"a"}));
+}
+
+TEST_F(Deleting, TheNewCountIsReadAfterTheMessageAndBeforeTheListIsShown) {
+    startWith({u"a", u"b"});
+    pane->deleteConfigurationAtIndex(1);
+    const auto messages = taken();
+    ASSERT_GE(messages.size(), 3U);
+    EXPECT_EQ(messages[0], "imprinter deleteConfigurationAtIndex 1");
+    EXPECT_EQ(messages[1], "imprinter configurations") << "the count";
+    EXPECT_EQ(messages[2], "imprinter configurations") << "the rows";
+}
+
+TEST_F(Deleting, ANameWithPercentSignsIsShownAsItIs) {
+    startWith({u"a"});
+    pane->currentConfiguration()->setName(u"50 %@ of %d %%");
+    pressDelete();
+    EXPECT_EQ(alerts, std::vector<std::u16string>{u"Delete 50 %@ of %d %%?"});
+}
+
+TEST_F(Deleting, WithoutAHostShowsTheEmptyPage) {
+    load();
+    show();
+    pane->deleteConfigurationAtIndex(0);
+    EXPECT_EQ(mainPage(), u"No Imprint");
+    EXPECT_FALSE(outlet<NSButton>(u"previewBtn")->isEnabled());
+    EXPECT_FALSE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
+    EXPECT_TRUE(outlet<NSButton>(u"duplicateRecBtn")->isHidden());
+}
+
+TEST_F(Renaming, ToAnEmptyTextShowsTheNameAgainAtOnce) {
+    startWith({u"a"});
+    rename("");
+    EXPECT_EQ(rows(), (Names{"a"}));
+}
+
 } // namespace

@@ -38,14 +38,16 @@ TEST_F(CommandsLater, ANewConfigurationThatIsDeletedAtOnceIsNotShown) {
     EXPECT_EQ(pane->currentConfiguration(), configurations[1]);
 }
 
-TEST_F(CommandsLater, ANewConfigurationThatTheHostTookAwayIsNotShown) {
+TEST_F(CommandsLater, ANewConfigurationThatTheHostTookAwayIsShownWithoutARow) {
     startWith({u"a", u"b"});
     choose("New Configuration");
     imprinter->setList(configurations);
     table()->reloadData();
+    taken();
     waitForSelection();
-    EXPECT_EQ(table()->selectedRow(), 0);
-    EXPECT_EQ(pane->currentConfiguration(), configurations[0]);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+    EXPECT_EQ(table()->selectedRow(), 0) << "the selection went back to what was being edited then";
+    EXPECT_EQ(taken().front(), "imprinter indexOfConfiguration");
 }
 
 TEST_F(CommandsLater, CreatingTwiceShowsTheSecond) {
@@ -69,15 +71,15 @@ TEST_F(CommandsLater, CreatingThenDuplicatingCopiesTheRowStillSelected) {
     EXPECT_EQ(pane->currentConfiguration(), made);
 }
 
-TEST_F(CommandsLater, DeletingTwiceAtOnceDeletesOnce) {
+TEST_F(CommandsLater, DeletingTwiceAtOnceDeletesOnceAndEndsOnTheEmptyPage) {
     startWith({u"a", u"b", u"c"});
     pressDelete();
-    pressDelete(); // what is being edited is gone already
+    pressDelete(); // what is being edited is gone already, and no row takes its place
     waitForSelection();
     EXPECT_EQ(rows(), (Names{"b", "c"}));
     EXPECT_EQ(table()->selectedRow(), 0);
-    EXPECT_EQ(pane->currentConfiguration(), configurations[1]);
-    EXPECT_EQ(mainPage(), u"Imprint Configuration");
+    EXPECT_EQ(pane->currentConfiguration(), nullptr);
+    EXPECT_EQ(mainPage(), u"No Imprint");
 }
 
 TEST_F(CommandsLater, DeletingTheRestMeanwhileLeavesTheEmptyPage) {
@@ -91,17 +93,18 @@ TEST_F(CommandsLater, DeletingTheRestMeanwhileLeavesTheEmptyPage) {
     waitForSelection();
     EXPECT_EQ(mainPage(), u"No Imprint");
     EXPECT_FALSE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
-    EXPECT_TRUE(outlet<NSButton>(u"duplicateRecBtn")->isHidden());
-    EXPECT_EQ(pane->currentConfiguration(), configurations[1]);
+    EXPECT_EQ(pane->currentConfiguration(), nullptr) << "the row that was to be shown is not there any more";
 }
 
 TEST_F(CommandsLater, AListThatHasGoneMeanwhileIsHarmless) {
     startWith({u"a", u"b"});
     pressDelete();
     choose("New Configuration");
+    const auto made = imprinter->made;
     imprinter->setNilList();
     waitForSelection();
     EXPECT_EQ(queue->waiting(), 0U);
+    EXPECT_EQ(pane->currentConfiguration(), made);
 }
 
 TEST_F(CommandsLater, TheAnswerToAnAlertMayComeAfterTheSelection) {
@@ -166,6 +169,56 @@ TEST_F(CommandsLater, TheDelayIsRealOnTheEventLoop) {
     EXPECT_EQ(table()->selectedRow(), 0);
     EXPECT_TRUE(QTest::qWaitFor([this] { return table()->selectedRow() == 1; }));
     EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, CreatingThenRenamingRenamesTheRowStillSelected) {
+    startWith({u"a", u"b"});
+    choose("New Configuration");
+    rename("z");
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"z", "b", "New Imprinter"}));
+    EXPECT_EQ(table()->selectedRow(), 2);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, CreatingThenMovingARowSelectsTheNewOneWhereItIsThen) {
+    startWith({u"a", u"b"});
+    choose("New Configuration");
+    ASSERT_TRUE(dropAbove(0, rowsFrom("rows_2_to_4.binary")));
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"New Imprinter", "a", "b"}));
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, DeletingThenCreatingShowsTheNewOneInTheEnd) {
+    startWith({u"a", u"b"});
+    pressDelete();
+    choose("New Configuration");
+    waitForSelection();
+    EXPECT_EQ(rows(), (Names{"b", "New Imprinter"}));
+    EXPECT_EQ(table()->selectedRow(), 1);
+    EXPECT_EQ(pane->currentConfiguration(), imprinter->made);
+}
+
+TEST_F(CommandsLater, DeletingThenMovingShowsWhatStandsInTheRowThen) {
+    startWith({u"a", u"b", u"c", u"d"});
+    pressDelete();
+    ASSERT_TRUE(dropAbove(0, rowsFrom("rows_2_to_4.binary")));
+    EXPECT_EQ(rows(), (Names{"d", "b", "c"}));
+    waitForSelection();
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[3]);
+}
+
+TEST_F(CommandsLater, DeletingThenClickingARowShowsTheNextOneAllTheSame) {
+    startWith({u"a", u"b", u"c"});
+    pressDelete();
+    clickRow(1);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[2]);
+    waitForSelection();
+    EXPECT_EQ(table()->selectedRow(), 0);
+    EXPECT_EQ(pane->currentConfiguration(), configurations[1]);
 }
 
 } // namespace

@@ -8,22 +8,42 @@
 #include "SettingsDialog.h"
 
 #include <AppKit/NSAlert.h>
+#include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSString.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 
 #include <fstream>
+#include <limits>
+
 #include <gtest/gtest.h>
 
 using namespace platform;
 namespace fs = std::filesystem;
 
 namespace {
+
+/// A variable of the environment, as long as it lives.
+class Environment {
+public:
+    Environment(const char* name, const std::string& value) : m_name(name), m_former(qgetenv(name)) {
+        qputenv(name, value.c_str());
+    }
+    ~Environment() { m_former.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_former); }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    const char* m_name;
+    QByteArray m_former;
+};
 
 class HostLife : public ::testing::Test {
 protected:
@@ -60,6 +80,21 @@ protected:
                 answerMessages();
             }
         });
+    }
+
+    void press(std::u16string_view action) {
+        NSAlert::setAnswerer([](const NSAlert&) { return NSAlertFirstButtonReturn; });
+        auto& pane = window->pane().pane();
+        const auto* pressed = pane.classTable()->action(action);
+        ASSERT_TRUE(pressed);
+        (*pressed)(pane, nullptr);
+        NSAlert::setAnswerer({});
+    }
+    std::shared_ptr<host::ImprinterConfiguration> current() { return window->pane().currentConfiguration(); }
+    std::u16string page() {
+        auto& pane = window->pane().pane();
+        const auto tabs = std::dynamic_pointer_cast<NSTabView>(pane.classTable()->outlet(u"mainTabView")->object(pane));
+        return tabs->selectedTabViewItem()->identifier();
     }
 
     static std::string contents(const fs::path& file) {
@@ -131,17 +166,13 @@ TEST_F(HostLife, RemembersTheConfigurationThatTheUserChose) {
 }
 
 TEST_F(HostLife, RemembersTheConfigurationThatTookTheRowOfADeletedOne) {
-    NSAlert::setAnswerer([](const NSAlert&) { return NSAlertFirstButtonReturn; });
     open(folder / "configurations.json");
     window->pane().table()->userSelects(NSIndexSet(1), 1);
     const auto next = (*session->model().configurations())[2];
-    const auto* pressed = window->pane().pane().classTable()->action(u"deleteConfiguration:");
-    ASSERT_TRUE(pressed);
-    (*pressed)(window->pane().pane(), nullptr);
+    press(u"deleteConfiguration:");
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->pane().currentConfiguration() == next; }));
     window->close();
     EXPECT_EQ(defaults->stringForKey(u"ImprinterPrefLastSelected"), next->uniqueID());
-    NSAlert::setAnswerer({});
 }
 
 TEST_F(HostLife, DuplicatesByDefaultUnlessSomebodyChoseOtherwise) {
@@ -175,6 +206,111 @@ TEST_F(HostLife, RefreshingShowsTheNewOrderAndKeepsTheCurrentConfigurationSelect
     EXPECT_EQ(window->pane().currentConfiguration(), first);
     EXPECT_EQ(table->selectedRow(), 2);
     EXPECT_EQ(table->viewAtColumnRow(0, 2)->textField()->stringValue(), first->name());
+}
+
+TEST_F(HostLife, DeletingTwiceAtOnceEndsOnAListedConfiguration) {
+    open(folder / "configurations.json");
+    const auto second = (*session->model().configurations())[1];
+    press(u"deleteConfiguration:");
+    press(u"deleteConfiguration:"); // the one being edited is gone already
+    EXPECT_TRUE(QTest::qWaitFor([&] { return page() == u"Imprint Configuration" && current() == second; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->pane().table()->selectedRow() == 0; }));
+    EXPECT_EQ(session->model().configurations()->size(), 2U);
+}
+
+TEST_F(HostLife, ClosingRightAfterDeletingRemembersARowThatIsStillThere) {
+    open(folder / "configurations.json");
+    window->pane().table()->userSelects(NSIndexSet(1), 1);
+    press(u"deleteConfiguration:");
+    window->close();
+    const auto remembered = defaults->stringForKey(u"ImprinterPrefLastSelected");
+    EXPECT_TRUE(!remembered || session->model().configurationForID(*remembered));
+    window.reset();
+    open(folder / "configurations.json");
+    EXPECT_EQ(session->model().configurations()->size(), 2U);
+    EXPECT_EQ(page(), u"Imprint Configuration");
+    EXPECT_GE(window->pane().table()->selectedRow(), 0);
+}
+
+TEST_F(HostLife, TheLastConfigurationStaysDeleted) {
+    open(folder / "configurations.json");
+    while (session->model().configurations()->size() > 1)
+        session->model().deleteConfigurationAtIndex(session->model().indexOfConfiguration(current()) == 0 ? 1 : 0);
+    press(u"deleteConfiguration:");
+    ASSERT_EQ(page(), u"No Imprint");
+    window->pane().refresh(session->model());
+    EXPECT_EQ(page(), u"No Imprint");
+    answerMessages();
+    for (auto* action : window->findChildren<QAction*>())
+        if (action->shortcut() == QKeySequence::Open)
+            action->trigger();
+    ASSERT_EQ(messages.size(), 1U) << "there is nothing to stamp with";
+}
+
+TEST_F(HostLife, ClosingTheWindowStoresWhatIsBeingTyped) {
+    open(folder / "configurations.json");
+    const auto edited = current();
+    auto* field = window->findChild<QLineEdit*>(QStringLiteral("xOffset"));
+    ASSERT_TRUE(field);
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "4321");
+    window->close();
+    EXPECT_EQ(edited->offset().x, 4321);
+    EXPECT_NE(contents(folder / "configurations.json").find("4321"), std::string::npos);
+}
+
+TEST_F(HostLife, AnAbsurdRotationDoesNotKeepTheRestFromBeingStored) {
+    open(folder / "configurations.json");
+    const auto edited = current();
+    edited->setRotation(1e300);
+    edited->setRotation(std::numeric_limits<double>::infinity());
+    edited->setName(u"Stored all the same");
+    window->pane().refresh(session->model());
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_NE(contents(folder / "configurations.json").find("Stored all the same"), std::string::npos);
+}
+
+TEST_F(HostLife, WithoutAFolderForPreviewsThereIsNoneAndEverythingElseWorks) {
+    const Environment closed("XDG_RUNTIME_DIR", "/proc"); // nobody makes folders there
+    open(folder / "configurations.json");
+    session->allowPreviews();
+    window->pane().table()->userSelects(NSIndexSet(2), 2);
+    EXPECT_EQ(window->pane().table()->selectedRow(), 2);
+    EXPECT_EQ(current(), (*session->model().configurations())[2]);
+    EXPECT_EQ(
+        session->model().imprintFileAtURLWithIndex(
+            NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg"), current(), 0),
+        std::nullopt);
+}
+
+TEST_F(HostLife, ANewMemberIsStampedIntoThePreviewThatWasHandedOut) {
+    session = std::make_unique<app::Session>(folder / "configurations.json");
+    session->allowPreviews();
+    auto& model = session->model();
+    const auto ordinary = model.configurations()->front();
+    const auto combined = model.createConfiguration(true);
+    const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
+    const auto bare = model.imprintFileAtURLWithIndex(sample, combined, 0);
+    ASSERT_TRUE(bare);
+    const auto before = contents(bare->path());
+    combined->addConfiguration(ordinary);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return contents(bare->path()) != before; }));
+    combined->deleteConfiguration(ordinary);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return contents(bare->path()) == before; }));
+}
+
+TEST_F(HostLife, AStampLeftToDoWhenTheProgramEndsIsHarmless) {
+    session = std::make_unique<app::Session>(folder / "configurations.json");
+    session->allowPreviews();
+    auto& model = session->model();
+    const auto combined = model.createConfiguration(true);
+    const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
+    ASSERT_TRUE(model.imprintFileAtURLWithIndex(sample, combined, 0));
+    combined->addConfiguration(model.configurations()->front());
+    session.reset();
+    QApplication::processEvents();
 }
 
 } // namespace

@@ -70,4 +70,25 @@ TEST_F(Languages, TheShellSpeaksTheLanguageOfTheUser) {
     EXPECT_EQ(outlet<NSButton>(u"previewBtn")->title(), preview.at(language));
 }
 
+TEST_F(Languages, CommandsNamesAndTheAlertSpeakTheLanguageOfTheUser) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    const auto bundle = NSBundle::bundleWithPath(PANE_BUNDLE);
+    const auto local = [&](const char16_t* english) {
+        const auto text = bundle->localizedStringForKeyValueTable(english, u"", u"");
+        EXPECT_EQ(text == english, bundle->preferredLocalization() == "en") << toUtf8(english);
+        return text;
+    };
+    const auto menu = pane->buildActionMenu();
+    EXPECT_EQ(menu->itemArray()[1]->title(), local(u"New Configuration"));
+    pane->deleteConfiguration(nullptr);
+    EXPECT_EQ(alerts.back(), stringWithFormat(local(u"Delete %@?"), {u"a"}));
+    EXPECT_EQ(informativeTexts.back(), local(u"Deleted configurations cannot be restored."));
+    EXPECT_EQ(buttonTitles.back(), (std::vector<std::u16string>{local(u"Delete"), local(u"Cancel")}));
+    pane->addConfiguration(nullptr);
+    EXPECT_EQ(imprinter->made->name(), local(u"New Imprinter"));
+    pane->createCombinedConfiguration(nullptr);
+    EXPECT_EQ(imprinter->made->name(), local(u"New Combined Imprint"));
+}
+
 } // namespace

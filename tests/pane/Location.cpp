@@ -686,7 +686,8 @@ TEST_F(OccurrenceChoice, HidingTheFieldEmptiesItOnTheScreenAndKeepsTheList) {
     QTest::keyClicks(window->focusWidget(), "3,5");
     taken();
     click("occuranceEveryPage");
-    EXPECT_EQ(taken(), (MessageLog{"a setOccurance 0", "a occurance", stamped})) << "the text-change handler runs not";
+    EXPECT_EQ(taken(), (MessageLog{"a titleTokens", "a setOccurance 0", "a occurance", stamped}))
+        << "the text-change handler runs not";
     EXPECT_TRUE(field("customOccurance")->isHidden());
     EXPECT_EQ(field("customOccurance")->text(), "");
     EXPECT_EQ(a->values.customOccurance, u"3,5");
@@ -890,6 +891,90 @@ TEST_F(CustomPagesGuards, LeavingThePaneWithAListEmptiedFallsBackToEveryPage) {
     type("customOccurance", "");
     EXPECT_EQ(pane->shouldUnselect(), NSPreferencePaneUnselectReply::now);
     EXPECT_EQ(a->values.occurance, 0);
+}
+
+// Read and written under their keys
+
+TEST_F(OffsetFields, AreReadUnderTheirKeys) {
+    a->values.offset = {1.5, -2.25};
+    a->values.rotation = 0.125;
+    begin();
+    EXPECT_EQ(std::get<double>(valueForKey(*pane, u"xOffsetValue")), 1.5);
+    EXPECT_EQ(std::get<double>(valueForKey(*pane, u"yOffsetValue")), -2.25);
+    EXPECT_EQ(std::get<double>(valueForKey(*pane, u"rotationValue")), 0.125);
+}
+
+TEST_F(OffsetFields, TheSecondCoordinateIsWrittenBesideTheStoredFirst) {
+    a->values.offset = {7, 8};
+    begin();
+    setValueForKey(*pane, 5.0, u"yOffsetValue");
+    const auto messages = taken();
+    ASSERT_GE(messages.size(), 3U);
+    EXPECT_EQ((MessageLog(messages.begin(), messages.begin() + 3)),
+              (MessageLog{"a offset", "a setOffset 7 5", stamped}));
+}
+
+TEST_F(OffsetFields, AnEmptiedOneLeavesThePreview) {
+    a->values.offset = {7, 8};
+    begin();
+    type("xOffset", "");
+    taken();
+    press(Qt::Key_Return);
+    const auto messages = taken();
+    EXPECT_EQ(std::count(messages.begin(), messages.end(), stamped), 0);
+    EXPECT_EQ(a->values.offset.x, 0);
+}
+
+TEST_F(RotationField, TakesTheDecimalsOfTheUsersLocale) {
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    begin();
+    type("rotation", "12,7");
+    press(Qt::Key_Return);
+    EXPECT_EQ(taken(), (MessageLog{"a setRotation 12.7", stamped, "a rotation", "a setRotation 12", stamped}));
+    EXPECT_EQ(field("rotation")->text(), "12,7");
+    pane->saveLocation();
+    EXPECT_EQ(a->values.rotation, static_cast<double>(12.7F));
+}
+
+TEST_F(RotationField, ANumberTooLargeForASinglePrecisionIsRefused) {
+    begin();
+    type("rotation", "1000001");
+    taken();
+    press(Qt::Key_Return);
+    EXPECT_EQ(taken(), MessageLog());
+    EXPECT_EQ(focused(), "rotation");
+}
+
+TEST_F(RotationField, AStoredNumberBeyondSinglePrecisionIsSavedAsItsLargest) {
+    a->values.rotation = 1e300;
+    begin();
+    outlet<NSTextField>(u"rotation")->setDoubleValue(1e300);
+    pane->saveLocation();
+    EXPECT_EQ(a->values.rotation, static_cast<double>(std::numeric_limits<float>::max()));
+}
+
+TEST_F(LocationLabels, WithoutAPageOfTheLocationNothingCanBeLabelled) {
+    begin();
+    const auto without = std::make_shared<NSTabView>();
+    pane->classTable()->outlet(u"tabView")->connect(*pane, without);
+    EXPECT_THROW(pane->translateLocationUI(), NSException);
+}
+
+TEST_F(CustomPages, WithoutAConfigurationAreWrittenNowhere) {
+    begin();
+    pane->setCurrentConfiguration(nullptr);
+    taken();
+    pane->customOccuranceTextChanged();
+    EXPECT_EQ(taken(), MessageLog());
+}
+
+TEST_F(CustomPages, APastedListKeepsItsNegativeNumbers) {
+    begin();
+    click("occuranceCustom");
+    taken();
+    field("customOccurance")->insert(QStringLiteral("1,-2, 5"));
+    EXPECT_EQ(taken(), MessageLog{"a setCustomOccurance 1,-2,5"});
+    EXPECT_EQ(field("customOccurance")->text(), "1,-2,5");
 }
 
 } // namespace

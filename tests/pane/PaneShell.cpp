@@ -131,6 +131,16 @@ TEST_F(PaneStart, AsksTheHostInOrder) {
                            "imprinter configurations",
                            "imprinter configurationForID a",
                            "a combinedConfiguration",
+                           // The Appearance editor: the title, border and fill, and the menu of font runs.
+                           "a titleTokens",
+                           "a borderStyle",
+                           "a borderStyle",
+                           "a borderEnabled",
+                           "a borderThickness",
+                           "a fillEnabled",
+                           "a borderColour",
+                           "a fillColour",
+                           "a titleTokens",
                            // The Location editor: nine buttons, three numbers, the choice of pages and its preview.
                            "a position",
                            "a position",
@@ -237,9 +247,27 @@ TEST_F(PaneSwitching, ClearsThePreviewFirstAndRefreshesItLast) {
     auto messages = taken();
     std::erase(messages, "b position");
     const std::string stamped = "imprinter imprintFileAtURLWithIndex Preview.jpg b 0";
-    EXPECT_EQ(messages, (MessageLog{"b combinedConfiguration", "b rotation", "b offset", "b offset", "b occurance",
-                                    "b setOccurance 0", "b occurance", stamped, "b duplicateRecord", stamped,
-                                    "b fillOpacity", "b fillOpacity"}));
+    EXPECT_EQ(messages, (MessageLog{"b combinedConfiguration",
+                                    "b titleTokens",
+                                    "b borderStyle",
+                                    "b borderStyle",
+                                    "b borderEnabled",
+                                    "b borderThickness",
+                                    "b fillEnabled",
+                                    "b borderColour",
+                                    "b fillColour",
+                                    "b titleTokens",
+                                    "b rotation",
+                                    "b offset",
+                                    "b offset",
+                                    "b occurance",
+                                    "b setOccurance 0",
+                                    "b occurance",
+                                    stamped,
+                                    "b duplicateRecord",
+                                    stamped,
+                                    "b fillOpacity",
+                                    "b fillOpacity"}));
 }
 
 TEST_F(PaneSwitching, ANilStampResultIsKeptAsNone) {
@@ -638,7 +666,7 @@ TEST_F(PaneLeaving, AChangeOfTheTitleRefreshesThePreviewWhileThePaneIsShown) {
     start();
     const auto field = outlet<NSTokenField>(u"titleTokenField");
     auto& center = NSNotificationCenter::defaultCenter();
-    const MessageLog refreshed{"imprinter imprintFileAtURLWithIndex Preview.jpg a 0"};
+    const MessageLog refreshed{"a setTitleTokens", "imprinter imprintFileAtURLWithIndex Preview.jpg a 0"};
     taken();
     center.postNotificationNameObject(NSControlTextDidChangeNotification, field);
     EXPECT_EQ(taken(), refreshed);
@@ -647,7 +675,7 @@ TEST_F(PaneLeaving, AChangeOfTheTitleRefreshesThePreviewWhileThePaneIsShown) {
     pane->willUnselect();
     taken();
     center.postNotificationNameObject(NSControlTextDidChangeNotification, field);
-    EXPECT_EQ(taken(), MessageLog());
+    EXPECT_EQ(taken(), MessageLog{"a setTitleTokens"});
 }
 
 TEST_F(PaneLeaving, ShownTwiceWithoutLeavingTheFirstObserverStaysForGood) {
@@ -658,7 +686,7 @@ TEST_F(PaneLeaving, ShownTwiceWithoutLeavingTheFirstObserverStaysForGood) {
     taken();
     NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification,
                                                                      outlet<NSTokenField>(u"titleTokenField"));
-    EXPECT_EQ(taken(), MessageLog{"imprinter imprintFileAtURLWithIndex Preview.jpg a 0"});
+    EXPECT_EQ(taken(), (MessageLog{"a setTitleTokens", "imprinter imprintFileAtURLWithIndex Preview.jpg a 0"}));
 }
 
 TEST_F(PaneLeaving, TheObserverHoldsThePaneUntilItIsLeft) {

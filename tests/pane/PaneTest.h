@@ -11,6 +11,7 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSTokenField.h>
 #include <PlatformQt/Bridge.h>
+#include <host/PlaceholderTokenField.h>
 
 #include <QApplication>
 #include <QMainWindow>
@@ -20,10 +21,32 @@
 
 namespace testing_support {
 
-/// The title field of a host that has one of its own.
-class HostTokenField final : public platform::NSTokenField {
+/// The title field of a host that has one of its own: text is plain, placeholders are tokens, and its menu has one
+/// item.
+class HostTokenField final : public host::PlaceholderTokenField {
 public:
     std::u16string_view className() const override { return u"PlaceholderTokenField"; }
+    platform::NSTokenStyle tokenFieldStyleForRepresentedObject(const std::shared_ptr<platform::NSTokenField>&,
+                                                               const platform::RepresentedObject& object) override {
+        const auto* text = std::get_if<std::u16string>(&object);
+        const bool isPlaceholder = text && text->size() > 1 && text->front() == u'%' && text->back() == u'%';
+        return text && !isPlaceholder ? platform::NSTokenStyle::none : platform::NSTokenStyle::squared;
+    }
+    std::optional<std::u16string>
+    tokenFieldDisplayStringForRepresentedObject(const std::shared_ptr<platform::NSTokenField>&,
+                                                const platform::RepresentedObject& object) override {
+        const auto* text = std::get_if<std::u16string>(&object);
+        return text && *text == u"%pageNumber%" ? std::optional<std::u16string>(u"Page") : std::nullopt;
+    }
+    bool hasInsertMenu() const override { return true; }
+    std::shared_ptr<platform::NSMenu> insertMenu() override {
+        auto menu = std::make_shared<platform::NSMenu>();
+        menu->addItemWithTitleActionKeyEquivalent(u"Count", {}, {})->setRepresentedObject(u"%recordPageCount%");
+        const auto field = std::static_pointer_cast<platform::NSTokenField>(shared_from_this());
+        if (const auto completes = menuDelegate())
+            completes->tokenFieldWillPopUpMenuWithPlaceholderMenu(field, menu, menu);
+        return menu;
+    }
 };
 
 /// The real bundle with its real interface file in an offscreen window, on a host that records.

@@ -165,7 +165,7 @@ TEST_F(Preview, AnOpenPopoverFollowsTheTitleWithinTheSameNotification) {
     imprinter->setStampResult(blue);
     taken();
     changeTitle();
-    EXPECT_EQ(taken(), MessageLog{stamping("a")});
+    EXPECT_EQ(taken(), (MessageLog{"a setTitleTokens", stamping("a")}));
     EXPECT_EQ(shownColour(), QColor(Qt::blue));
 }
 
@@ -437,6 +437,24 @@ TEST_F(Preview, ANilURLClearsThePicture) {
     pressPreview();
     controller()->setPreviewURL(std::nullopt);
     EXPECT_FALSE(shownColour().isValid());
+}
+
+TEST_F(Preview, AfterANilResultTheNextPressShowsNothing) {
+    startWithRed();
+    pane->updatePreview();
+    pressPreview();
+    EXPECT_EQ(shownColour(), QColor(Qt::red));
+    escape();
+    imprinter->setStampResult(std::nullopt);
+    pane->updatePreview();
+    pressPreview();
+    EXPECT_FALSE(shownColour().isValid());
+}
+
+TEST_F(Preview, StampsTheSampleOfThePanesOwnBundle) {
+    startWithRed();
+    pane->updatePreview();
+    EXPECT_EQ(imprinter->stampedFrom()->path(), std::filesystem::path(PANE_BUNDLE) / "Preview.jpg");
 }
 
 } // namespace

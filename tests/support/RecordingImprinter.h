@@ -28,9 +28,18 @@ public:
         double rotation = 0;
         host::NSInteger occurance = 0;
         std::optional<std::u16string> customOccurance;
+        bool borderEnabled = false;
+        host::NSInteger borderStyle = 1;
+        double borderThickness = 1;
+        std::shared_ptr<const host::NSColor> borderColour;
+        bool fillEnabled = false;
+        std::shared_ptr<const host::NSColor> fillColour;
         double fillOpacity = 1;
+        host::NSArray<host::TitleToken> titleTokens;
     };
     Values values;
+    /// Makes the runs that the pane asks for; none without it.
+    std::function<std::shared_ptr<host::ImprinterFont>()> makeFont;
     /// Runs when the pane asks whether this is a combined configuration, the first thing it asks on switching to it.
     std::function<void()> onSwitch;
 
@@ -48,14 +57,16 @@ public:
     void deleteConfiguration(const std::shared_ptr<host::ImprinterConfiguration>&) override {
         note("deleteConfiguration");
     }
-    std::shared_ptr<host::ImprinterFont> createFontToken() override { return note("createFontToken"), nullptr; }
+    std::shared_ptr<host::ImprinterFont> createFontToken() override {
+        return note("createFontToken"), makeFont ? makeFont() : nullptr;
+    }
     host::NSInteger duplicateRecord() const override { return note("duplicateRecord"), values.duplicateRecord; }
     void setDuplicateRecord(host::NSInteger code) override {
         note("setDuplicateRecord " + std::to_string(code)), values.duplicateRecord = code;
     }
-    host::NSArray<host::TitleToken> titleTokens() const override { return note("titleTokens"), m_titleTokens; }
+    host::NSArray<host::TitleToken> titleTokens() const override { return note("titleTokens"), values.titleTokens; }
     void setTitleTokens(const host::NSArray<host::TitleToken>& tokens) override {
-        note("setTitleTokens"), m_titleTokens = tokens;
+        note("setTitleTokens"), values.titleTokens = tokens;
     }
     host::NSInteger position() const override { return note("position"), values.position; }
     void setPosition(host::NSInteger anchor) override {
@@ -77,18 +88,32 @@ public:
     void setCustomOccurance(const std::u16string& pages) override {
         note("setCustomOccurance " + platform::toUtf8(pages)), values.customOccurance = pages;
     }
-    bool borderEnabled() const override { return note("borderEnabled"), false; }
-    void setBorderEnabled(bool) override { note("setBorderEnabled"); }
-    host::NSInteger borderStyle() const override { return note("borderStyle"), 1; }
-    void setBorderStyle(host::NSInteger) override { note("setBorderStyle"); }
-    double borderThickness() const override { return note("borderThickness"), 1; }
-    void setBorderThickness(double points) override { note("setBorderThickness " + plain(points)); }
-    std::shared_ptr<const host::NSColor> borderColour() const override { return note("borderColour"), nullptr; }
-    void setBorderColour(const std::shared_ptr<const host::NSColor>&) override { note("setBorderColour"); }
-    bool fillEnabled() const override { return note("fillEnabled"), false; }
-    void setFillEnabled(bool) override { note("setFillEnabled"); }
-    std::shared_ptr<const host::NSColor> fillColour() const override { return note("fillColour"), nullptr; }
-    void setFillColour(const std::shared_ptr<const host::NSColor>&) override { note("setFillColour"); }
+    bool borderEnabled() const override { return note("borderEnabled"), values.borderEnabled; }
+    void setBorderEnabled(bool enabled) override {
+        note(std::string("setBorderEnabled ") + (enabled ? "YES" : "NO")), values.borderEnabled = enabled;
+    }
+    host::NSInteger borderStyle() const override { return note("borderStyle"), values.borderStyle; }
+    void setBorderStyle(host::NSInteger style) override {
+        note("setBorderStyle " + std::to_string(style)), values.borderStyle = style;
+    }
+    double borderThickness() const override { return note("borderThickness"), values.borderThickness; }
+    void setBorderThickness(double points) override {
+        note("setBorderThickness " + plain(points)), values.borderThickness = points;
+    }
+    std::shared_ptr<const host::NSColor> borderColour() const override {
+        return note("borderColour"), values.borderColour;
+    }
+    void setBorderColour(const std::shared_ptr<const host::NSColor>& colour) override {
+        note("setBorderColour"), values.borderColour = colour;
+    }
+    bool fillEnabled() const override { return note("fillEnabled"), values.fillEnabled; }
+    void setFillEnabled(bool enabled) override {
+        note(std::string("setFillEnabled ") + (enabled ? "YES" : "NO")), values.fillEnabled = enabled;
+    }
+    std::shared_ptr<const host::NSColor> fillColour() const override { return note("fillColour"), values.fillColour; }
+    void setFillColour(const std::shared_ptr<const host::NSColor>& colour) override {
+        note("setFillColour"), values.fillColour = colour;
+    }
     double fillOpacity() const override { return note("fillOpacity"), values.fillOpacity; }
     void setFillOpacity(double opacity) override {
         note("setFillOpacity " + plain(opacity)), values.fillOpacity = opacity;
@@ -103,7 +128,6 @@ private:
     bool m_combined;
     std::u16string m_name;
     host::ConfigurationArray m_members;
-    host::NSArray<host::TitleToken> m_titleTokens;
 };
 
 /// A host that honours the contract and records every message.
@@ -184,8 +208,11 @@ public:
                               host::NSInteger index) override {
         note("imprintFileAtURLWithIndex " + (url ? url->path().filename().string() : "nil") + " " +
              (configuration ? nameOf(*configuration) : "nil") + " " + std::to_string(index));
+        m_stampedFrom = url;
         return m_stampResult;
     }
+    /// The page that was to be stamped last.
+    const std::optional<host::NSURL>& stampedFrom() const { return m_stampedFrom; }
 
 private:
     using List = std::vector<std::shared_ptr<host::ImprinterConfiguration>>;
@@ -208,6 +235,7 @@ private:
     MessageLog& m_log;
     std::shared_ptr<std::vector<std::shared_ptr<host::ImprinterConfiguration>>> m_list;
     std::optional<host::NSURL> m_stampResult;
+    std::optional<host::NSURL> m_stampedFrom;
     int m_numberMade = 0;
 };
 

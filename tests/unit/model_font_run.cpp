@@ -67,6 +67,18 @@ TEST(FontRun, AnswersTheDefaultFaceForOneTheMachineLacksButKeepsTheName) {
     EXPECT_EQ(run->font()->fontName(), model::defaultFontName());
 }
 
+TEST(FontRun, SaysInItsNameThatItsFaceIsMissing) {
+    const auto run = makeRun();
+    EXPECT_FALSE(run->isMissing());
+    run->setFontNumber(2);
+    run->setFullFontName(u"NoSuchFace-Anywhere");
+    EXPECT_TRUE(run->isMissing());
+    EXPECT_EQ(run->name(), u"Font 3 (missing)");
+    run->setFullFontName(u"DejaVuSans-Bold");
+    EXPECT_FALSE(run->isMissing());
+    EXPECT_EQ(run->name(), u"Font 3");
+}
+
 TEST(FontRun, AnswersTheAttributesItWasSent) {
     const auto run = makeRun();
     const auto colour = host::NSColor::colorWithSRGB(0.1, 0.2, 0.3, 0.4);

@@ -8,6 +8,7 @@ add_executable(unit_platform
     platform_bundle.cpp
     platform_class.cpp
     platform_control.cpp
+    platform_fonts.cpp
     platform_foundation.cpp
     platform_index_set.cpp
     platform_notification.cpp

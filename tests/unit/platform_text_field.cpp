@@ -221,6 +221,35 @@ TEST_F(Editing, IsUndoneByEscape) {
     EXPECT_EQ(log.front(), "should begin");
 }
 
+TEST_F(Editing, IsUndoneByEscapeAfterAGetterTookItOver) {
+    type(u"new");
+    EXPECT_EQ(field->stringValue(), u"new");
+    type(u"newer");
+    field->validateEditing();
+    field->userCancelsEditing();
+    EXPECT_EQ(peer.text, u"old");
+    EXPECT_EQ(field->stringValue(), u"old");
+}
+
+TEST_F(Editing, EscapeLeavesWhatWasSetMeanwhile) {
+    type(u"new");
+    field->validateEditing();
+    field->setStringValue(u"set");
+    type(u"more");
+    field->userCancelsEditing();
+    EXPECT_EQ(field->stringValue(), u"set");
+    EXPECT_EQ(peer.text, u"set");
+}
+
+TEST_F(Editing, EscapeGoesBackToTheLastEditThatEnded) {
+    type(u"first");
+    EXPECT_TRUE(field->userEndsEditing(Ending::tabKey));
+    type(u"second");
+    field->validateEditing();
+    field->userCancelsEditing();
+    EXPECT_EQ(field->stringValue(), u"first");
+}
+
 TEST_F(Editing, IsTakenOverByEachGetter) {
     type(u"12.5");
     EXPECT_EQ(field->stringValue(), u"12.5");

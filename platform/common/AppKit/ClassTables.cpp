@@ -28,7 +28,13 @@ const ClassRegistration registrations[] = {
     ClassRegistration(ClassTable<NSControl>(u"NSControl", u"NSView")),
     ClassRegistration(ClassTable<NSButton>(u"NSButton", u"NSControl")),
     ClassRegistration(ClassTable<NSTextField>(u"NSTextField", u"NSControl")),
-    ClassRegistration(ClassTable<NSTokenField>(u"NSTokenField", u"NSTextField")),
+    ClassRegistration(ClassTable<NSTokenField>(u"NSTokenField", u"NSTextField")
+                          .action(u"cut:", &NSTokenField::cut)
+                          .action(u"copy:", &NSTokenField::copy)
+                          .action(u"paste:", &NSTokenField::paste)
+                          .action(u"selectAll:", &NSTokenField::selectAll)
+                          .action(u"undo:", &NSTokenField::undo)
+                          .action(u"redo:", &NSTokenField::redo)),
     ClassRegistration(ClassTable<NSStepper>(u"NSStepper", u"NSControl")),
     ClassRegistration(ClassTable<NSMatrix>(u"NSMatrix", u"NSControl")),
     ClassRegistration(ClassTable<NSSegmentedControl>(u"NSSegmentedControl", u"NSControl")),

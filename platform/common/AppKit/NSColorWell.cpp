@@ -21,6 +21,13 @@ void NSColorWell::setColor(const std::shared_ptr<const NSColor>& color) {
         shown->setColor(*color);
 }
 
+void NSColorWell::userPicks(const std::shared_ptr<const NSColor>& color) {
+    if (!isEnabled())
+        return;
+    setColor(color);
+    sendAction();
+}
+
 void NSColorWell::showAll() {
     NSControl::showAll();
     setColor(m_color);

@@ -9,6 +9,7 @@
 #include "Peers.h"
 #include "ValueBinding.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -87,7 +88,9 @@ NSInteger NSControl::integerValue() {
 }
 
 float NSControl::floatValue() {
-    return static_cast<float>(doubleValue());
+    const double number = doubleValue();
+    constexpr double largest = std::numeric_limits<float>::max();
+    return static_cast<float>(std::isfinite(number) ? std::clamp(number, -largest, largest) : number);
 }
 
 double NSControl::doubleValue() {

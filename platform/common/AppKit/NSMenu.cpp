@@ -25,12 +25,26 @@ std::shared_ptr<NSMenuItem> NSMenuItem::separatorItem() {
 }
 
 void NSMenuItem::setTitle(const std::u16string& title) {
+    if (m_attributedTitle && m_attributedTitle->string() != title)
+        m_attributedTitle = nullptr;
     m_title = title;
+    changed();
+}
+
+void NSMenuItem::setAttributedTitle(const std::shared_ptr<const NSAttributedString>& title) {
+    m_attributedTitle = title;
+    if (title)
+        m_title = title->string();
     changed();
 }
 
 void NSMenuItem::setImageNamed(const std::u16string& name) {
     m_imageName = name;
+    changed();
+}
+
+void NSMenuItem::setImage(const std::shared_ptr<NSImage>& image) {
+    m_image = image;
     changed();
 }
 

@@ -235,6 +235,13 @@ std::shared_ptr<NSTableCellView> NSTableView::viewAtColumnRow(NSInteger column, 
     return cell;
 }
 
+void NSTableView::setEditedCell(const std::shared_ptr<NSTableCellView>& cell) {
+    const auto former = m_edited.lock();
+    m_edited = cell;
+    if (former && former != cell)
+        std::erase_if(m_cells, [&](const auto& entry) { return entry.second == former; });
+}
+
 void NSTableView::showAll() {
     NSControl::showAll();
     setHeaderView(m_headerView);

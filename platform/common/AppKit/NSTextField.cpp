@@ -33,12 +33,14 @@ void NSTextField::setDelegate(const std::shared_ptr<NSControlTextEditingDelegate
     m_delegate = delegate;
     if (!delegate)
         return;
-    m_delegateToken =
-        center.addObserverForNameObjectQueueUsingBlock(NSControlTextDidChangeNotification, shared_from_this(), nullptr,
-                                                       [weak = m_delegate](const NSNotification& notification) {
-                                                           if (const auto told = weak.lock())
-                                                               told->controlTextDidChange(notification);
-                                                       });
+    const auto field = std::static_pointer_cast<NSTextField>(shared_from_this());
+    m_delegateToken = center.addObserverForNameObjectQueueUsingBlock(
+        NSControlTextDidChangeNotification, field, nullptr,
+        [weak = m_delegate, weakField = std::weak_ptr(field)](const NSNotification& notification) {
+            if (const auto told = weak.lock())
+                told->controlTextDidChange(notification);
+            tell(weakField, &NSTextField::delegateHasHeard);
+        });
 }
 
 void NSTextField::setFormatter(std::shared_ptr<const NSNumberFormatter> formatter) {
@@ -57,6 +59,8 @@ bool NSTextField::takeOverText() {
         taken = *number;
     }
     m_textPending = false;
+    if (!m_former)
+        m_former = Former{value(), m_typedText};
     m_typedText = m_editedText;
     NSControl::setValue(std::move(taken));
     return true;
@@ -66,9 +70,21 @@ void NSTextField::validateEditing() {
     takeOverText();
 }
 
+bool NSTextField::userBeginsEditing() {
+    if (m_editing)
+        return true;
+    const auto self = std::static_pointer_cast<NSTextField>(shared_from_this());
+    const auto asked = m_delegate.lock();
+    if (!isEnabled() || !m_editable || (asked && !asked->controlTextShouldBeginEditing(self)))
+        return false;
+    m_editing = true;
+    m_former.reset();
+    NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
+    return true;
+}
+
 bool NSTextField::userChangedText(const std::u16string& text) {
     const auto self = std::static_pointer_cast<NSTextField>(shared_from_this());
-    auto& center = NSNotificationCenter::defaultCenter();
     const auto before = m_textPending ? m_editedText : shownText();
     if (m_maximumLength != 0 && text.size() > m_maximumLength && text.size() > before.size()) {
         if (auto* shown = dynamic_cast<TextPeer*>(peer()))
@@ -76,20 +92,15 @@ bool NSTextField::userChangedText(const std::u16string& text) {
         showRefusal(Refusal::tooLong);
         return false;
     }
-    if (!m_editing) {
-        const auto asked = m_delegate.lock();
-        if (!isEnabled() || !m_editable || (asked && !asked->controlTextShouldBeginEditing(self))) {
-            showValue();
-            return false;
-        }
-        m_editing = true;
-        center.postNotificationNameObject(NSControlTextDidBeginEditingNotification, self);
+    if (!userBeginsEditing()) {
+        showValue();
+        return false;
     }
     m_editedText = text;
     m_textPending = true;
     m_unwritten = true;
     showRefusal(Refusal::none);
-    center.postNotificationNameObject(NSControlTextDidChangeNotification, self);
+    NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification, self);
     return true;
 }
 
@@ -115,6 +126,11 @@ bool NSTextField::userEndsEditing(Ending ending) {
 }
 
 void NSTextField::userCancelsEditing() {
+    if (m_editing && m_former) {
+        m_typedText = m_former->typedText;
+        NSControl::setValue(m_former->value);
+    }
+    m_former.reset();
     abandonEditing();
 }
 
@@ -122,6 +138,7 @@ void NSTextField::setValue(NSValue value) {
     m_textPending = false;
     m_unwritten = false;
     m_typedText.reset();
+    m_former.reset();
     showRefusal(Refusal::none);
     NSControl::setValue(std::move(value));
 }

@@ -7,8 +7,10 @@
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSColor.h>
 #include <AppKit/NSPopover.h>
+#include <AppKit/NSTokenFieldCell.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
+#include <AppKit/TokenText.h>
 #include <Foundation/NSIndexSet.h>
 
 #include <filesystem>
@@ -17,6 +19,7 @@ namespace platform {
 
 class NSImage;
 class NSMatrix;
+class NSPasteboard;
 class NSPopUpButton;
 
 class ViewPeer {
@@ -63,6 +66,34 @@ public:
     virtual void setWraps(bool) {}
     /// Marks the field, and says why; `none` takes the mark away.
     virtual void showRefusal(Refusal) {}
+};
+
+/// What becomes of a change that the editor is told to make.
+enum class Undoing {
+    forgotten, ///< Nothing can be undone any more.
+    newStep,   ///< It can be undone.
+    sameStep,  ///< It is undone together with the change before it.
+};
+
+/// The editor of a token field: a text in which a token is one character. It tells of what the user changes after the
+/// change.
+class TokenPeer : public virtual TextPeer {
+public:
+    /// Puts `replacement` in the place of the characters in `range`.
+    virtual void replaceCharacters(NSRange range, const TokenText& replacement, Undoing undoing) = 0;
+    virtual NSRange selectedRange() = 0;
+    virtual void setSelectedRange(NSRange range) = 0;
+    virtual bool isFirstResponder() = 0;
+    /// Nothing can be undone any more.
+    virtual void forgetUndo() = 0;
+    virtual bool canUndo(bool again) = 0;
+    /// Takes the last step back, or makes it again, and tells so.
+    virtual void undo(bool again) = 0;
+    /// Titles of tokens may have changed.
+    virtual void retitle() = 0;
+    virtual std::shared_ptr<NSPasteboard> clipboard() = 0;
+    /// `plainText` is for other programs.
+    virtual void setClipboard(const NSPasteboard& pasteboard, const std::u16string& plainText) = 0;
 };
 
 class MatrixPeer : public virtual ViewPeer {
@@ -135,7 +166,19 @@ public:
     virtual ~Picture() = default;
 };
 
+/// A picture that can be drawn into.
+class Canvas {
+public:
+    virtual ~Canvas() = default;
+    virtual void drawToken(const std::u16string& title, NSControlSize size, NSRect frame) = 0;
+    /// As drawn so far.
+    virtual std::shared_ptr<const Picture> picture() const = 0;
+};
+
 /// The toolkit's side of the things that are not views.
+std::shared_ptr<Canvas> makeCanvas(NSSize size);
+/// In points.
+NSSize sizeOfToken(const std::u16string& title, NSControlSize size);
 std::unique_ptr<PopoverPeer> makePopoverPeer(const std::shared_ptr<NSPopover>& popover);
 /// Null for a file that is missing, unreadable or no picture.
 std::shared_ptr<const Picture> loadPicture(const std::filesystem::path& file);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <Foundation/NSString.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <limits>
@@ -50,6 +51,9 @@ void appendUtf8(std::string& out, char32_t character) {
 } // namespace
 
 std::u16string fromUtf8(std::string_view text) {
+    // Most names and keys are in ASCII.
+    if (std::all_of(text.begin(), text.end(), [](char unit) { return static_cast<unsigned char>(unit) < 0x80; }))
+        return {text.begin(), text.end()};
     std::u16string out;
     out.reserve(text.size());
     std::size_t at = 0;
@@ -85,6 +89,11 @@ std::u16string fromUtf8(std::string_view text) {
 
 std::string toUtf8(std::u16string_view text) {
     std::string out;
+    if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; })) {
+        out.resize(text.size());
+        std::transform(text.begin(), text.end(), out.begin(), [](char16_t unit) { return static_cast<char>(unit); });
+        return out;
+    }
     out.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
         char32_t character = text[at];

@@ -8,6 +8,8 @@ namespace platform {
 class NSMenu;
 class NSView;
 
+enum class NSControlSize { regular = 0, small = 1, mini = 2 };
+
 /// The part of a control that shows its value; in a matrix, one of the choices. A cell may outlive its control, and is
 /// then shown nowhere.
 class NSCell : public NSObject {

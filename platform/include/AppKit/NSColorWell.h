@@ -16,6 +16,9 @@ public:
     /// Raises NSInvalidArgumentException for null.
     void setColor(const std::shared_ptr<const NSColor>& color);
 
+    /// The user picked a colour in the panel, or dropped one: takes it, then sends the action. Nothing while disabled.
+    void userPicks(const std::shared_ptr<const NSColor>& color);
+
 protected:
     void showAll() override;
 

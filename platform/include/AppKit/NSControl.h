@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSCell.h>
 #include <AppKit/NSView.h>
 #include <Foundation/NSKeyValueCoding.h>
 
@@ -8,7 +9,6 @@
 
 namespace platform {
 
-class NSCell;
 class ValueBinding;
 
 /// A view with a value and an action.
@@ -28,6 +28,10 @@ public:
     /// NO also ends an edit in progress.
     void setEnabled(bool enabled);
     bool acceptsFirstResponder() const override { return m_enabled && !isHidden(); }
+
+    /// For whoever chooses a font for the control; it changes nothing by itself.
+    NSControlSize controlSize() const { return m_controlSize; }
+    void setControlSize(NSControlSize size) { m_controlSize = size; }
 
     /// The object that gets the action; null gets none.
     std::shared_ptr<NSObject> target() const { return m_target.lock(); }
@@ -87,6 +91,7 @@ private:
     std::shared_ptr<NSCell> m_cell;
     std::shared_ptr<ValueBinding> m_binding;
     NSInteger m_tag = 0;
+    NSControlSize m_controlSize = NSControlSize::regular;
     bool m_enabled = true;
 };
 

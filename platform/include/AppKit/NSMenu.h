@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/NSAttributedString.h>
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSObject.h>
 
 namespace platform {
 
+class NSImage;
 class NSMenu;
 
 /// Something that sends an action, as whoever enables it sees it.
@@ -42,7 +44,12 @@ public:
     std::shared_ptr<NSMenu> menu() const { return m_menu.lock(); }
 
     const std::u16string& title() const { return m_title; }
+    /// A text other than the attributed title's drops that.
     void setTitle(const std::u16string& title);
+    /// What is drawn in place of the title; null where there is none.
+    const std::shared_ptr<const NSAttributedString>& attributedTitle() const { return m_attributedTitle; }
+    /// Its text becomes the title too; null leaves the title as it is.
+    void setAttributedTitle(const std::shared_ptr<const NSAttributedString>& title);
     /// A selector of the target's class table; empty sends nothing.
     const std::u16string& action() const override { return m_action; }
     void setAction(const std::u16string& selector) { m_action = selector; }
@@ -58,6 +65,9 @@ public:
     /// The platform's image of this name, such as "NSActionTemplate"; empty, or a name it does not know, shows none.
     const std::u16string& imageName() const { return m_imageName; }
     void setImageNamed(const std::u16string& name);
+    /// Shown in the place of the title, or before it; null for none.
+    const std::shared_ptr<NSImage>& image() const { return m_image; }
+    void setImage(const std::shared_ptr<NSImage>& image);
     /// On (1) draws a check mark.
     NSInteger state() const { return m_state; }
     void setState(NSInteger state) { m_state = state; }
@@ -75,9 +85,11 @@ private:
     void changed() const;
 
     std::u16string m_title;
+    std::shared_ptr<const NSAttributedString> m_attributedTitle;
     std::u16string m_action;
     std::u16string m_keyEquivalent;
     std::u16string m_imageName;
+    std::shared_ptr<NSImage> m_image;
     std::weak_ptr<NSObject> m_target;
     std::weak_ptr<NSMenu> m_menu;
     std::shared_ptr<NSMenu> m_submenu;

@@ -4,9 +4,15 @@
 #include <Foundation/NSData.h>
 #include <Foundation/NSObject.h>
 
+#include <string>
+
 namespace platform {
 
-/// What a drag carries: items, each with data under the names of types.
+/// Plain text; "NSStringPboardType" is an older name of the same type.
+inline const std::u16string NSPasteboardTypeString = u"NSPasteboardTypeString";
+inline const std::u16string NSStringPboardType = u"NSStringPboardType";
+
+/// What a drag or the clipboard carries: items, each with data under the names of types.
 class NSPasteboard final : public NSObject {
 public:
     NSPasteboard();
@@ -17,6 +23,11 @@ public:
     void clearContents();
     /// Puts data into the first item, which is made if there is none. Nil takes the type out.
     void setDataForType(const NSData& data, const std::u16string& type);
+    /// Appends an item of plain text for each of the texts, to what is there. Answers YES, for an empty list too.
+    bool writeObjects(const std::vector<std::u16string>& texts);
+    /// The plain texts of the items in order, `readObjectsForClasses:options:` for texts; items without one are left
+    /// out. nil where there is none.
+    NSArray<std::u16string> readObjects() const;
 
     /// All types of all items, each once.
     std::vector<std::u16string> types() const;

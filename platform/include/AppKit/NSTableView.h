@@ -153,8 +153,9 @@ public:
     /// The cell as it is shown, asked of the delegate the first time and kept until the next reload.
     std::shared_ptr<NSTableCellView> viewAtColumnRow(NSInteger column, NSInteger row);
 
-    /// The cell whose text the user is changing, or null.
-    void setEditedCell(const std::shared_ptr<NSTableCellView>& cell) { m_edited = cell; }
+    /// The cell whose text the user is changing, or null. A cell whose edit has ended is asked for anew, so that it
+    /// shows what became of the text.
+    void setEditedCell(const std::shared_ptr<NSTableCellView>& cell);
     std::shared_ptr<NSTableCellView> editedCell() const { return m_edited.lock(); }
 
 protected:

@@ -68,11 +68,19 @@ public:
     /// The user changed the text to `text`. Answers NO, and shows the old text again, where the change is refused.
     bool userChangedText(const std::u16string& text);
     /// The user is about to leave the field or pressed Return. Answers NO where the focus must stay.
-    bool userEndsEditing(Ending ending);
-    /// The user pressed Escape: the old text comes back, nothing is sent.
-    void userCancelsEditing();
+    virtual bool userEndsEditing(Ending ending);
+    /// Whether the user changed the text, and the change was neither written nor replaced since.
+    bool isChangedByUser() const { return m_unwritten; }
+    /// The user pressed Escape: the text from before the edit comes back, even where somebody asked for the value
+    /// meanwhile, but never over a value that was set meanwhile. Nothing is sent.
+    virtual void userCancelsEditing();
 
 protected:
+    /// The user is about to change something: where no edit runs, asks and tells that one begins. NO where it must not.
+    bool userBeginsEditing();
+    /// The delegate has heard of a change; others may be told after it.
+    virtual void delegateHasHeard() {}
+    void showRefusal(Refusal refusal);
     void setValue(NSValue value) override;
     void abandonEditing() override;
     void showValue() override;
@@ -81,13 +89,18 @@ protected:
 private:
     /// Makes the edited text the value. NO where it is no number; the value is then as it was.
     bool takeOverText();
-    void showRefusal(Refusal refusal);
 
     std::weak_ptr<NSControlTextEditingDelegate> m_delegate;
     NSNotificationCenter::Token m_delegateToken;
     std::shared_ptr<const NSNumberFormatter> m_formatter;
     std::u16string m_editedText;
     std::optional<std::u16string> m_typedText; // the value as the user wrote it
+    /// What the field had before this edit was taken over.
+    struct Former {
+        NSValue value;
+        std::optional<std::u16string> typedText;
+    };
+    std::optional<Former> m_former;
     std::size_t m_maximumLength = 0;
     bool m_editing = false;
     bool m_textPending = false; // edited text not yet taken over

@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Foundation/NSLocale.h>
+
 #include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace platform {
-
-/// How the user writes numbers.
-struct NSLocale {
-    std::u16string decimalSeparator = u".";
-    std::u16string minusSign = u"-";
-    std::u16string percentSign = u"%";
-    /// The digit nought; the other nine follow it.
-    char16_t zeroDigit = u'0';
-
-    static NSLocale currentLocale();
-};
 
 enum class NSNumberFormatterStyle {
     decimal = 1,

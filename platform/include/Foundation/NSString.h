@@ -37,7 +37,7 @@ bool hasPrefix(std::u16string_view text, std::u16string_view prefix);
 bool hasSuffix(std::u16string_view text, std::u16string_view suffix);
 
 /// -1, 0 or 1 after folding case by Unicode. A missing receiver answers 0 whatever it is compared with.
-int caseInsensitiveCompare(const std::optional<std::u16string>& text, std::u16string_view other);
+int caseInsensitiveCompare(std::optional<std::u16string_view> text, std::u16string_view other);
 
 /// `format` with each "%@" replaced by the next of `arguments`, and "%%" by "%".
 std::u16string stringWithFormat(std::u16string_view format, const std::vector<std::u16string>& arguments);

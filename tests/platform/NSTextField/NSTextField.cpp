@@ -118,6 +118,17 @@ TEST_F(TextFieldTest, AFieldThatRefusedTakesTheFocusBackFromAnother) {
     EXPECT_TRUE(field->isBeingEdited());
 }
 
+TEST_F(TextFieldTest, AFieldThatShowsAnotherValueByThenLeavesTheFocusWhereItWent) {
+    showField();
+    focus();
+    QTest::keyClicks(edit, "a");
+    owner->refusesEnd = true;
+    shown("other")->setFocus();
+    field->setStringValue(u"another");
+    QApplication::processEvents();
+    EXPECT_TRUE(shown("other")->hasFocus());
+}
+
 TEST_F(TextFieldTest, TabEndsTheEditWithoutTheActionUnlessTheFieldIsToldTo) {
     showField();
     focus();

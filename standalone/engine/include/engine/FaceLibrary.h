@@ -95,8 +95,8 @@ public:
     explicit FaceLibrary(std::string defaultName = "DejaVuSans");
     ~FaceLibrary();
 
-    /// The face with exactly this PostScript name (UTF-8), or null. Where several have it, a static face is taken
-    /// before an instance of a variable file, then the first by path. Type 1 files are not considered.
+    /// The face with exactly this PostScript name (UTF-8), or null: of the files that the platform's font source has
+    /// for it, the first that can be drawn with.
     std::shared_ptr<const Face> faceNamed(const std::string& postScriptName);
 
     /// The named default, else fontconfig's choice of a sans-serif face; null on a machine without any font.

@@ -15,20 +15,32 @@ namespace engine {
 /// bitmaps (BMP, 32 bits, rows from the top), which cost least to write and to load. Not for several threads at once.
 class PreviewStamper {
 public:
-    /// Results go into `folder`, an existing folder of the user's own.
-    explicit PreviewStamper(std::filesystem::path folder, std::string defaultFont = "DejaVuSans");
+    /// Results go into `folder`, an existing folder of the user's own, beside a spare file that the next one is made
+    /// in.
+    explicit PreviewStamper(const std::filesystem::path& folder, std::string defaultFont = "DejaVuSans");
     ~PreviewStamper();
 
     /// Stamps `configuration` onto the PNG or JPEG picture `sample` as page 1 of 1, whatever pages it is meant for. A
     /// blank title gives the sample itself.
     ///
     /// The outcome's path names the result. Each configuration has two names, which take turns, so that a viewer that
-    /// compares names sees the change; a file is whole as soon as its name is given out, and stays so.
+    /// compares names sees the change; a file is whole as soon as its name is given out, and stays so until three other
+    /// configurations were stamped.
     Outcome stamp(const std::filesystem::path& sample,
                   const std::shared_ptr<host::ImprinterConfiguration>& configuration,
                   std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
 
+    /// The same into the file whose name was given out last for the configuration, so that whoever reads it again sees
+    /// the change; as `stamp` where none was.
+    Outcome stampAgain(const std::filesystem::path& sample,
+                       const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                       std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
 private:
+    Outcome stampInto(bool sameName, const std::filesystem::path& sample,
+                      const std::shared_ptr<host::ImprinterConfiguration>& configuration,
+                      std::chrono::system_clock::time_point now);
+
     struct State;
     std::unique_ptr<State> m_state;
 };

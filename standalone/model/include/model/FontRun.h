@@ -9,8 +9,8 @@ namespace model {
 
 class Configuration;
 
-/// The PostScript name of the face that new runs have, and that stands in for every face the machine lacks: DejaVu
-/// Sans, or fontconfig's default sans-serif face where that is missing. Asked of fontconfig at the first call only.
+/// The PostScript name of the face that new runs have, and that stands in for every face the machine lacks: the
+/// platform's face for text without a font. Asked for at the first call only.
 const std::u16string& defaultFontName();
 
 /// A font run of the stand-alone host, an object of the class "VelIFontType". A configuration makes it; titles hold it.
@@ -24,13 +24,15 @@ public:
 
     std::u16string_view className() const override;
 
-    /// "Font 1" for the run with number 0.
+    /// "Font 1" for the run with number 0; where the machine lacks the face, "Font 1 (missing)".
     std::u16string name() const override;
     host::NSUInteger fontNumber() const override { return m_fontNumber; }
     void setFontNumber(host::NSUInteger number) override;
     /// The name that was set, whether or not the machine has the face.
     std::u16string fullFontName() const override;
     void setFullFontName(const std::u16string& name) override;
+    /// Whether the machine has no face of that name, so that another one is drawn.
+    bool isMissing() const;
     /// Looked up once for each name and size.
     std::shared_ptr<host::NSFont> font() const override;
     std::shared_ptr<const host::NSColor> colour() const override { return m_colour; }
