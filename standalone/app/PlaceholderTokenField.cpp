@@ -22,9 +22,12 @@ struct Placeholder {
 };
 
 constexpr std::array placeholders{
-    Placeholder{u"%pageNumber%", u"Page Number"}, Placeholder{u"%recordPageCount%", u"Page Count"},
-    Placeholder{u"%recordName%", u"Record Name"}, Placeholder{u"%user%", u"User"},
-    Placeholder{u"%date%", u"Date"},              Placeholder{u"%time%", u"Time"},
+    Placeholder{u"%pageNumber%", u"Page Number"},
+    Placeholder{u"%recordPageCount%", u"Page Count"},
+    Placeholder{u"%recordName%", u"Record Name"},
+    Placeholder{u"%user%", u"User"},
+    Placeholder{u"%date%", u"Date"},
+    Placeholder{u"%time%", u"Time"},
 };
 
 std::u16string localized(const char16_t* english) {

@@ -39,7 +39,8 @@ const Title kTitles[] = {
     {"Japanese", u"\u53d7\u4ed8\u6e08\u307f \u30ab\u30bf\u30ab\u30ca"},
     {"Korean", u"\uc811\uc218 \uc644\ub8cc"},
     {"beyond the first plane", u"\U0001D400\U0001D401 x"},
-    {"Devanagari", u"\u092a\u094d\u0930\u093e\u092a\u094d\u0924 \u0939\u093f\u0928\u094d\u0926\u0940 \u0915\u094d\u0937\u0947\u0924\u094d\u0930"},
+    {"Devanagari", u"\u092a\u094d\u0930\u093e\u092a\u094d\u0924 \u0939\u093f\u0928\u094d\u0926\u0940 "
+                   u"\u0915\u094d\u0937\u0947\u0924\u094d\u0930"},
     {"Thai", u"\u0e44\u0e14\u0e49\u0e23\u0e31\u0e1a\u0e41\u0e25\u0e49\u0e27 \u0e19\u0e49\u0e33"},
     {"Hebrew", u"\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd"},
     {"Hebrew with points", u"\u05e9\u05b8\u05c1\u05dc\u05d5\u05b9\u05dd"},
@@ -127,7 +128,8 @@ TEST(Scripts, EveryTitleIsReadBackExactly) {
 TEST(Scripts, EveryTitleIsReadBackExactlyOnAPageFullOfLatin) {
     for (const auto& title : kTitles) {
         SCOPED_TRACE(title.name);
-        const auto text = readBack(title.text, 0, "BT /F1 12 Tf 20 560 Td (Some words that stand on the page already) Tj ET");
+        const auto text =
+            readBack(title.text, 0, "BT /F1 12 Tf 20 560 Td (Some words that stand on the page already) Tj ET");
         EXPECT_TRUE(text.ends_with(platform::toUtf8(title.text))) << text;
     }
 }
@@ -154,8 +156,9 @@ TEST(Scripts, EmojiArePicturesInColourInDocumentsAndPicturesAlike) {
     const QRect onPage = differingArea(white(200, 200), page);
     const QRect onPicture = differingArea(white(200, 200), picture.convertToFormat(QImage::Format_RGB32));
     EXPECT_GT(onPage.height(), 40);
-    for (const auto& [a, b] : {std::pair(onPage.left(), onPicture.left()), std::pair(onPage.top(), onPicture.top()),
-                              std::pair(onPage.right(), onPicture.right()), std::pair(onPage.bottom(), onPicture.bottom())})
+    for (const auto& [a, b] :
+         {std::pair(onPage.left(), onPicture.left()), std::pair(onPage.top(), onPicture.top()),
+          std::pair(onPage.right(), onPicture.right()), std::pair(onPage.bottom(), onPicture.bottom())})
         EXPECT_NEAR(a, b, 2);
     // A fox is orange, on both, and its ears are above its chin.
     for (const auto& image : {page, picture}) {
