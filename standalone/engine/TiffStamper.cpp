@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A stamped TIFF file is the file itself, with the strips and tiles that a stamp touches encoded anew behind its end, and
-// the directories' lists of them changed. (TIFF revision 6.0, sections 2, 7 and 15.)
+// A stamped TIFF file is the file itself, with the strips and tiles that a stamp touches encoded anew behind its end,
+// and the directories' lists of them changed. (TIFF revision 6.0, sections 2, 7 and 15.)
 
 #include "PictureFile.h"
 #include "RasterPainter.h"
@@ -20,8 +20,8 @@ namespace {
 
 /// A file in memory as libtiff reads and writes it.
 struct MemoryFile {
-    std::string own;         ///< What is written.
-    std::string_view bytes;  ///< What is read.
+    std::string own;        ///< What is written.
+    std::string_view bytes; ///< What is read.
     std::uint64_t at = 0;
     bool writes = false;
 
@@ -83,8 +83,8 @@ Tiff openTiff(MemoryFile& file, const char* mode) {
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
     TIFFOpenOptionsSetErrorHandlerExtR(options, sayNothing, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options, sayNothing, nullptr);
-    Tiff tiff(TIFFClientOpenExt("", mode, &file, readBytes, writeBytes, seekTo, keepOpen, sizeOf, nullptr, nullptr,
-                                options));
+    Tiff tiff(
+        TIFFClientOpenExt("", mode, &file, readBytes, writeBytes, seekTo, keepOpen, sizeOf, nullptr, nullptr, options));
     TIFFOpenOptionsFree(options);
     if (!tiff)
         throw Failure(Code::damaged, "The picture is damaged.");
@@ -160,7 +160,8 @@ Page readPage(TIFF* tiff) {
     const auto unsupported = [] { throw Failure(Code::unsupported, "The picture's colour model cannot be stamped."); };
     const bool whole = page.bits == 1 || page.bits == 2 || page.bits == 4 || page.bits == 8 || page.bits == 16;
     if (!whole || page.compression == COMPRESSION_OJPEG || !TIFFIsCODECConfigured(page.compression) ||
-        (page.samples > 1 && field<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG) ||
+        (page.samples > 1 &&
+         field<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG) ||
         field<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) != SAMPLEFORMAT_UINT)
         unsupported();
     // Of a JPEG stream the colours are asked for, whatever it keeps.
@@ -186,7 +187,8 @@ Page readPage(TIFF* tiff) {
     }
     std::uint16_t extraCount = 0;
     std::uint16_t* extras = nullptr;
-    if (page.samples == colours + 1 && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extras) && extraCount == 1) {
+    if (page.samples == colours + 1 && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extras) &&
+        extraCount == 1) {
         page.hasAlpha = extras[0] == EXTRASAMPLE_ASSOCALPHA || extras[0] == EXTRASAMPLE_UNASSALPHA;
         page.premultiplied = extras[0] == EXTRASAMPLE_ASSOCALPHA;
     }

@@ -15,7 +15,8 @@ struct Scan {
     engine::Outcome outcome;
 
     Scan(const std::string& make, std::vector<std::shared_ptr<support::PlainConfiguration>> with) {
-        const auto made = run("cd " + quoted(folder.path()) + " && convert " + make + (make.ends_with(".tif") ? "" : " in.tif"));
+        const auto made =
+            run("cd " + quoted(folder.path()) + " && convert " + make + (make.ends_with(".tif") ? "" : " in.tif"));
         EXPECT_EQ(made.status, 0) << made.output;
         outcome = engine::stampFile(job(folder / "in.tif", folder / "out.tif", std::move(with)));
         EXPECT_TRUE(outcome) << outcome.sentence;
@@ -29,8 +30,8 @@ struct Scan {
     }
     QImage page(const char* name, int number) const {
         const auto picture = folder / (std::string(name) + std::to_string(number) + ".png");
-        const auto made = run("convert -quiet " + quoted(folder / name).substr(0, quoted(folder / name).size() - 1) + "[" +
-                              std::to_string(number) + "]' -orient TopLeft -depth 8 PNG32:" + quoted(picture));
+        const auto made = run("convert -quiet " + quoted(folder / name).substr(0, quoted(folder / name).size() - 1) +
+                              "[" + std::to_string(number) + "]' -orient TopLeft -depth 8 PNG32:" + quoted(picture));
         EXPECT_EQ(made.status, 0) << made.output;
         return QImage(picture.c_str()).convertToFormat(QImage::Format_RGB32);
     }
@@ -67,8 +68,8 @@ TEST(TiffPictures, EveryKindOfPageKeepsItsKindAndChangesOnlyWhereTheStampIs) {
     for (const std::string kind : kinds) {
         SCOPED_TRACE(kind);
         const Scan scan(kind, {corner()});
-        const auto [before, after] =
-            scan.described("%w %h %z %C %[type] %[colorspace] %[tiff:photometric] %[tiff:rows-per-strip] %[tiff:endian] %x %y");
+        const auto [before, after] = scan.described(
+            "%w %h %z %C %[type] %[colorspace] %[tiff:photometric] %[tiff:rows-per-strip] %[tiff:endian] %x %y");
         // The type as found among the pixels may widen with the stamp's own colours.
         EXPECT_EQ(before.substr(0, before.find(' ', 12)), after.substr(0, before.find(' ', 12)));
         EXPECT_EQ(run("tiffinfo " + quoted(scan.folder / "out.tif")).output.find("rror"), std::string::npos);
@@ -91,11 +92,12 @@ TEST(TiffPictures, EachPageIsAPageWithItsOwnNumberSizeAndResolution) {
                     std::u16string(u"%recordPageCount%")});
     with->pages = 4;
     with->customPages = u"2,3";
-    const Scan scan("-units PixelsPerInch -size 300x200 xc:white -density 72 -monochrome -compress Group4 a.tif && convert "
-                    "-units PixelsPerInch -size 600x400 xc:white -density 144 -compress Zip b.tif && convert -units "
-                    "PixelsPerInch -size 300x200 xc:white -density 72 -colorspace Gray -compress LZW c.tif && tiffcp a.tif "
-                    "b.tif c.tif in.tif",
-                    {with});
+    const Scan scan(
+        "-units PixelsPerInch -size 300x200 xc:white -density 72 -monochrome -compress Group4 a.tif && convert "
+        "-units PixelsPerInch -size 600x400 xc:white -density 144 -compress Zip b.tif && convert -units "
+        "PixelsPerInch -size 300x200 xc:white -density 72 -colorspace Gray -compress LZW c.tif && tiffcp a.tif "
+        "b.tif c.tif in.tif",
+        {with});
     EXPECT_EQ(scan.outcome.pagesStamped, 2U);
     EXPECT_EQ(run("identify " + quoted(scan.folder / "out.tif") + " | wc -l").output, "3\n");
     EXPECT_TRUE(scan.changed(0).isEmpty());
@@ -107,9 +109,10 @@ TEST(TiffPictures, EachPageIsAPageWithItsOwnNumberSizeAndResolution) {
 }
 
 TEST(TiffPictures, WhatTheFileSaysAboutItselfIsKept) {
-    const Scan scan("-size 300x200 xc:white -density 300 -units PixelsPerInch -set comment 'a remark' -orient LeftBottom "
-                    "-compress Zip",
-                    {corner()});
+    const Scan scan(
+        "-size 300x200 xc:white -density 300 -units PixelsPerInch -set comment 'a remark' -orient LeftBottom "
+        "-compress Zip",
+        {corner()});
     const auto [before, after] = scan.described("%x %y %[tiff:comment] %c %[orientation]");
     EXPECT_EQ(before, after);
     EXPECT_NE(after.find("300"), std::string::npos);
