@@ -77,8 +77,8 @@ TEST_F(Hosts, TwoWorkersShareAFolderAndGoOnAfterAFailure) {
     writeFile(folder / "hosts", "1/127.0.0.1\n1/localhost\n");
     writeFile(folder / "stamp.sh",
               "find inbox -name 'l?.pdf' -o -name bad.pdf | sort | PARALLEL_HOME=" + quoted(folder / "parallel") +
-                  " parallel --will-cite --ssh " +
-                  quoted(folder / "ssh" / "client") + " --sshloginfile hosts --joblog stamped.log --resume-failed "
+                  " parallel --will-cite --ssh " + quoted(folder / "ssh" / "client") +
+                  " --sshloginfile hosts --joblog stamped.log --resume-failed "
                   "--basefile configurations.json --transferfile {} --return {.}-stamped.pdf --cleanup "
                   "--workdir " +
                   quoted(folder / "remote") + " " + std::string(IMPRINTER) +
