@@ -10,6 +10,12 @@
 
 namespace engine {
 
+namespace {
+
+constexpr int kSmallEffort = 3;
+
+} // namespace
+
 void StampPress::run(std::size_t pageCount) {
     std::vector<PdfPainter::Content> contents;
     do
@@ -17,7 +23,7 @@ void StampPress::run(std::size_t pageCount) {
     while (!m_stopped && !m_fonts.subset());
     for (const auto& name : m_fonts.outlinedFaces())
         m_report.sentences.insert("The font \"" + name + "\" may not be embedded; its text is drawn as outlines.");
-    Flate flate;
+    Flate flate(kSmallEffort);
     for (std::size_t i = 0; i < contents.size() && !m_stopped; ++i) {
         auto& content = contents[i];
         m_painter.fillCodes(content);
