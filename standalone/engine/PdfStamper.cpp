@@ -237,7 +237,7 @@ public:
             sources = {};
             reader.reset();
             press.reset();
-            inheritance = {};
+            inheritance.clear();
         };
         if (mayUpdate())
             update(write);
