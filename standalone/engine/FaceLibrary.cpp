@@ -135,7 +135,8 @@ std::shared_ptr<const Face> Face::open(const std::string& file, unsigned index, 
     result->m_compact = hasTable(face, HB_TAG('C', 'F', 'F', ' '));
     const bool outlines =
         result->m_compact || hasTable(face, HB_TAG('g', 'l', 'y', 'f')) || hasTable(face, HB_TAG('C', 'F', 'F', '2'));
-    if (hb_face_get_glyph_count(face) == 0 || !outlines)
+    result->m_pictorial = !outlines && hb_ot_color_has_png(face);
+    if (hb_face_get_glyph_count(face) == 0 || !(outlines || result->m_pictorial))
         return nullptr;
 
     result->m_postScriptName = std::move(postScriptName);
@@ -185,8 +186,27 @@ const Path& Face::outline(std::uint32_t glyph) const {
     return place->second;
 }
 
+std::string Face::picture(std::uint32_t glyph) const {
+    hb_blob_t* const blob = hb_ot_color_glyph_reference_png(m_font, glyph);
+    unsigned length = 0;
+    const char* const data = hb_blob_get_data(blob, &length);
+    std::string file(data ? data : "", data ? length : 0);
+    hb_blob_destroy(blob);
+    return file;
+}
+
 double Face::advance(std::uint32_t glyph) const {
     return hb_font_get_glyph_h_advance(m_font, glyph);
+}
+
+Box Face::extents(std::uint32_t glyph, double size, Point origin) const {
+    hb_glyph_extents_t extents{};
+    if (!hb_font_get_glyph_extents(m_font, glyph, &extents) || extents.width == 0)
+        return {origin.x, origin.y, origin.x, origin.y};
+    const double scale = size / m_unitsPerEm;
+    const double left = origin.x + extents.x_bearing * scale;
+    const double top = origin.y + extents.y_bearing * scale;
+    return {left, top + extents.height * scale, left + extents.width * scale, top};
 }
 
 struct FaceLibrary::FallbackOrder {

@@ -27,10 +27,10 @@ struct Flate::Streams {
     z_stream inflating{};
 };
 
-Flate::Flate() : m_streams(new Streams) {
+Flate::Flate(int effort) : m_streams(new Streams) {
     // Small pieces need small tables, which are quick to clear.
-    if (::deflateInit2(&m_streams->deflating, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWindowBits, kMemoryLevel,
-                       Z_DEFAULT_STRATEGY) != Z_OK ||
+    if (::deflateInit2(&m_streams->deflating, effort, Z_DEFLATED, kWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY) !=
+            Z_OK ||
         ::inflateInit(&m_streams->inflating) != Z_OK)
         throw std::bad_alloc();
 }

@@ -10,7 +10,8 @@ namespace engine {
 /// Deflates and inflates many small pieces, with one set of tables for all of them.
 class Flate {
 public:
-    Flate();
+    /// `effort`: zlib's level, 1 to 9. What is small gains little from more than 3.
+    explicit Flate(int effort = 6);
     ~Flate();
 
     std::string deflate(std::string_view plain);

@@ -120,20 +120,23 @@ bool hasFourInks(const jpeg_decompress_struct& info) {
     return info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
 }
 
-/// Decodes into RGB32, Grayscale8, or for four inks a 32-bit image whose bytes are the inks as the file has them.
-QImage decode(jpeg_decompress_struct& info) {
+/// Decodes rows into RGB32, Grayscale8, or for four inks a 32-bit image whose bytes are the inks as the file has them.
+/// What lies above and below is not turned into pixels.
+QImage decode(jpeg_decompress_struct& info, int top, int height) {
     const bool grey = info.jpeg_color_space == JCS_GRAYSCALE;
     info.out_color_space = grey ? JCS_GRAYSCALE : hasFourInks(info) ? JCS_CMYK : JCS_EXT_BGRX;
     jpeg_start_decompress(&info);
-    QImage image(static_cast<int>(info.output_width), static_cast<int>(info.output_height),
-                 grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    QImage image(static_cast<int>(info.output_width), height, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
     if (image.isNull())
         throw Failure(Code::tooLarge, "There is not enough memory for the picture.");
-    while (info.output_scanline < info.output_height) {
-        JSAMPROW row = image.scanLine(static_cast<int>(info.output_scanline));
-        jpeg_read_scanlines(&info, &row, 1);
+    if (top > 0)
+        jpeg_skip_scanlines(&info, static_cast<JDIMENSION>(top));
+    for (int row = 0; row < height; ++row) {
+        JSAMPROW line = image.scanLine(row);
+        jpeg_read_scanlines(&info, &line, 1);
     }
-    jpeg_finish_decompress(&info);
+    if (info.output_scanline == info.output_height)
+        jpeg_finish_decompress(&info);
     return image;
 }
 
@@ -192,7 +195,9 @@ struct Grid {
 };
 
 /// Encodes the pixels of `units` as the file itself is encoded; what lies beyond the picture repeats its edge.
-std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image, const Grid& grid, const QRect& units) {
+/// `image` has the picture's rows from `firstRow` on.
+std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image, int firstRow, const Grid& grid,
+                        const QRect& units) {
     Compressor compressor;
     auto& info = compressor.info;
     info.image_width = static_cast<JDIMENSION>(units.width() * grid.width);
@@ -222,7 +227,7 @@ std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image,
     const int left = units.left() * grid.width;
     const int top = units.top() * grid.height;
     while (info.next_scanline < info.image_height) {
-        const int y = std::min(top + static_cast<int>(info.next_scanline), image.height() - 1);
+        const int y = std::min(top + static_cast<int>(info.next_scanline) - firstRow, image.height() - 1);
         const uchar* const from = image.constScanLine(y);
         for (int i = 0; i < static_cast<int>(info.image_width); ++i) {
             const int x = std::min(left + i, image.width() - 1);
@@ -274,7 +279,7 @@ DecodedPicture decodeJpeg(std::string_view file) {
     Decompressor decompressor(file);
     readHeader(decompressor.info);
     const auto geometry = geometryOf(decompressor.info);
-    QImage image = decode(decompressor.info);
+    QImage image = decode(decompressor.info, 0, geometry.height);
     if (hasFourInks(decompressor.info)) {
         const bool inverse = storesInverseInks(decompressor.info);
         for (int y = 0; y < image.height(); ++y) {
@@ -298,31 +303,37 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     const auto geometry = geometryOf(pixels.info);
     const bool fourInks = hasFourInks(pixels.info);
     const bool inverse = storesInverseInks(pixels.info);
-    QImage image = decode(pixels.info);
-    if (pixels.info.err->num_warnings > 0)
-        report.sentences.insert("The picture is damaged; it was read as far as possible.");
+    const QSize size(geometry.width, geometry.height);
     Grid grid{8 * pixels.info.max_h_samp_factor, 8 * pixels.info.max_v_samp_factor, 0, 0, {}};
-    grid.columns = (image.width() + grid.width - 1) / grid.width;
-    grid.rows = (image.height() + grid.height - 1) / grid.height;
+    grid.columns = (size.width() + grid.width - 1) / grid.width;
+    grid.rows = (size.height() + grid.height - 1) / grid.height;
     grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
     const Matrix toPixels = pixelsFromShown(geometry);
+    std::vector<Patch> patches;
     for (const auto& part : partsFor(geometry)) {
-        const auto patch = paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), image.size(), false);
-        if (fourInks)
-            blendInks(patch, image, inverse);
-        else
-            blend(patch, image);
-        grid.touch(patch);
+        patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), size, false));
+        grid.touch(patches.back());
     }
     const QRect units = grid.bounds();
     if (units.isEmpty())
         return std::string(file);
+    const int top = units.top() * grid.height;
+    QImage image = decode(pixels.info, top, std::min(size.height(), (units.bottom() + 1) * grid.height) - top);
+    for (auto& patch : patches) {
+        patch.area.translate(0, -top);
+        if (fourInks)
+            blendInks(patch, image, inverse);
+        else
+            blend(patch, image);
+    }
 
     // 2. The file's coefficients, those of the touched units replaced.
     Decompressor source(file);
     readHeader(source.info);
     jvirt_barray_ptr* const blocks = jpeg_read_coefficients(&source.info);
-    const std::string encoded = encodePatch(source.info, image, grid, units);
+    if (source.info.err->num_warnings > 0)
+        report.sentences.insert("The picture is damaged; it was read as far as possible.");
+    const std::string encoded = encodePatch(source.info, image, top, grid, units);
     Decompressor patch(encoded);
     jpeg_read_header(&patch.info, TRUE);
     jvirt_barray_ptr* const patchBlocks = jpeg_read_coefficients(&patch.info);

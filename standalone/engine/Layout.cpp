@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <numbers>
 #include <optional>
 
@@ -112,7 +113,12 @@ bool extendsCluster(char32_t code) {
     const auto category = hb_unicode_general_category(hb_unicode_funcs_get_default(), code);
     return category == HB_UNICODE_GENERAL_CATEGORY_NON_SPACING_MARK ||
            category == HB_UNICODE_GENERAL_CATEGORY_ENCLOSING_MARK ||
-           category == HB_UNICODE_GENERAL_CATEGORY_SPACING_MARK || code == 0x200C || code == 0x200D;
+           category == HB_UNICODE_GENERAL_CATEGORY_SPACING_MARK || code == 0x200C || code == 0x200D ||
+           (code >= 0x1F3FB && code <= 0x1F3FF) || (code >= 0xE0020 && code <= 0xE007F); // skin tones, flag tags
+}
+
+bool isRegionalIndicator(char32_t code) {
+    return code >= 0x1F1E6 && code <= 0x1F1FF;
 }
 
 struct BufferRelease {
@@ -238,7 +244,11 @@ private:
     void findFaces(std::vector<Character>& characters) {
         for (std::size_t begin = 0; begin < characters.size();) {
             std::size_t end = begin + 1;
-            while (end < characters.size() && extendsCluster(characters[end].code))
+            // What is one picture in a font of emoji stays in one face: joined pictures, and the two letters of a flag.
+            while (end < characters.size() &&
+                   (extendsCluster(characters[end].code) || characters[end - 1].code == 0x200D ||
+                    (end == begin + 1 && isRegionalIndicator(characters[begin].code) &&
+                     isRegionalIndicator(characters[end].code))))
                 ++end;
             const auto* own = m_appearance.styles[characters[begin].style].face.get();
             const Face* face = own;
@@ -587,6 +597,8 @@ std::shared_ptr<const Stamp> layOut(const Appearance& appearance, const std::u16
     stamp->size = {textSize.width + 2 * padding.width, textSize.height + 2 * padding.height};
     const Box box{0, 0, stamp->size.width, stamp->size.height};
     stamp->ink = box;
+    std::copy_if(resolvedTitle.begin(), resolvedTitle.end(), std::back_inserter(stamp->text),
+                 [](char16_t unit) { return unit != 0; });
     addFillAndBorder(appearance, box, stamp->shapes);
     double top = stamp->size.height - padding.height;
     for (auto& line : lines) {

@@ -34,11 +34,9 @@ PageAttributes Inheritance::of(QPDFObjectHandle page) {
 }
 
 const PageAttributes& Inheritance::ofNode(QPDFObjectHandle node, int level) {
-    static const PageAttributes none{QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull(),
-                                     QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull()};
     constexpr int deepest = 200; // a tree that leads back to itself ends here
     if (!node.isDictionary() || level == deepest)
-        return none;
+        return m_none;
     const auto found = m_nodes.find(node.getObjGen());
     if (found != m_nodes.end() && node.isIndirect())
         return found->second;

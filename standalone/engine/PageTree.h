@@ -22,10 +22,14 @@ struct PageAttributes {
 class Inheritance {
 public:
     PageAttributes of(QPDFObjectHandle page);
+    /// Forgets what was looked up.
+    void clear() { m_nodes.clear(); }
 
 private:
     const PageAttributes& ofNode(QPDFObjectHandle node, int level);
 
+    const PageAttributes m_none{QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull(),
+                                QPDFObjectHandle::newNull()};
     std::map<QPDFObjGen, PageAttributes> m_nodes;
 };
 

@@ -255,10 +255,10 @@ bool PdfFonts::subset() {
 }
 
 std::string PdfFonts::write(PdfObjects& objects) const {
-    std::string dictionary = "<<";
+    std::string entries;
     for (const auto* font : m_order)
-        dictionary += font->resourceName() + ' ' + writeFont(objects, *font);
-    return dictionary + ">>";
+        entries += font->resourceName() + ' ' + writeFont(objects, *font);
+    return entries;
 }
 
 } // namespace engine

@@ -34,7 +34,7 @@ public:
     /// outlines from now on, and all stamps have to be painted again.
     bool subset();
 
-    /// Adds the fonts and answers a dictionary of resource names and fonts.
+    /// Adds the fonts and answers the entries of a dictionary of resource names and fonts.
     std::string write(PdfObjects& objects) const;
 
     /// Names of the faces that are drawn as outlines.

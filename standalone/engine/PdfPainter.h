@@ -26,8 +26,9 @@ public:
 
     explicit PdfPainter(PdfFonts& fonts) : m_fonts(fonts) {}
 
-    /// Paints the stamp and collects its glyphs.
-    Content paint(const Stamp& stamp);
+    /// Paints the stamp and collects its glyphs. `askew`: it will be turned by an angle that is no quarter turn, where
+    /// readers do not find words by themselves.
+    Content paint(const Stamp& stamp, bool askew);
 
     /// Once the fonts have their subsets.
     void fillCodes(Content& content) const;
@@ -37,13 +38,24 @@ public:
 
 private:
     void setColour(std::string& content, const Colour& colour, bool stroked);
-    void paintRun(Content& content, const GlyphRun& run);
-    void paintText(Content& content, const GlyphRun& run, const PdfFonts::Font& font);
+    /// With `spelled` the text is already given for the whole title.
+    void paintRun(Content& content, const GlyphRun& run, bool spelled);
+    void paintText(Content& content, const GlyphRun& run, const PdfFonts::Font& font, bool spelled);
+    void paintUnseenText(Content& content, const GlyphRun& run, bool spelled);
+    void paintPictures(Content& content, const GlyphRun& run);
+    const std::string& pictureOf(const std::shared_ptr<const Face>& face, std::uint32_t glyph);
     void paintPath(std::string& content, const PathShape& shape);
 
     PdfFonts& m_fonts;
     std::map<std::string, std::string> m_opacities; ///< Resource names by opacity.
     std::string m_opacity;                          ///< In force.
+    struct Picture {
+        std::shared_ptr<const Face> face;
+        std::uint32_t glyph;
+        std::string name; ///< Empty for a blank glyph.
+    };
+    std::map<std::pair<const Face*, std::uint32_t>, Picture> m_pictures;
+    bool m_hasUnseenText = false;
 };
 
 } // namespace engine

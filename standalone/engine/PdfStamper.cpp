@@ -98,8 +98,8 @@ private:
 /// The number of pages the document says it has; 0 where that cannot be.
 std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
     auto count = document.getRoot().getKey("/Pages").getKey("/Count");
-    // No page takes less than this, so that a lie costs nothing.
-    constexpr long long smallestPage = 8;
+    // Hardly any page takes less than this, so that a lie costs little.
+    constexpr long long smallestPage = 64;
     return count.isInteger() && count.getIntValue() > 0 &&
                    count.getIntValue() < static_cast<long long>(bytes.size()) / smallestPage
                ? static_cast<std::size_t>(count.getIntValue())
@@ -237,7 +237,7 @@ public:
             sources = {};
             reader.reset();
             press.reset();
-            inheritance = {};
+            inheritance.clear();
         };
         if (mayUpdate())
             update(write);

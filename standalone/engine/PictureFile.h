@@ -32,11 +32,15 @@ using PictureParts = std::vector<PicturePart>;
 /// The parts for a picture of this geometry.
 using PartsFor = std::function<PictureParts(const PictureGeometry&)>;
 
+/// The parts for a page of this geometry of a file of several; none for a page that gets no stamp.
+using PagePartsFor = std::function<PictureParts(const PictureGeometry&, std::size_t pageNumber, std::size_t pageCount)>;
+
 /// The bytes of a file. Throws `Failure`.
 std::string readWhole(const std::filesystem::path& path);
 
 bool isPng(std::string_view bytes);
 bool isJpeg(std::string_view bytes);
+bool isTiff(std::string_view bytes);
 
 /// The orientation tag of a TIFF structure as Exif embeds it; 1 where it has none or is broken.
 int exifOrientation(std::string_view tiff);
@@ -52,6 +56,12 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor);
 /// may be decoded slightly differently, since decoders smooth across its edge.
 /// A file that breaks off is stamped as far as it can be read, and `report` says so.
 std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report);
+
+/// The same for each page of a TIFF file. Pages, and strips or tiles of a page, that no stamp touches stay as they are,
+/// and so does all that the file says about them; those it touches keep their compression and samples. A page of two
+/// colours stays one.
+std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::size_t& stampedPages);
+std::size_t countTiffPages(std::string_view file);
 
 /// Throws `Failure` for a picture of more than `kLargestPicture` pixels or with an empty side.
 void checkSize(long long width, long long height);

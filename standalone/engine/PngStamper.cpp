@@ -76,6 +76,9 @@ bool isGrey(const QImage& image) {
 
 bool isGrey(const Stamp& stamp) {
     return std::all_of(stamp.shapes.begin(), stamp.shapes.end(), [](const Shape& shape) {
+        const auto* run = std::get_if<GlyphRun>(&shape);
+        if (run && run->face->isPictorial())
+            return false;
         const auto& colour = std::visit([](const auto& part) -> const Colour& { return part.colour; }, shape);
         return colour.red == colour.green && colour.green == colour.blue;
     });

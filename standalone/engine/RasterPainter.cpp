@@ -35,7 +35,28 @@ QColor colour(const Colour& value) {
                             static_cast<float>(value.blue), static_cast<float>(value.alpha));
 }
 
+void paintPictures(QPainter& painter, const GlyphRun& run) {
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setOpacity(run.colour.alpha);
+    for (const auto& glyph : run.glyphs) {
+        const auto file = run.face->picture(glyph.glyph);
+        const auto picture =
+            QImage::fromData(reinterpret_cast<const uchar*>(file.data()), static_cast<int>(file.size()), "png");
+        const Box box = run.face->extents(glyph.glyph, run.size, {glyph.x, glyph.y});
+        if (picture.isNull() || box.width() <= 0)
+            continue;
+        // Pictures have their first row on top, the stamp's y runs up.
+        painter.drawImage(QRectF(box.llx, box.lly, box.width(), box.height()), picture.mirrored());
+    }
+    painter.restore();
+}
+
 void paint(QPainter& painter, const GlyphRun& run) {
+    if (run.face->isPictorial()) {
+        paintPictures(painter, run);
+        return;
+    }
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     const double scale = run.size / run.face->unitsPerEm();

@@ -52,8 +52,10 @@ std::vector<std::size_t> StampPlan::pagesOf(std::size_t pageCount) const {
 }
 
 std::u16string accountName() {
-    const auto* account = ::getpwuid(::getuid());
-    if (!account)
+    passwd entry{};
+    passwd* account = nullptr;
+    std::vector<char> room(16 * 1024);
+    if (::getpwuid_r(::getuid(), &entry, room.data(), room.size(), &account) != 0 || !account)
         return {};
     // The first of the comma-separated personal details is the full name.
     const std::string full = account->pw_gecos ? account->pw_gecos : "";

@@ -4,10 +4,17 @@
 #include "Flate.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <unordered_map>
 
 namespace engine {
+
+namespace {
+
+constexpr int kSmallEffort = 3;
+
+} // namespace
 
 void StampPress::run(std::size_t pageCount) {
     std::vector<PdfPainter::Content> contents;
@@ -15,9 +22,8 @@ void StampPress::run(std::size_t pageCount) {
         paintAll(pageCount, contents);
     while (!m_stopped && !m_fonts.subset());
     for (const auto& name : m_fonts.outlinedFaces())
-        m_report.sentences.insert("The font \"" + name + "\" may not be embedded; its text is drawn as outlines and " +
-                                  "cannot be searched.");
-    Flate flate;
+        m_report.sentences.insert("The font \"" + name + "\" may not be embedded; its text is drawn as outlines.");
+    Flate flate(kSmallEffort);
     for (std::size_t i = 0; i < contents.size() && !m_stopped; ++i) {
         auto& content = contents[i];
         m_painter.fillCodes(content);
@@ -53,7 +59,7 @@ void StampPress::paintAll(std::size_t pageCount, std::vector<PdfPainter::Content
                 // Null for a blank title.
                 if (auto stamp = engine::layOut(m_plans[i].appearance, form->first, m_faces, m_report)) {
                     form->second = static_cast<std::uint32_t>(m_forms.size());
-                    contents.push_back(m_painter.paint(*stamp));
+                    contents.push_back(m_painter.paint(*stamp, std::fmod(m_plans[i].degrees, 90) != 0));
                     contents.back().text.shrink_to_fit();
                     contents.back().codes.shrink_to_fit();
                     m_forms.push_back({stamp->size, stamp->ink, {}, false});

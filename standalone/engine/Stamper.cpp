@@ -8,6 +8,7 @@
 
 #include <Foundation/NSString.h>
 
+#include <algorithm>
 #include <fstream>
 #include <system_error>
 
@@ -15,7 +16,7 @@ namespace engine {
 
 namespace {
 
-enum class Kind { unknown, pdf, png, jpeg };
+enum class Kind { unknown, pdf, png, jpeg, tiff };
 
 Kind kindOf(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
@@ -28,6 +29,8 @@ Kind kindOf(const std::filesystem::path& path) {
         return Kind::png;
     if (isJpeg(head))
         return Kind::jpeg;
+    if (isTiff(head))
+        return Kind::tiff;
     return head.find("%PDF-") != std::string::npos ? Kind::pdf : Kind::unknown;
 }
 
@@ -43,29 +46,45 @@ Facts factsOf(const StampJob& job) {
 std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
     const auto plans = planStamps(job.configurations, job.pages, faces, report);
-    const auto facts = factsOf(job);
-    const PartsFor partsFor = [&](const PictureGeometry& geometry) {
+    const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
+    const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
+        auto facts = factsOf(job);
+        facts.pageNumber = page;
+        facts.recordPageCount = pageCount;
+        facts.runningNumber += page - 1;
         PictureParts parts;
         for (const auto& plan : plans) {
-            if (plan.pagesOf(1).empty())
+            const auto pages = plan.pagesOf(pageCount);
+            if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
             if (stamp)
                 parts.push_back(
                     {stamp, placeStamp(stamp->size, shownSize(geometry), plan.anchor, plan.offset, plan.degrees)});
         }
+        if (job.progress && !job.progress(page - 1, pageCount))
+            throw Failure(Code::cancelled, "The run was cancelled.");
+        return parts;
+    };
+    const PartsFor partsFor = [&](const PictureGeometry& geometry) {
+        auto parts = partsForPage(geometry, 1, 1);
         if (parts.empty())
-            throw Failure(Code::nothingToStamp, "There is nothing to stamp on the picture.");
+            throw nothing();
         return parts;
     };
     const auto bytes = readWhole(job.input);
-    const auto stamped = kind == Kind::png ? stampPng(bytes, partsFor) : stampJpeg(bytes, partsFor, report);
+    std::size_t pages = 1;
+    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor)
+                         : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
+                                              : stampJpeg(bytes, partsFor, report);
+    if (pages == 0)
+        throw nothing();
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
     OutputFile output(job.output);
     output.write(stamped);
     output.commit();
-    return 1;
+    return pages;
 }
 
 } // namespace
@@ -117,6 +136,8 @@ std::size_t countPages(const StampJob& job) {
             return 0;
         case Kind::pdf:
             return countPdfPages(job);
+        case Kind::tiff:
+            return countTiffPages(readWhole(job.input));
         default:
             return 1;
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CompactFont.h"
 #include "ContentScan.h"
+#include "Spelling.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,50 @@ TEST(ContentScan, DelimitersEndOperators) {
 TEST(ContentScan, OperatorsAfterAnImageCount) {
     EXPECT_EQ(scanContent("q BI /W 1 ID \xff\xfe EI Q Q").surplusRestores.size(), 1U);
     EXPECT_EQ(scanContent("/ID gs q").openStates, 1U);
+}
+
+TEST(ContentMarks, AreFoundWithTheirTagPropertiesAndWhatTheyDraw) {
+    const std::string content =
+        "q 1 0 0 1 2 3 cm /Fm0 Do Q\n/Artifact <</A /B /C (x >> BDC) /D [<< /E 1 >>]>> BDC\nq /S0 Do "
+        "/Inner BMC /S1 Do EMC Q\nEMC\n/Name /Resource BDC EMC /T BMC EMC";
+    const auto marks = engine::findMarks(content);
+    ASSERT_EQ(marks.size(), 3U);
+    EXPECT_EQ(marks[0].tag, "/Artifact");
+    EXPECT_EQ(marks[0].properties, " <</A /B /C (x >> BDC) /D [<< /E 1 >>]>> ");
+    EXPECT_EQ(marks[0].drawn, (std::vector<std::string>{"/S0", "/S1"}));
+    EXPECT_EQ(content.substr(marks[0].begin, 9), "/Artifact");
+    EXPECT_EQ(content.substr(marks[0].end, 7), "\n/Name ");
+    EXPECT_EQ(marks[1].properties, " /Resource ");
+    EXPECT_EQ(marks[2].properties, "");
+}
+
+TEST(ContentMarks, ThatAreNeverClosedAreNone) {
+    EXPECT_TRUE(engine::findMarks("/A <</B 1>> BDC q Q").empty());
+    EXPECT_TRUE(engine::findMarks("EMC EMC").empty());
+    EXPECT_EQ(engine::findMarks("/A BMC EMC EMC /B BMC EMC").size(), 2U);
+}
+
+TEST(Spelling, IsNeededOnlyWhereGlyphsDoNotSayItAll) {
+    const auto spelled = [](const std::u16string& text, bool askew = false) {
+        engine::Stamp stamp;
+        stamp.text = text;
+        return engine::spellingOf(stamp, askew);
+    };
+    for (const char16_t* text : {u"Received", u"Page 3 of 12", u"\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd"})
+        EXPECT_FALSE(spelled(text));
+    EXPECT_EQ(spelled(u"Received", true), u"Received");
+    for (const char16_t* text : {u"two  spaces", u" one before", u"one after ", u"two\nlines", u"no\u00a0break"})
+        EXPECT_EQ(spelled(text), text);
+    EXPECT_FALSE(spelled(u"", true));
+}
+
+TEST(Spelling, TurnsPartsThatRunFromRightToLeftAround) {
+    engine::Stamp stamp;
+    stamp.text = u"Page \u05d0\u05d1 3";
+    EXPECT_EQ(engine::spellingOf(stamp, false), u"Page \u05d1\u05d0\u202a 3");
+    // More letters from right to left than others: marks make up for them.
+    stamp.text = u"\u05d0\u05d1 3";
+    EXPECT_EQ(engine::spellingOf(stamp, false), u"\u202a\u202a\u05d1\u05d0\u202a 3");
 }
 
 TEST(CompactFonts, BytesThatAreNoTableAreRefused) {

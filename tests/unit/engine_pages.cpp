@@ -48,3 +48,22 @@ TEST(PageChoice, AnUnknownCodeSelectsNothing) {
     EXPECT_TRUE(choosePages(5, u"1", 5).empty());
     EXPECT_TRUE(choosePages(-1, u"1", 5).empty());
 }
+
+TEST(PageRanges, ListsOfNumbersAndRunsAreRead) {
+    const auto chosen = [](std::string_view text, std::size_t count) {
+        const auto ranges = engine::readPageRanges(text);
+        return ranges ? engine::choosePages(*ranges, count) : std::vector<std::size_t>{999};
+    };
+    EXPECT_EQ(chosen("1-3,7,10-", 12), (Pages{1, 2, 3, 7, 10, 11, 12}));
+    EXPECT_EQ(chosen("-2", 5), (Pages{1, 2}));
+    EXPECT_EQ(chosen("4, 2 ,2-3", 5), (Pages{2, 3, 4}));
+    EXPECT_EQ(chosen("3-18446744073709551615", 4), (Pages{3, 4}));
+    EXPECT_EQ(chosen("9", 5), Pages{});
+    EXPECT_EQ(chosen("1-", 0), Pages{});
+}
+
+TEST(PageRanges, WhatIsNoListIsRefused) {
+    for (const char* text :
+         {"", "-", ",", "1,", "0", "3-2", "a", "1-b", "1--2", "1 2", "99999999999999999999", "+1", "1;2"})
+        EXPECT_FALSE(engine::readPageRanges(text)) << text;
+}

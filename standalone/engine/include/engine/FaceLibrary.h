@@ -19,8 +19,8 @@ namespace engine {
 /// Lengths are in font units unless they say otherwise. Owned by the library that opened it; not for several threads.
 class Face {
 public:
-    /// Null if the file cannot be read, or holds no outlines that HarfBuzz can draw. `index` is fontconfig's: the named
-    /// instance, from 1, in its upper 16 bits.
+    /// Null if the file cannot be read, or holds neither outlines that HarfBuzz can draw nor pictures. `index` is
+    /// fontconfig's: the named instance, from 1, in its upper 16 bits.
     static std::shared_ptr<const Face> open(const std::string& file, unsigned index, std::string postScriptName);
 
     ~Face();
@@ -34,6 +34,10 @@ public:
     bool isInstance() const { return m_index >> 16 != 0; }
     /// Whether the outlines are a CFF table.
     bool isCompact() const { return m_compact; }
+    /// Whether glyphs are pictures, as in fonts of emoji; there are no outlines then.
+    bool isPictorial() const { return m_pictorial; }
+    /// The PNG file of a pictorial glyph, to be shown in the glyph's extents; empty for a blank one.
+    std::string picture(std::uint32_t glyph) const;
     /// Whether the licence bits of the face allow a subset of it inside a document.
     bool mayBeEmbedded() const { return m_mayBeEmbedded; }
 
@@ -55,6 +59,8 @@ public:
     /// In font units, y up. Empty for a blank glyph or one the face does not have.
     const Path& outline(std::uint32_t glyph) const;
     double advance(std::uint32_t glyph) const;
+    /// What a glyph of this size covers that stands at `origin`, in points; of no width for a blank one.
+    Box extents(std::uint32_t glyph, double size, Point origin) const;
 
     /// Scaled to one unit a font unit.
     hb_font_t* font() const { return m_font; }
@@ -67,6 +73,7 @@ private:
     std::string m_file;
     unsigned m_index = 0;
     bool m_compact = false;
+    bool m_pictorial = false;
     bool m_mayBeEmbedded = true;
     unsigned m_unitsPerEm = 1000;
     double m_ascent = 0;

@@ -56,6 +56,7 @@ using Shape = std::variant<GlyphRun, PathShape>;
 struct Stamp {
     platform::NSSize size; ///< Of the box that is placed, its lower left corner at 0, 0.
     Box ink;               ///< Everything drawn lies within it.
+    std::u16string text;   ///< In reading order, lines joined by U+000A.
     std::vector<Shape> shapes;
 };
 

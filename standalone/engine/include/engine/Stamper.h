@@ -50,13 +50,15 @@ struct StampJob {
     std::function<bool(std::size_t, std::size_t)> progress;
 };
 
-/// Stamps PDF documents and PNG and JPEG pictures, told apart by their content; the output is of the input's kind.
+/// Stamps PDF documents and PNG, JPEG and TIFF pictures, told apart by their content; the output is of the input's
+/// kind.
 ///
 /// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
 /// std::bad_alloc.
 Outcome stampFile(const StampJob& job);
 
-/// How many pages the job's input has: those of a document, one for a picture; 0 where it cannot be read.
+/// How many pages the job's input has: those of a document or a TIFF file, one for another picture; 0 where it cannot
+/// be read.
 std::size_t countPages(const StampJob& job);
 
 /// Whether the title of one of these configurations, or of a member of one, has the placeholder %runningNumber%.
