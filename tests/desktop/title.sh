@@ -15,23 +15,18 @@ insert() {
     keys "$@" Return
     until_true "the menu closes" no_others
 }
-# Where the tokens of the first line end, by their upper outlines.
+# Where the tokens of the first line end: behind each row of columns in which there is something of a token's colour.
 token_ends() {
-    import -window root -crop 480x1+314+92 +repage txt:- 2>/dev/null | python3 -c '
+    import -window root -crop 480x12+314+88 +repage txt:- 2>/dev/null | python3 -c '
 import re, sys
-ends, last = [], None
+shaded = set()
 for line in sys.stdin:
-    pixel = re.match(r"(\d+),0: \((\d+),(\d+),(\d+)", line)
-    if not pixel:
-        continue
-    x, red, green, blue = map(int, pixel.groups())
-    if blue - red > 12:
-        last = x
-    elif last is not None and x - last == 3:
-        ends.append(314 + last)
-print(*ends)'
+    pixel = re.match(r"(\d+),\d+: \((\d+),(\d+),(\d+)", line)
+    if pixel and int(pixel[4]) - int(pixel[2]) > 12:
+        shaded.add(int(pixel[1]))
+print(*(314 + x for x in sorted(shaded) if x + 1 not in shaded))'
 }
-tokens_in_line() { ends=($(token_ends)) && [ "${#ends[@]}" -eq "$1" ]; }
+has_tokens() { ends=($(token_ends)) && [ "${#ends[@]}" -ge "$1" ]; }
 # The tokens of the first title in one line.
 written() { json "' '.join(t if isinstance(t, str) else 'run' for t in c[0]['titleTokens'])"; }
 is_written() { [ "$(written)" = "$1" ] || fail "the title was stored as $(written) instead of $1"; }
@@ -60,26 +55,26 @@ edit_title() {
 
 # The first run goes behind the second one: the letter between them then stands at the front.
 drag_first_run_behind_second() {
-    until_true "the runs stand in the first line" tokens_in_line 6
-    local from=$((ends[0] - 18)) to=$((ends[1] + 3)) former=${ends[0]}
-    xdotool mousemove $from 100 mousedown 1 mousemove $((from + 6)) 101 mousemove $((from + 14)) 102 \
-        mousemove $((to - 3)) 101 mousemove $to 100
+    until_true "the runs stand in the first line" has_tokens 3
+    local from=$((ends[0] - 20)) to=$((ends[1] - 3)) former=${ends[0]}
+    xdotool mousemove $from 97 mousedown 1 mousemove $((from + 6)) 98 mousemove $((from + 14)) 99 \
+        mousemove $((to - 3)) 98 mousemove $to 97
     # The pointer goes on moving a little: what it did before the drag had begun is not told to the field.
     is_marked() {
-        xdotool mousemove $((to + (jiggle = 1 - ${jiggle:-0}))) 100
-        is_dark $((ends[1] + 8)) 96
+        xdotool mousemove $((to + (jiggle = 1 - ${jiggle:-0}))) 97
+        is_dark $((ends[1] + 2)) 96
     }
     until_true "a line shows where the run would go" is_marked
     screenshot title-dragging
     xdotool mouseup 1
-    moved() { tokens_in_line 6 && [ "${ends[0]}" -ne "$former" ]; }
+    moved() { has_tokens 3 && [ "${ends[0]}" -ne "$former" ]; }
     until_true "the run has moved" moved
     screenshot title-dragged
 }
 # is_dark X Y: whether the caret, or the mark of a drop, is within two points of there
 is_dark() { [ "$(import -window root -crop "5x1+$(($1 - 2))+$2" +repage -format '%[fx:minima<0.3]' info: 2>/dev/null)" = 1 ]; }
 cut_first_run_and_paste_it_at_the_end() {
-    click $((ends[0] - 18)) 100
+    click $((ends[0] - 20)) 97
     screenshot title-selected
     keys ctrl+x ctrl+End ctrl+v
 }
@@ -96,7 +91,7 @@ is_written "A run run 100 of  $placeholders"
 # A run that was cut and pasted is taken out again.
 start_program
 click $appearance
-until_true "the title is shown" tokens_in_line 6
+until_true "the title is shown" has_tokens 3
 cut_first_run_and_paste_it_at_the_end
 stop_program
 is_written "A run 100 of  $placeholders"
