@@ -164,10 +164,11 @@ void VelIFontPopupButton::onFontAttributeChanged(const std::shared_ptr<NSObject>
 }
 
 void VelIFontPopupButton::report() {
+    const auto name = currentSelectedFullFontName();
     if (const auto block = m_onFontChanged) // which may set another one
-        block(currentSelectedFullFontName());
+        block(name);
     if (const auto told = delegate())
-        told->selectedFontUpdatedFullFontName(self(), currentSelectedFullFontName());
+        told->selectedFontUpdatedFullFontName(self(), name);
 }
 
 } // namespace pane

@@ -122,6 +122,18 @@ bool FontFace::isSymbolic() const {
            (os2.size() > panoseAt && (os2[classAt] == symbolicClass || os2[panoseAt] == pictorialFamily));
 }
 
+QString FontFace::firstSigns(int count) const {
+    QString signs;
+    auto* const covered = hb_set_create();
+    hb_face_collect_unicodes(m_face, covered);
+    for (hb_codepoint_t code = 0x20; signs.toUcs4().size() < count && hb_set_next(covered, &code);)
+        if (QChar::isPrint(code) && !QChar::isLetterOrNumber(code) && !QChar::isPunct(code) && !QChar::isMark(code) &&
+            !QChar::isSpace(code))
+            signs += QChar::fromUcs4(code);
+    hb_set_destroy(covered);
+    return signs;
+}
+
 QPainterPath FontFace::outlines(const QString& text, double pixelSize) const {
     auto* const buffer = hb_buffer_create();
     hb_buffer_add_utf16(buffer, text.utf16(), static_cast<int>(text.size()), 0, static_cast<int>(text.size()));

@@ -30,6 +30,8 @@ public:
     /// Whether letters show as something else in it: the listing says so, or the face declares itself a collection of
     /// signs by the family class or the Panose numbers of table OS/2, as OpenType defines them.
     bool isSymbolic() const;
+    /// The first signs it has, in the order of their codes, without letters, digits and marks of text; at most `count`.
+    QString firstSigns(int count) const;
     /// The text on a baseline that starts at the origin, y down. Empty where nothing is to be seen.
     QPainterPath outlines(const QString& text, double pixelSize) const;
     /// The font the toolkit is asked for by the names in the listing.

@@ -33,8 +33,19 @@ FontSample::FontSample(const NSMenuItem& item, const QFont& control)
         return;
     }
     const auto face = FontFace::named(font->fontName());
-    if (!face || !face->covers(m_text))
+    if (!face)
         return;
+    if (!face->covers(m_text)) {
+        // A face of signs alone shows some of them beside its name.
+        m_symbolic = face->isSymbolic();
+        if (m_symbolic) {
+            m_outlines =
+                face->outlines(face->firstSigns(4), QFontInfo(sized(control, font->pointSize(), control)).pixelSize());
+            m_means = m_outlines.isEmpty() ? m_means : Means::outlines;
+            m_symbolic = !m_outlines.isEmpty();
+        }
+        return;
+    }
     const auto drawn = sized(face->toolkitFont(), font->pointSize(), control);
     auto path = face->outlines(m_text, QFontInfo(drawn).pixelSize());
     if (path.isEmpty())

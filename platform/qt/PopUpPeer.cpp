@@ -8,6 +8,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScopeGuard>
 #include <QStylePainter>
 
 namespace platform::qt {
@@ -80,6 +81,11 @@ void PopUpWidget::showPopup() {
             return;
         const QPointer<PopUpWidget> self(this);
         m_open = true;
+        // Whoever is told may raise, and may take the widget away.
+        const auto closed = qScopeGuard([&self] {
+            if (self)
+                self->m_open = false;
+        });
         const auto menu = button->userOpens();
         const auto chosen = menu && self ? runMenu(*button, *menu) : nullptr;
         if (self)

@@ -5,6 +5,7 @@
 #include "SettingsDialog.h"
 #include "StampRun.h"
 
+#include <AppKit/NSTokenField.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
@@ -62,9 +63,16 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     m_session.setOnModelChange([this](const auto& configuration) {
         if (m_order->isVisible())
             m_order->refresh();
-        if (!configuration)
+        if (configuration)
+            m_titleSettles.start();
+        else
             m_listSettles.start();
     });
+    // A font run that got another face, or was missing one, may have another name.
+    m_titleSettles.setSingleShot(true);
+    m_titleSettles.setInterval(0);
+    connect(&m_titleSettles, &QTimer::timeout, this,
+            [this] { runGuarded([this] { tell(m_pane->titleField(), &NSTokenField::refreshTokenTitles); }); });
     // Longer than the pane takes to choose a row after a change of the list.
     m_listSettles.setSingleShot(true);
     m_listSettles.setInterval(250);

@@ -53,6 +53,7 @@ private:
     OrderPalette* m_order;
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
+    QTimer m_titleSettles;
     bool m_painted = false;
     bool m_warned = false;
 };

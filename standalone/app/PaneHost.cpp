@@ -77,9 +77,17 @@ void PaneHost::show(const std::shared_ptr<host::ImprinterConfiguration>& configu
 }
 
 std::shared_ptr<NSTableView> PaneHost::table() const {
+    return std::dynamic_pointer_cast<NSTableView>(outlet(u"tableView"));
+}
+
+std::shared_ptr<NSTokenField> PaneHost::titleField() const {
+    return std::dynamic_pointer_cast<NSTokenField>(outlet(u"titleTokenField"));
+}
+
+std::shared_ptr<NSObject> PaneHost::outlet(std::u16string_view name) const {
     const auto* cls = m_pane->classTable();
-    const auto* outlet = cls ? cls->outlet(u"tableView") : nullptr;
-    return outlet ? std::dynamic_pointer_cast<NSTableView>(outlet->object(*m_pane)) : nullptr;
+    const auto* described = cls ? cls->outlet(name) : nullptr;
+    return described ? described->object(*m_pane) : nullptr;
 }
 
 } // namespace app

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSTableView.h>
+#include <AppKit/NSTokenField.h>
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/Imprinter.h>
 
@@ -39,9 +40,12 @@ public:
 
     /// The pane's table of configurations, or null.
     std::shared_ptr<platform::NSTableView> table() const;
+    /// The field of the title being edited, or null.
+    std::shared_ptr<platform::NSTokenField> titleField() const;
 
 private:
     PaneHost() = default;
+    std::shared_ptr<platform::NSObject> outlet(std::u16string_view name) const;
     std::shared_ptr<platform::NSPreferencePane> m_pane;
 };
 

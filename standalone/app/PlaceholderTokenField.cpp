@@ -34,10 +34,9 @@ std::u16string localized(const char16_t* english) {
     return app::text(english).toStdU16String();
 }
 
+/// As panes tell placeholders from text: what is one token there is one here.
 bool isPlaceholder(const std::u16string& text) {
-    return text.size() >= 3 && text.front() == u'%' && text.back() == u'%' &&
-           std::none_of(text.begin() + 1, text.end() - 1,
-                        [](char16_t unit) { return unit == u'%' || isWhitespaceOrNewline(unit); });
+    return text.size() >= 2 && text.front() == u'%' && text.back() == u'%';
 }
 
 /// How a placeholder reads; one that is not known by the name between its signs.
@@ -45,7 +44,7 @@ std::u16string titleOf(const std::u16string& placeholder) {
     for (const auto& known : placeholders)
         if (placeholder == known.text)
             return localized(known.title);
-    return placeholder.substr(1, placeholder.size() - 2);
+    return placeholder.size() > 2 ? placeholder.substr(1, placeholder.size() - 2) : placeholder;
 }
 
 void addPlaceholder(NSMenu& menu, const std::u16string& placeholder) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include "HostBundle.h"
+
 #include <Foundation/NSException.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
@@ -32,6 +34,8 @@ Session::Session(const std::filesystem::path& store)
             return std::nullopt;
         return stampSample(sample->path(), configuration);
     });
+
+    model::fontRunNames() = {text(u"Font %@").toStdU16String(), text(u"%@ (missing)").toStdU16String()};
 
     // Nothing is stamped in place unless somebody chose it.
     auto& defaults = platform::NSUserDefaults::standardUserDefaults();

@@ -16,6 +16,11 @@ const std::u16string& defaultFontName() {
     return name;
 }
 
+FontRunNames& fontRunNames() {
+    static FontRunNames names;
+    return names;
+}
+
 FontRun::FontRun(std::weak_ptr<Configuration> maker, host::NSUInteger number)
     : m_maker(std::move(maker)), m_fontNumber(number) {}
 
@@ -24,8 +29,9 @@ std::u16string_view FontRun::className() const {
 }
 
 std::u16string FontRun::name() const {
-    const auto name = u"Font " + platform::fromUtf8(std::to_string(m_fontNumber + 1));
-    return isMissing() ? name + u" (missing)" : name;
+    const auto name =
+        platform::stringWithFormat(fontRunNames().numbered, {platform::fromUtf8(std::to_string(m_fontNumber + 1))});
+    return isMissing() ? platform::stringWithFormat(fontRunNames().missing, {name}) : name;
 }
 
 void FontRun::setFontNumber(host::NSUInteger number) {

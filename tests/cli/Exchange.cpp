@@ -53,6 +53,30 @@ TEST_F(Exchange, ACombinedConfigurationBringsItsMembers) {
     EXPECT_EQ(imprinter("--store b.json list").output, "One\nBoth\n");
 }
 
+TEST_F(Exchange, ACombinedOneInsideACombinedOneIsRefusedByName) {
+    writeFile(folder / "a.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "1", "name": "One", "titleTokens": ["old"]},
+        {"uniqueID": "2", "name": "Both", "combinedConfiguration": true, "members": ["1"]}]})");
+    const auto before = readFile(folder / "a.json");
+    // What is a member here is combined there.
+    writeFile(folder / "b.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "9", "name": "Nine"},
+        {"uniqueID": "1", "name": "Several", "combinedConfiguration": true, "members": ["9"]}]})");
+    auto run = imprinter("--store a.json import --replace b.json");
+    EXPECT_EQ(run.status, 2) << run.output;
+    EXPECT_EQ(run.output, "imprinter: b.json: \"Both\" would contain \"Several\", which is combined itself\n");
+    EXPECT_EQ(readFile(folder / "a.json"), before);
+    // And what is combined here is a member there.
+    writeFile(folder / "c.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "2", "name": "Plain"},
+        {"uniqueID": "3", "name": "Three", "combinedConfiguration": true, "members": ["2"]}]})");
+    run = imprinter("--store a.json import c.json");
+    EXPECT_EQ(run.status, 2) << run.output;
+    EXPECT_NE(run.output.find("\"Three\" would contain \"Both\", which is combined itself"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(readFile(folder / "a.json"), before);
+}
+
 TEST_F(Exchange, WhatCannotBeImportedChangesNothing) {
     ASSERT_EQ(imprinter("export --output a.json").status, 0);
     const auto before = readFile(folder / "a.json");

@@ -242,6 +242,7 @@ TEST_F(Deleting, AsksFirst) {
     EXPECT_EQ(alerts, std::vector<std::u16string>{u"Delete a?"});
     EXPECT_EQ(informativeTexts, std::vector<std::u16string>{u"Deleted configurations cannot be restored."});
     EXPECT_EQ(buttonTitles, (std::vector<std::vector<std::u16string>>{{u"Delete", u"Cancel"}}));
+    EXPECT_EQ(alertStyles, std::vector{NSAlertStyle::warning});
 }
 
 TEST_F(Deleting, IsDoneByTheButtonAndByTheMenuAlike) {

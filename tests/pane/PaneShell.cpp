@@ -534,6 +534,9 @@ TEST_F(PageListGuard, RefusesToLeaveALocationPageWithABlankListAndAsksAfterwards
     }
     EXPECT_EQ(informativeTexts.front(), u"Set the page numbers to imprint i.e 1,2,4");
     EXPECT_EQ(buttonTitles.front(), std::vector<std::u16string>{u"OK:"});
+    for (const auto style : alertStyles)
+        EXPECT_EQ(style, NSAlertStyle::warning);
+    EXPECT_FALSE(alertStyles.empty());
 }
 
 TEST_F(PageListGuard, LetsAListThatSaysSomethingGo) {

@@ -62,6 +62,7 @@ protected:
             alerts.push_back(alert.messageText());
             informativeTexts.push_back(alert.informativeText());
             buttonTitles.push_back(alert.buttonTitles());
+            alertStyles.push_back(alert.alertStyle());
             if (onAlert)
                 onAlert();
             return alertAnswer;
@@ -162,6 +163,7 @@ protected:
     std::vector<std::u16string> alerts;
     std::vector<std::u16string> informativeTexts;
     std::vector<std::vector<std::u16string>> buttonTitles;
+    std::vector<platform::NSAlertStyle> alertStyles;
 };
 
 } // namespace testing_support

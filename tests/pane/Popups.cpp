@@ -645,4 +645,68 @@ TEST_F(FontPopups, AFaceOfNoKnownFontKeepsItsDrawing) {
     EXPECT_EQ(face(u"Bold"), "menu font 13");
 }
 
+// Buttons that have not woken draw nothing in fonts by themselves.
+
+class PlainFontPopups : public FontPopups {
+protected:
+    PlainFontPopups() {
+        families = std::make_shared<VelIFontPopupButton>();
+        faces = std::make_shared<VelIFontAttributePopupButton>();
+        families->setFontAttributePopUpBtn(faces);
+        faces->setFontPopUpBtn(families);
+        families->setMenu(VelIFonts::sharedVelIFonts()->fontMenu(true));
+        faces->setMenu(VelIFonts::sharedVelIFonts()->fontAttributeMenuForFontUseFont(u"Arial", true));
+    }
+};
+
+TEST_F(PlainFontPopups, OpeningRecordsNoTagAndDrawsNothingAnew) {
+    families->selectItemAtIndex(2);
+    families->selectedItem()->setAttributedTitle(nullptr);
+    faces->selectedItem()->setAttributedTitle(nullptr);
+    families->onWillPopupNotification({});
+    faces->onWillPopupNotification({});
+    EXPECT_EQ(families->lastSelectedItemTag(), 0);
+    EXPECT_EQ(drawing(families->selectedItem()), "plain");
+    EXPECT_EQ(drawing(faces->selectedItem()), "plain");
+}
+
+TEST_F(PlainFontPopups, ClosingLeavesTheFacesAsTheyAre) {
+    families->selectItemAtIndex(2);
+    faces->selectItemAtIndex(1);
+    families->dismissPopUp();
+    faces->dismissPopUp();
+    EXPECT_EQ(drawing(families->selectedItem()), "Optima 13");
+    EXPECT_EQ(drawing(faces->selectedItem()), "Arial-Bold 13");
+}
+
+TEST_F(PlainFontPopups, SelectingDrawsTheOldItemInItsFaceAndLeavesTheNewOne) {
+    families->selectedItem()->setAttributedTitle(nullptr);
+    families->selectItemWithTitle(u"Optima");
+    EXPECT_EQ(family(u"Optima"), "Optima 13") << "not in the menu font";
+    faces->selectItemWithTitle(u"Bold");
+    EXPECT_EQ(drawing(faces->selectedItem()), "Arial-Bold 13");
+    families->selectItem(families->itemAtIndex(0));
+    EXPECT_EQ(drawing(families->selectedItem()), "Arial 13");
+    faces->setMenu(VelIFonts::sharedVelIFonts()->fontAttributeMenuForFontUseFont(u"Optima", true));
+    EXPECT_EQ(faces->selectedItem()->title(), u"Bold") << "the face chosen before is kept";
+    EXPECT_EQ(drawing(faces->selectedItem()), "Optima-Bold 13");
+}
+
+TEST_F(FontPopups, BlockAndDelegateGetOneNameWhateverTheBlockDoes) {
+    show(u"Arial");
+    families->setOnFontChanged([this](const Name& name) {
+        log.push_back("block " + textOf(name));
+        faces->selectItemWithTitle(u"Bold");
+    });
+    choose(*faces, u"Italic");
+    EXPECT_EQ(taken(), (Log{"block Arial-Italic", "delegate Arial-Italic"}));
+}
+
+TEST_F(FontPopups, SelectingNoItemByIndexLeavesTheOldOneInTheMenuFont) {
+    families->selectItemWithTitle(u"Optima");
+    families->selectItemAtIndex(-1);
+    EXPECT_EQ(families->selectedItem(), nullptr);
+    EXPECT_EQ(family(u"Optima"), "menu font 13");
+}
+
 } // namespace

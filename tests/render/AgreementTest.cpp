@@ -4,6 +4,7 @@
 #include "Render.h"
 
 #include <Foundation/NSString.h>
+#include <engine/PreviewStamper.h>
 
 #include <gtest/gtest.h>
 
@@ -96,13 +97,16 @@ TEST(Agreement, PicturesAndDocumentsDifferInLessThanTwoPercentOfTheirPixels) {
                            " " + quoted(folder / "page"));
     ASSERT_EQ(shown.status, 0) << shown.output;
 
+    const Folder results;
+    engine::PreviewStamper stamper{results.path()};
     double worst = 0;
     int inked = 0;
     for (int page = 1; page <= kConfigurations; ++page) {
         const auto& with = all[static_cast<std::size_t>(page - 1)];
         with->pages = 0;
-        ASSERT_TRUE(engine::stampFile(job(plain, folder / "stamped.png", {with})));
-        const QImage picture = QImage((folder / "stamped.png").c_str()).convertToFormat(QImage::Format_RGB32);
+        const auto preview = stamper.stamp(plain, with);
+        ASSERT_TRUE(preview) << preview.sentence;
+        const QImage picture = QImage(preview.path.c_str()).convertToFormat(QImage::Format_RGB32);
         const auto number = std::to_string(1000 + page).substr(1);
         const QImage document(((folder / "page").string() + "-" + number + ".ppm").c_str());
         ASSERT_EQ(document.size(), picture.size());
@@ -114,4 +118,47 @@ TEST(Agreement, PicturesAndDocumentsDifferInLessThanTwoPercentOfTheirPixels) {
     EXPECT_GT(inked, kConfigurations * 9 / 10) << "stamps that are not seen show nothing";
     RecordProperty("worst", std::to_string(worst));
     std::cout << "the worst pair differs in " << worst * 100 << " % of its pixels\n";
+}
+
+TEST(Agreement, ThePreviewOfTheSamplePageLooksLikeADocumentOfIt) {
+    const Folder folder;
+    const Folder results;
+    const auto sample = std::filesystem::path(SAMPLE_PAGE);
+    const QImage page(sample.c_str());
+    ASSERT_EQ(page.size(), QSize(1240, 1754));
+    // The page fills a document's at 150 dots an inch, as it says of itself.
+    const auto size = "[0 0 " + std::to_string(1240 * 0.48) + " " + std::to_string(1754 * 0.48) + "]";
+    DocumentBytes bytes;
+    bytes.add("<</Type /Catalog /Pages 2 0 R>>");
+    bytes.add("<</Type /Pages /Kids [3 0 R] /Count 1>>");
+    bytes.add("<</Type /Page /Parent 2 0 R /MediaBox " + size +
+              " /Resources <</XObject <</Page 4 0 R>>>> /Contents 5 0 R>>");
+    bytes.addStream(readFile(sample), "/Type /XObject /Subtype /Image /Width 1240 /Height 1754 /BitsPerComponent 8 "
+                                      "/ColorSpace /DeviceRGB /Filter /DCTDecode");
+    bytes.addStream("q " + std::to_string(1240 * 0.48) + " 0 0 " + std::to_string(1754 * 0.48) + " 0 0 cm /Page Do Q");
+    writeFile(folder / "in.pdf", bytes.bytes());
+
+    engine::PreviewStamper stamper{results.path()};
+    Chance chance(11212026);
+    for (int round = 0; round < 12; ++round) {
+        auto with = anyConfiguration(chance);
+        auto tokens = *with->tokens;
+        tokens.emplace_back(std::u16string(u"%pageNumber%"));
+        tokens.emplace_back(std::u16string(u"%recordPageCount%"));
+        with->setTitle(tokens);
+        if (round % 4 == 3) {
+            const auto combined = std::make_shared<support::PlainConfiguration>();
+            combined->isCombined = true;
+            combined->members = {with, anyConfiguration(chance)};
+            with = combined;
+        }
+        const auto preview = stamper.stamp(sample, with);
+        ASSERT_TRUE(preview) << preview.sentence;
+        ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "out.pdf", {with})));
+        const QImage picture = QImage(preview.path.c_str()).convertToFormat(QImage::Format_RGB32);
+        const QImage document = shownPage(folder / "out.pdf", 1, 150).convertToFormat(QImage::Format_RGB32);
+        ASSERT_EQ(document.size(), picture.size());
+        EXPECT_LT(differingShare(picture, document), 0.02) << "configuration " << round;
+        EXPECT_FALSE(differingArea(picture, page.convertToFormat(QImage::Format_RGB32)).isEmpty());
+    }
 }

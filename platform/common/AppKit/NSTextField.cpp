@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <AppKit/NSTextField.h>
 
+#include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
 
 #include "Peers.h"
@@ -105,6 +106,7 @@ bool NSTextField::userChangedText(const std::u16string& text) {
 }
 
 bool NSTextField::userEndsEditing(Ending ending) {
+    const UserAct act; // what a delegate sets meanwhile is part of it
     const auto self = std::static_pointer_cast<NSTextField>(shared_from_this());
     const bool wasEdited = m_editing;
     if (wasEdited) {

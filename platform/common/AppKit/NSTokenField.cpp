@@ -231,8 +231,7 @@ void NSTokenField::show(const TokenText& content) {
         m_lastAct = act;
         m_content = content;
     }
-    if (shown)
-        shown->retitle();
+    refreshTokenTitles();
 }
 
 void NSTokenField::change(const TokenText& content, NSUInteger caret) {
@@ -253,6 +252,12 @@ void NSTokenField::tellChange() {
     m_telling = delegate() != nullptr;
     NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification, self());
     validateEditing();
+    refreshTokenTitles(); // the change of one token may have given others another name
+}
+
+void NSTokenField::refreshTokenTitles() {
+    if (auto* shown = tokenPeer())
+        shown->retitle();
 }
 
 void NSTokenField::delegateHasHeard() {

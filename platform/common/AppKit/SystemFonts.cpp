@@ -273,7 +273,8 @@ public:
 
 private:
     Listing& listing() {
-        FcInitBringUptoDate(); // in intervals of its own: usually it does nothing
+        // Not brought up to date: a font that was listed keeps its names when it is uninstalled, as catalogs do, and
+        // what its file lacks then shows when it is drawn.
         Config config(FcConfigReference(nullptr));
         if (!m_listing || m_listing->config() != config.get())
             m_listing = std::make_unique<Listing>(std::move(config));

@@ -60,6 +60,9 @@ public:
     /// nil or an empty list clears the field.
     void setObjectValue(const NSArray<RepresentedObject>& objects);
 
+    /// Asks for the display strings of the tokens again: what they stand for may have got another name.
+    void refreshTokenTitles();
+
     /// What the field shows.
     const TokenText& attributedStringValue() const { return m_content; }
     /// Tokens become their objects again, runs of text strings. Posts nothing; while the field has the focus, the

@@ -13,6 +13,14 @@ class Configuration;
 /// platform's face for text without a font. Asked for at the first call only.
 const std::u16string& defaultFontName();
 
+/// How font runs are called: "%@" stands for the number of a run, and then for the name of one whose face is missing.
+struct FontRunNames {
+    std::u16string numbered = u"Font %@";
+    std::u16string missing = u"%@ (missing)";
+};
+/// In English until the program sets its own.
+FontRunNames& fontRunNames();
+
 /// A font run of the stand-alone host, an object of the class "VelIFontType". A configuration makes it; titles hold it.
 ///
 /// A new run is set in the default face at 12 points, without colour (which is drawn black), outline 1 point wide but
