@@ -220,8 +220,15 @@ TEST(PdfDocuments, ACombinedConfigurationStampsItsMembersEachWithItsOwnPlaceAndP
     const auto both = configuration(u"never shown");
     both->isCombined = true;
     both->pages = 4;
+    // What it was told about place and looks is no part of its stamp.
+    both->degrees = 45;
+    both->shift = {100, 100};
+    both->style = 1;
+    both->bordered = both->filled = true;
     both->members = {first, second, both};
     const Stamped result(document(2, kPage, kGreyCorner), {both});
+    const Stamped members(document(2, kPage, kGreyCorner), {first, second});
+    EXPECT_TRUE(differingArea(shownPage(result.out(), 2), shownPage(members.out(), 2)).isEmpty());
     EXPECT_EQ(result.text(1), "every");
     EXPECT_EQ(result.text(2), "every\n\neven");
     both->members.clear(); // which held itself
