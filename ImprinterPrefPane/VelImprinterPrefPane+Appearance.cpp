@@ -120,7 +120,7 @@ void VelImprinterPrefPane::showBorderAndFill() {
 
 void VelImprinterPrefPane::showBorderThickness() {
     const auto points =
-        static_cast<float>(tell(m_currentConfiguration, &host::ImprinterConfiguration::borderThickness));
+        inSinglePrecision(tell(m_currentConfiguration, &host::ImprinterConfiguration::borderThickness));
     tell(m_borderThickness, &NSControl::setFloatValue, points);
     tell(m_borderThicknessStepper, &NSControl::setFloatValue, points);
 }
@@ -139,7 +139,7 @@ void VelImprinterPrefPane::onSelectFont(const std::shared_ptr<NSObject>& sender)
     setCurrentFont(run);
     tell(m_fontPopup, &VelIFontPopupButton::updatePopupForFont, run->font());
     tell(m_fontColour, &NSColorWell::setColor, colourOr(run->colour(), NSColor::blackColor()));
-    const auto size = static_cast<float>(run->fontSize());
+    const auto size = inSinglePrecision(run->fontSize());
     tell(m_fontSizeField, &NSControl::setFloatValue, size);
     tell(m_fontSizeStepper, &NSControl::setFloatValue, size);
     tell(m_fontAttributesSegCtrl, &NSSegmentedControl::setSelectedForSegment, run->underline(), underlineSegment);
@@ -160,7 +160,7 @@ void VelImprinterPrefPane::hideOutlineThickness(bool hide) {
 }
 
 void VelImprinterPrefPane::showOutlineThickness() {
-    const auto points = static_cast<float>(tell(m_currentFont, &host::ImprinterFont::strokeWidth));
+    const auto points = inSinglePrecision(tell(m_currentFont, &host::ImprinterFont::strokeWidth));
     tell(m_outlineTextThickness, &NSControl::setFloatValue, points);
     tell(m_outlineTextThicknessStepper, &NSControl::setFloatValue, points);
 }

@@ -68,7 +68,7 @@ void VelImprinterPrefPane::updatePositionBtnState() {
 void VelImprinterPrefPane::updateLocation() {
     const auto show = [](const std::weak_ptr<NSTextField>& field, const std::weak_ptr<NSStepper>& stepper,
                          double number) {
-        const auto narrowed = static_cast<float>(number);
+        const auto narrowed = inSinglePrecision(number);
         tell(field, &NSControl::setFloatValue, narrowed);
         tell(stepper, &NSControl::setFloatValue, narrowed);
     };

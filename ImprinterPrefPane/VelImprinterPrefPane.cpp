@@ -222,14 +222,14 @@ void VelImprinterPrefPane::translateUI() {
 }
 
 void VelImprinterPrefPane::setCurrentConfiguration(const ConfigurationPointer& configuration) {
+    // Nothing equals a missing configuration, so going from none to none runs every step.
+    if (m_currentConfiguration && m_currentConfiguration == configuration)
+        return;
     switchTo(configuration);
     didChangeValueForKey(u"currentConfiguration");
 }
 
 void VelImprinterPrefPane::switchTo(const ConfigurationPointer& configuration) {
-    // Nothing equals a missing configuration, so going from none to none runs every step.
-    if (m_currentConfiguration && m_currentConfiguration == configuration)
-        return;
     setPreviewURL(std::nullopt);
     m_currentConfiguration = configuration;
     if (configuration) {

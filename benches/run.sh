@@ -17,6 +17,7 @@ IMPRINTER_END_AFTER_PAINT=1 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/
 claim "$bin/bench_list"
 claim "$bin/bench_page_list"
 FONTCONFIG_FILE=$fonts/fonts.conf claim "$bin/bench_fonts"
+claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_title"
 claim xvfb-run -a -s '-screen 0 1280x1024x24' "$bin/bench_preview"
 claim "$bin/bench_stamping" "$bin/imprinter"
 exit $status

@@ -11,23 +11,21 @@ import pathlib
 import subprocess
 
 HERE = pathlib.Path(__file__).parent
-WIDTH, HEIGHT = 84, 48  # 28 × 16 on the screen
-BOX = '9,9 74,38'
+SIDE = 48  # 16 on the screen
+BOX = '4,10 43,37'
 
 STYLES = {
-    0: [],
     1: [f'rectangle {BOX}'],
-    2: [f'roundrectangle {BOX} 12,12'],
-    3: ['ellipse 41.5,23.5 32.5,15.5 0,360'],
-    4: ['rectangle 6,6 77,41', 'rectangle 15,15 68,32'],
-    5: [f'stroke-dasharray 10 7 rectangle {BOX}'],
-    6: ['line 9,38 74,38'],
-    7: ['polyline 9,20 9,9 20,9', 'polyline 63,9 74,9 74,20', 'polyline 74,27 74,38 63,38',
-        'polyline 20,38 9,38 9,27'],
+    2: [f'roundrectangle {BOX} 9,9'],
+    3: ['ellipse 23.5,23.5 20,14 0,360'],
+    4: ['rectangle 2,8 45,39', 'rectangle 10,16 37,31'],
+    5: [f'stroke-dasharray 8 6 rectangle {BOX}'],
+    6: ['line 4,37 43,37'],
+    7: ["path 'M 4,20 L 4,10 L 14,10 M 33,10 L 43,10 L 43,20 M 43,27 L 43,37 L 33,37 M 14,37 L 4,37 L 4,27'"],
 }
 
 for tag, shapes in STYLES.items():
     drawing = ' '.join(shapes)
-    subprocess.run(['convert', '-size', f'{WIDTH}x{HEIGHT}', 'xc:none', '-fill', 'none', '-stroke', 'black',
-                    '-strokewidth', '3.6', *(['-draw', drawing] if drawing else []), '-strip',
+    subprocess.run(['convert', '-size', f'{SIDE}x{SIDE}', 'xc:none', '-fill', 'none', '-stroke', 'black',
+                    '-strokewidth', '3.6', '-draw', drawing, '-strip',
                     '-define', 'png:exclude-chunks=date,time', f'PNG32:{HERE}/Border{tag}.png'], check=True)

@@ -6,7 +6,7 @@
 
 namespace platform::qt {
 
-ButtonGroupKeys::ButtonGroupKeys(QWidget& container) : QObject(&container) {
+ButtonGroupKeys::ButtonGroupKeys(QWidget& container, Arrows arrows) : QObject(&container), m_arrows(arrows) {
     for (auto* button : container.findChildren<QAbstractButton*>()) {
         if (!button->isCheckable())
             continue;
@@ -30,7 +30,7 @@ bool ButtonGroupKeys::eventFilter(QObject* watched, QEvent* event) {
         stopAt(button);
     else if (event->type() == QEvent::FocusOut)
         stopAtTheOneThatIsOn();
-    else if (event->type() == QEvent::KeyPress)
+    else if (event->type() == QEvent::KeyPress && m_arrows == Arrows::move)
         return move(*button, static_cast<QKeyEvent*>(event)->key());
     return false;
 }

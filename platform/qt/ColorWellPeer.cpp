@@ -77,6 +77,13 @@ void ColorWellWidget::changeEvent(QEvent* event) {
         ColorPanel::shared().close(*this);
 }
 
+void ColorWellWidget::hideEvent(QHideEvent* event) {
+    QAbstractButton::hideEvent(event);
+    // What nobody sees is not changed behind somebody's back.
+    if (!event->spontaneous())
+        ColorPanel::shared().close(*this);
+}
+
 void ColorWellWidget::mousePressEvent(QMouseEvent* event) {
     m_pressed = event->pos();
     QAbstractButton::mousePressEvent(event);

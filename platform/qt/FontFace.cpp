@@ -4,10 +4,14 @@
 #include "Text.h"
 
 #include <QCache>
+#include <QGlyphRun>
 #include <QRawFont>
+#include <QTextLayout>
 
 #include <harfbuzz/hb-ot.h>
 #include <harfbuzz/hb.h>
+
+#include <algorithm>
 
 namespace platform::qt {
 
@@ -94,7 +98,7 @@ QByteArray FontFace::table(const char* name) const {
     auto* const blob = hb_face_reference_table(m_face, hb_tag_from_string(name, -1));
     unsigned length = 0;
     const char* const data = hb_blob_get_data(blob, &length);
-    const QByteArray bytes(data, static_cast<qsizetype>(length));
+    QByteArray bytes(data, static_cast<qsizetype>(length));
     hb_blob_destroy(blob);
     return bytes;
 }
@@ -147,12 +151,21 @@ QFont FontFace::toolkitFont() const {
     return font;
 }
 
-bool FontFace::isOpenedByToolkit() const {
+bool FontFace::isSame(const QRawFont& other) const {
+    // The names tell the faces of one file apart, and the head has the check sum of the whole file.
+    return other.isValid() && other.fontTable("name") == table("name") && other.fontTable("head") == table("head");
+}
+
+bool FontFace::isWhatToolkitSets(const QString& text, const QFont& font) const {
     if (m_file.isInstance() || !table("fvar").isEmpty())
         return false;
-    const auto opened = QRawFont::fromFont(toolkitFont());
-    // The names tell the faces of one file apart, and the head has the check sum of the whole file.
-    return opened.isValid() && opened.fontTable("name") == table("name") && opened.fontTable("head") == table("head");
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    layout.createLine();
+    layout.endLayout();
+    const auto runs = layout.glyphRuns();
+    return !runs.isEmpty() &&
+           std::all_of(runs.begin(), runs.end(), [this](const QGlyphRun& run) { return isSame(run.rawFont()); });
 }
 
 } // namespace platform::qt

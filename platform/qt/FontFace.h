@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QString>
 
+class QRawFont;
 struct hb_face_t;
 struct hb_font_t;
 
@@ -31,14 +32,16 @@ public:
     bool isSymbolic() const;
     /// The text on a baseline that starts at the origin, y down. Empty where nothing is to be seen.
     QPainterPath outlines(const QString& text, double pixelSize) const;
-    /// Whether the toolkit, asked by the names in the listing, opens the very same face. Not where the file is a
-    /// variable one: of those the toolkit does not say at which place in their design space it opened them.
-    bool isOpenedByToolkit() const;
+    /// The font the toolkit is asked for by the names in the listing.
     QFont toolkitFont() const;
+    /// Whether all of `text`, set by the toolkit in `font`, is set in this very face. Not where the file is a variable
+    /// one: of those the toolkit does not say at which place of their design space it opened them.
+    bool isWhatToolkitSets(const QString& text, const QFont& font) const;
 
 private:
     FontFace() = default;
     QByteArray table(const char* name) const;
+    bool isSame(const QRawFont& other) const;
 
     FontFile m_file;
     hb_face_t* m_face = nullptr;

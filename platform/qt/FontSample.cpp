@@ -40,7 +40,7 @@ FontSample::FontSample(const NSMenuItem& item, const QFont& control)
     if (path.isEmpty())
         return;
     m_symbolic = face->isSymbolic();
-    if (face->isOpenedByToolkit()) {
+    if (face->isWhatToolkitSets(m_text, drawn)) {
         m_means = Means::toolkit;
         m_font = drawn;
     } else {

@@ -20,9 +20,9 @@ public:
     enum class Means {
         /// The widget's own font.
         control,
-        /// The toolkit, which opened the very face.
+        /// The toolkit, which sets the text in the very face.
         toolkit,
-        /// The outlines in the face's file, because the toolkit opened another face for its names.
+        /// The outlines in the face's file, because the toolkit opens another face for its names.
         outlines,
     };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "MatrixPeer.h"
 
+#include "ButtonGroupKeys.h"
+
 #include <QKeyEvent>
 
 #include <algorithm>
@@ -77,6 +79,7 @@ std::unique_ptr<ViewPeer> makeMatrixPeer(const std::shared_ptr<NSMatrix>& view, 
             chooseAt(weak, next);
         });
     }
+    new ButtonGroupKeys(widget, ButtonGroupKeys::Arrows::leave); // belongs to the widget
     return std::make_unique<ChoicesPeer>(widget, choices);
 }
 

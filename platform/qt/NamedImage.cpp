@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "NamedImage.h"
 
+#include "Text.h"
+
 #include <QApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -33,17 +35,17 @@ QPainterPath gear() {
     return path;
 }
 
-/// Draws the gear at any size and in the palette of the moment.
-class GearEngine final : public QIconEngine {
+/// Draws a shape at any size and in the palette of the moment.
+class TemplateEngine : public QIconEngine {
 public:
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) final {
         const double side = std::min(rect.width(), rect.height());
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+        const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->translate(rect.x() + (rect.width() - side) / 2, rect.y() + (rect.height() - side) / 2);
-        painter->scale(side, side);
-        painter->fillPath(gear(), QApplication::palette().color(group, QPalette::ButtonText));
+        fill(*painter, side, QApplication::palette().color(group, role));
         painter->restore();
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -53,13 +55,53 @@ public:
         paint(&painter, QRect(QPoint(), size), mode, state);
         return drawn;
     }
+
+protected:
+    /// Draws into the square from the origin to (side, side).
+    virtual void fill(QPainter& painter, double side, const QColor& color) = 0;
+};
+
+class GearEngine final : public TemplateEngine {
+public:
     QIconEngine* clone() const override { return new GearEngine; }
+
+protected:
+    void fill(QPainter& painter, double side, const QColor& color) override {
+        painter.scale(side, side);
+        painter.fillPath(gear(), color);
+    }
+};
+
+class FileEngine final : public TemplateEngine {
+public:
+    explicit FileEngine(QImage shape) : m_shape(std::move(shape)) {}
+    QIconEngine* clone() const override { return new FileEngine(m_shape); }
+
+protected:
+    void fill(QPainter& painter, double side, const QColor& color) override {
+        auto tinted = m_shape;
+        QPainter tint(&tinted);
+        tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        tint.fillRect(tinted.rect(), color);
+        tint.end();
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRectF(0, 0, side, side), tinted);
+    }
+
+private:
+    QImage m_shape;
 };
 
 } // namespace
 
 QIcon namedImage(const std::u16string& name) {
-    return name == u"NSActionTemplate" ? QIcon(new GearEngine) : QIcon();
+    if (name == u"NSActionTemplate")
+        return QIcon(new GearEngine);
+    const auto path = toQt(name);
+    if (!path.startsWith(QLatin1Char('/')))
+        return {};
+    QImage shape(path);
+    return shape.isNull() ? QIcon() : QIcon(new FileEngine(shape.convertToFormat(QImage::Format_ARGB32_Premultiplied)));
 }
 
 } // namespace platform::qt

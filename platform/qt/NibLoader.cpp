@@ -47,6 +47,7 @@ const std::set<QString>& knownProperties() {
                                          "maxValue",
                                          "minValue",
                                          "multipleSelection",
+                                         "images",
                                          "outlets",
                                          "pullsDown",
                                          "sendsActionOnEndEditing",
@@ -106,6 +107,14 @@ private:
         return text.isEmpty() ? std::u16string() : m_bundle.localizedStringForKeyValueTable(fromQt(text), u"", u"");
     }
     std::shared_ptr<NSView> viewOf(const QWidget* widget) const override { return m_views.value(widget); }
+    std::u16string fileOf(const QString& name) override {
+        const auto path = m_bundle.bundlePath() / name.toStdString();
+        std::error_code error;
+        if (std::filesystem::is_regular_file(path, error))
+            return fromUtf8(std::filesystem::absolute(path, error).string());
+        report(plain(name) + ": the bundle does not have it");
+        return {};
+    }
     void report(const std::string& problem) override { m_contents.problems.push_back(problem); }
     void report(const QWidget& widget, const std::string& problem) {
         report(plain(widget.objectName()) + ": " + problem);

@@ -186,12 +186,15 @@ void showPopUp(const std::shared_ptr<NSPopUpButton>& view, PopUpWidget& widget, 
             text.report(nameOf(widget) + ": " + cellClass.toStdString() + " cannot be its cell");
     }
     view->setPullsDown(widget.property("pullsDown").toBool());
+    const auto images = widget.property("images").toStringList();
     const auto tags = widget.property("tags").toStringList();
     if (!tags.isEmpty() && tags.size() != widget.count())
         text.report(nameOf(widget) + ": there are not as many tags as items");
     for (int i = 0; i < widget.count(); ++i) {
         const auto item = view->menu()->addItemWithTitleActionKeyEquivalent(text.localized(widget.itemText(i)), {}, {});
         item->setTag(i < tags.size() ? tags[i].toLongLong() : 0);
+        if (i < images.size() && !images[i].isEmpty())
+            item->setImageNamed(text.fileOf(images[i]));
     }
     if (widget.currentIndex() >= 0)
         view->selectItemAtIndex(widget.currentIndex());

@@ -16,6 +16,8 @@ public:
     virtual std::u16string localized(const QString& text) const = 0;
     /// The view made for a widget of the file, or null.
     virtual std::shared_ptr<NSView> viewOf(const QWidget* widget) const = 0;
+    /// The path of a file beside the file being read; reported and empty where there is none of that name.
+    virtual std::u16string fileOf(const QString& name) = 0;
     virtual void report(const std::string& problem) = 0;
 };
 

@@ -24,7 +24,7 @@ void PopUpWidget::showFace(const NSPopUpButton& button) {
     // A button that is as wide as its widest choice has to know them all; else the face is enough.
     if (sizeAdjustPolicy() == AdjustToContents && !button.pullsDown()) {
         for (NSInteger i = 0; i < button.numberOfItems(); ++i)
-            addItem(toQt(button.itemAtIndex(i)->title()));
+            addItem(namedImage(button.itemAtIndex(i)->imageName()), toQt(button.itemAtIndex(i)->title()));
         setCurrentIndex(static_cast<int>(button.indexOfSelectedItem()));
     } else if (face) {
         addItem(namedImage(face->imageName()), toQt(face->title()));

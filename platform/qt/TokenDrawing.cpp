@@ -20,8 +20,8 @@ namespace {
 constexpr double beside = 1;    // between the outline and what stands next to the token
 constexpr double longest = 320; // a longer title is shortened in its middle
 
-double padding(const QFontMetricsF& metrics, bool hasOutline = true) {
-    return hasOutline ? std::ceil(metrics.height() * 0.45) : 0;
+double padding(const QFontMetricsF& metrics) {
+    return std::ceil(metrics.height() * 0.45);
 }
 
 QColor blend(const QColor& under, const QColor& over, double share) {
@@ -34,7 +34,11 @@ QColor blend(const QColor& under, const QColor& over, double share) {
 QSizeF tokenSize(const QString& title, const QFont& font) {
     const QFontMetricsF metrics(font);
     const auto width = std::min(metrics.horizontalAdvance(title), longest);
-    return {std::ceil(width + 2 * (padding(metrics) + beside)), std::ceil(metrics.ascent() + metrics.descent() + 2)};
+    return {std::ceil(width + 2 * (padding(metrics) + beside)), std::ceil(metrics.ascent()) + 1 + belowBaseline(font)};
+}
+
+double belowBaseline(const QFont& font) {
+    return std::ceil(QFontMetricsF(font).descent()) + 1;
 }
 
 void drawToken(QPainter& painter, const QRectF& place, const QString& title, const QFont& font, const QPalette& palette,
@@ -48,8 +52,11 @@ void drawToken(QPainter& painter, const QRectF& place, const QString& title, con
     if (style != NSTokenStyle::plainSquared || selected) {
         const double radius =
             style == NSTokenStyle::squared || style == NSTokenStyle::plainSquared ? 2 : outline.height() / 2;
-        painter.setBrush(selected ? accent : blend(base, accent, 0.16));
-        painter.setPen(selected ? accent : blend(base, accent, 0.5));
+        // The title of a selected token stands out from its fill as well in every palette.
+        const auto letters = palette.color(QPalette::HighlightedText);
+        const QColor away = letters.lightness() > 127 ? Qt::black : Qt::white;
+        painter.setBrush(selected ? blend(accent, away, 0.2) : blend(base, accent, 0.18));
+        painter.setPen(selected ? blend(accent, letters, 0.5) : blend(base, accent, 0.6));
         painter.drawRoundedRect(outline, radius, radius);
     }
     const QFontMetricsF metrics(font);
@@ -57,7 +64,7 @@ void drawToken(QPainter& painter, const QRectF& place, const QString& title, con
     const auto room = outline.width() - 2 * padding(metrics) + 2;
     const auto shown = metrics.elidedText(title, Qt::ElideMiddle, room);
     const QPointF start(outline.center().x() - metrics.horizontalAdvance(shown) / 2,
-                        place.bottom() - metrics.descent() - 1);
+                        place.bottom() - belowBaseline(font));
     painter.drawText(start, shown);
     painter.restore();
 }

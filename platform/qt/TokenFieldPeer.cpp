@@ -56,18 +56,19 @@ public:
         QTextCharFormat format;
         format.setObjectType(tokenObject);
         format.setProperty(tokenKey, ++m_last);
-        format.setVerticalAlignment(QTextCharFormat::AlignBaseline);
         m_tokens[m_last] = {object, titleOf(object)};
         return format;
     }
     const RepresentedObject& objectOf(const QTextFormat& format) const {
         return m_tokens.at(format.intProperty(tokenKey)).object;
     }
-    /// Where none of them can come back.
-    void forgetBut(const std::vector<int>& keys) {
+    /// Lets go of all that are not in the document, where nothing can bring them back.
+    void prune() {
         std::unordered_map<int, Token> left;
-        for (const auto key : keys)
-            left.insert(m_tokens.extract(key));
+        for (auto block = m_edit.document()->begin(); block.isValid(); block = block.next())
+            for (auto it = block.begin(); !it.atEnd(); ++it)
+                if (const auto format = it.fragment().charFormat(); isToken(format))
+                    left.insert(m_tokens.extract(format.intProperty(tokenKey)));
         m_tokens = std::move(left);
     }
     /// Answers whether a title is another one now.
@@ -82,19 +83,27 @@ public:
     }
 
     QSizeF intrinsicSize(QTextDocument*, int, const QTextFormat& format) override {
-        return tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
+        // The document puts the object on the baseline; what is drawn below it has room by the height of lines.
+        const auto size = tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
+        return {size.width(), size.height() - belowBaseline(m_edit.font())};
     }
     void drawObject(QPainter* painter, const QRectF& rect, QTextDocument*, int position,
                     const QTextFormat& format) override {
-        const auto field = m_edit.m_field.lock();
+        const auto whole = rect.adjusted(0, 0, 0, belowBaseline(m_edit.font()));
         const auto cursor = m_edit.textCursor();
-        const bool selected = cursor.selectionStart() <= position && position < cursor.selectionEnd();
-        auto palette = m_edit.palette();
-        if (!m_edit.hasFocus() && selected)
-            palette.setCurrentColorGroup(QPalette::Inactive);
-        const auto& token = m_tokens.at(format.intProperty(tokenKey));
-        drawToken(*painter, rect, token.title, m_edit.font(), palette,
-                  field ? field->styleOf(token.object) : NSTokenStyle::rounded, selected);
+        // The document veils what is selected, so that is drawn again on top.
+        if (cursor.selectionStart() <= position && position < cursor.selectionEnd())
+            m_selected.emplace_back(painter->worldTransform().mapRect(whole), format.intProperty(tokenKey));
+        else
+            draw(*painter, whole, format.intProperty(tokenKey), false);
+    }
+    void drawSelected(QPainter& painter) {
+        const auto cursor = m_edit.textCursor();
+        const bool alone = cursor.selectionEnd() - cursor.selectionStart() == 1;
+        for (const auto& [place, key] : std::exchange(m_selected, {})) {
+            painter.fillRect(place, palette().color(alone ? QPalette::Base : QPalette::Highlight));
+            draw(painter, place, key, true);
+        }
     }
 
 private:
@@ -108,7 +117,21 @@ private:
         return field ? toQt(field->displayStringOf(object)).simplified() : QString();
     }
 
+    QPalette palette() const {
+        auto colours = m_edit.palette();
+        if (!m_edit.hasFocus())
+            colours.setCurrentColorGroup(QPalette::Inactive);
+        return colours;
+    }
+    void draw(QPainter& painter, const QRectF& place, int key, bool selected) const {
+        const auto field = m_edit.m_field.lock();
+        const auto& token = m_tokens.at(key);
+        drawToken(painter, place, token.title, m_edit.font(), palette(),
+                  field ? field->styleOf(token.object) : NSTokenStyle::rounded, selected);
+    }
+
     TokenEdit& m_edit;
+    std::vector<std::pair<QRectF, int>> m_selected; // since the last painting
     std::unordered_map<int, Token> m_tokens;
     int m_last = 0;
 };
@@ -117,6 +140,9 @@ TokenEdit::TokenEdit(QWidget* parent)
     : QTextEdit(parent), m_tokens(new Tokens(*this)), m_button(new QToolButton(this)) {
     setAcceptRichText(false);
     setTabChangesFocus(true);
+    // The strip beside the text, in which the button stands, is part of the field.
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
     m_button->setFocusPolicy(Qt::NoFocus);
     m_button->setArrowType(Qt::DownArrow);
     m_button->setAutoRaise(true);
@@ -133,10 +159,24 @@ TokenEdit::TokenEdit(QWidget* parent)
 
 TokenEdit::~TokenEdit() = default;
 
+void TokenEdit::setLineHeight() {
+    constexpr double between = 3;
+    QTextBlockFormat lines;
+    lines.setLineHeight(tokenSize({}, font()).height() + between, QTextBlockFormat::MinimumHeight);
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    m_ownChange = true;
+    all.mergeBlockFormat(lines);
+    m_ownChange = false;
+    document()->clearUndoRedoStacks();
+    document()->markContentsDirty(0, document()->characterCount());
+    m_revision = document()->revision();
+}
+
 void TokenEdit::setField(const std::shared_ptr<NSTokenField>& field) {
     m_field = field;
     setPlainText({});
-    m_revision = document()->revision();
+    setLineHeight();
     m_button->setVisible(field->hasInsertMenu());
     m_button->setAccessibleName(toQt(field->insertButtonLabel()));
     m_button->setToolTip(toQt(field->insertButtonLabel()));
@@ -180,9 +220,14 @@ void TokenEdit::replaceCharacters(NSRange range, const TokenText& replacement, U
             cursor.insertText(toQt(std::get<std::u16string>(piece.object)), QTextCharFormat());
     cursor.endEditBlock();
     if (undoing == Undoing::forgotten)
-        document()->clearUndoRedoStacks();
+        forgetUndo();
     m_ownChange = false;
     m_revision = document()->revision();
+}
+
+void TokenEdit::forgetUndo() {
+    document()->clearUndoRedoStacks();
+    m_tokens->prune();
 }
 
 NSRange TokenEdit::selectedRange() const {
@@ -352,7 +397,8 @@ std::optional<int> TokenEdit::characterAt(const QPoint& point) const {
         cursor.setPosition(position + 1);
         const auto after = cursorRect(cursor);
         const bool sameLine = std::abs(before.bottom() - after.bottom()) < after.height() / 2;
-        const auto [left, right] = std::minmax(before.left(), after.left());
+        const auto left = std::min(before.left(), after.left()); // text may run either way
+        const auto right = std::max(before.left(), after.left());
         if (sameLine && left <= point.x() && point.x() < right && std::min(before.top(), after.top()) <= point.y() &&
             point.y() <= std::max(before.bottom(), after.bottom()))
             return position;
@@ -464,7 +510,7 @@ QMimeData* TokenEdit::createMimeDataFromSelection() const {
 
 // Menus
 
-void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place) {
+void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, QPoint place, bool endsThere) {
     const auto field = m_field.lock();
     if (!menu || !field)
         return;
@@ -472,6 +518,8 @@ void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place
     std::shared_ptr<NSMenuItem> chosen;
     {
         ShownMenu shown(*menu, *this);
+        if (endsThere)
+            place.rx() -= shown.widget().sizeHint().width() - 1;
         if (!shown.isEmpty())
             chosen = shown.run(place);
     }
@@ -480,10 +528,12 @@ void TokenEdit::runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place
 
 void TokenEdit::openInsertMenu() {
     const QPointer<QToolButton> button(m_button);
-    if (!hasFocus())
+    if (window()->focusWidget() != this)
         setFocus(Qt::OtherFocusReason);
     const auto menu = tell(m_field, &NSTokenField::insertMenu);
-    runMenu(menu, m_button->mapToGlobal(m_button->rect().bottomLeft()));
+    const bool mirrored = layoutDirection() == Qt::RightToLeft;
+    const auto corner = mirrored ? m_button->rect().bottomLeft() : m_button->rect().bottomRight();
+    runMenu(menu, m_button->mapToGlobal(corner), !mirrored);
     if (button)
         button->setDown(false);
 }
@@ -493,7 +543,7 @@ void TokenEdit::contextMenuEvent(QContextMenuEvent* event) {
     if (!byKey && !textCursor().hasSelection())
         setTextCursor(cursorForPosition(event->pos()));
     const auto at = byKey ? viewport()->mapToGlobal(cursorRect().bottomLeft()) : event->globalPos();
-    enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at); });
+    enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at, false); });
     event->accept();
 }
 
@@ -518,7 +568,7 @@ void TokenEdit::resizeEvent(QResizeEvent* event) {
 void TokenEdit::changeEvent(QEvent* event) {
     QTextEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        document()->markContentsDirty(0, document()->characterCount());
+        setLineHeight();
     if (event->type() == QEvent::LayoutDirectionChange)
         placeButton();
 }
@@ -540,9 +590,10 @@ void TokenEdit::showRefusal(Refusal refusal) {
 
 void TokenEdit::paintEvent(QPaintEvent* event) {
     QTextEdit::paintEvent(event);
+    QPainter painter(viewport());
+    m_tokens->drawSelected(painter);
     if (!m_refused)
         return;
-    QPainter painter(viewport());
     painter.setPen(QPen(QColor(0xC0, 0x1C, 0x28), markWidth));
     painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
 }
@@ -574,7 +625,7 @@ public:
     bool isFirstResponder() override { return edit() && edit()->window()->focusWidget() == edit(); }
     void forgetUndo() override {
         if (auto* shown = edit())
-            shown->document()->clearUndoRedoStacks();
+            shown->forgetUndo();
     }
     bool canUndo(bool again) override {
         const auto* document = edit() ? edit()->document() : nullptr;

@@ -28,6 +28,7 @@ public:
     NSRange selectedRange() const;
     void setSelectedRange(NSRange range);
     void undoOrRedo(bool again);
+    void forgetUndo();
     /// Measures the tokens anew where their titles have changed, once the event is over.
     void retitle();
 
@@ -59,6 +60,8 @@ private:
     class Step;
     class Tokens;
 
+    /// Gives every line the height of a token.
+    void setLineHeight();
     void tellChange();
     void typeLineBreak();
     /// The position of the character whose place the point is in; none beside the text.
@@ -66,7 +69,8 @@ private:
     bool isTokenAt(int position) const;
     void startDrag();
     void openInsertMenu();
-    void runMenu(const std::shared_ptr<NSMenu>& menu, const QPoint& place);
+    /// Its left upper corner stands at `place`, or its right one.
+    void runMenu(const std::shared_ptr<NSMenu>& menu, QPoint place, bool endsThere);
     void placeButton();
 
     std::weak_ptr<NSTokenField> m_field;

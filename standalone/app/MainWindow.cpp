@@ -3,18 +3,20 @@
 
 #include "HostBundle.h"
 #include "SettingsDialog.h"
+#include "StampRun.h"
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <PlatformQt/Bridge.h>
-#include <engine/Stamper.h>
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPointer>
 #include <QStatusBar>
 #include <QTimer>
@@ -37,11 +39,21 @@ QString suggestedOutput(const QString& input) {
     return fromPath(path.parent_path() / (path.stem().string() + " stamped" + path.extension().string()));
 }
 
+/// The files on this machine that a drag carries.
+QStringList filesOf(const QMimeData& mime) {
+    QStringList files;
+    for (const auto& url : mime.urls())
+        if (url.isLocalFile())
+            files.append(url.toLocalFile());
+    return files;
+}
+
 } // namespace
 
 MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_session(session), m_pane(std::move(pane)) {
     setWindowTitle(QStringLiteral("Imprinter"));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
+    setAcceptDrops(true);
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
     showPane();
@@ -182,22 +194,59 @@ void MainWindow::stampDocument() {
         QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
         return;
     }
-    const auto input = QFileDialog::getOpenFileName(this, text(u"Stamp Document"), {},
-                                                    text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg)"));
-    if (input.isEmpty())
+    const auto inputs = QFileDialog::getOpenFileNames(
+        this, text(u"Stamp Document"), {}, text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)"));
+    if (inputs.size() != 1) {
+        stampFiles(inputs);
         return;
-    const auto output = QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(input));
-    if (output.isEmpty())
+    }
+    const auto output =
+        QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(inputs.front()));
+    if (!output.isEmpty())
+        statusBar()->showMessage(tellSummary(this, app::stampDocument(this, inputs.front().toStdString(),
+                                                                      output.toStdString(), configuration)),
+                                 10000);
+}
+
+void MainWindow::stampFiles(const QStringList& files) {
+    if (files.isEmpty())
         return;
-    engine::StampJob job;
-    job.input = input.toStdString();
-    job.output = output.toStdString();
-    job.configurations = {configuration};
-    const auto outcome = engine::stampFile(job);
-    if (outcome)
-        statusBar()->showMessage(text(u"Stamped:") + u' ' + output, 10000);
-    else
-        warn(fromPath(outcome.path) + u'\n' + QString::fromStdString(outcome.sentence));
+    tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
+    const auto configuration = m_pane->currentConfiguration();
+    if (!isListed(configuration)) {
+        QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
+        return;
+    }
+    std::vector<std::filesystem::path> inputs;
+    for (const auto& file : files)
+        inputs.emplace_back(file.toStdString());
+    const auto code = configuration->duplicateRecord();
+    const bool duplicates = code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
+                                ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
+                                : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
+    if (!duplicates &&
+        QMessageBox::question(this, windowTitle(),
+                              toQt(stringWithFormat(fromUtf8(text(u"Stamp the original files? %@ files are replaced by "
+                                                                  u"their stamped versions.")
+                                                                 .toStdString()),
+                                                    {fromUtf8(std::to_string(inputs.size()))}))) != QMessageBox::Yes)
+        return;
+    statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!filesOf(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const auto files = filesOf(*event->mimeData());
+    if (files.isEmpty())
+        return;
+    event->setDropAction(Qt::CopyAction); // whoever gave the files keeps them
+    event->accept();
+    // The one who drags waits for the answer.
+    QTimer::singleShot(0, this, [this, files] { runGuarded([&] { stampFiles(files); }); });
 }
 
 void MainWindow::editSettings() {

@@ -27,6 +27,9 @@ public:
 protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    /// Documents dropped anywhere in the window are stamped with the configuration on show.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void makeMenus();
@@ -37,6 +40,8 @@ private:
     /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
     void showSomething();
     void stampDocument();
+    /// Beside them or in place, as the configuration says.
+    void stampFiles(const QStringList& files);
     void editSettings();
     void showPane();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.

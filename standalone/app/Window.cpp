@@ -7,12 +7,14 @@
 #include "Signals.h"
 
 #include <Foundation/NSString.h>
+#include <Foundation/NSUserDefaults.h>
 
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QTranslator>
 
 #include <iostream>
+#include <map>
 
 namespace app {
 
@@ -46,6 +48,20 @@ void prepare(QApplication& application) {
         QApplication::installTranslator(translator);
 }
 
+/// Settings as they are at first, which nobody keeps.
+class PassingDefaults final : public platform::NSUserDefaults {
+public:
+    std::optional<std::u16string> stringForKey(const std::u16string& key) const override {
+        const auto found = m_values.find(key);
+        return found == m_values.end() ? std::nullopt : std::optional(found->second);
+    }
+    void setObjectForKey(const std::u16string& value, const std::u16string& key) override { m_values[key] = value; }
+    void removeObjectForKey(const std::u16string& key) override { m_values.erase(key); }
+
+private:
+    std::map<std::u16string, std::u16string> m_values;
+};
+
 } // namespace
 
 int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
@@ -73,6 +89,7 @@ int drawPictures(int& argc, char** argv, const std::filesystem::path& store, con
     qInstallMessageHandler(dropOffscreenNoise);
     QApplication application(argc, argv);
     prepare(application);
+    platform::NSUserDefaults::setStandardUserDefaults(std::make_shared<PassingDefaults>());
     Session session(store);
     for (const auto& message : session.messages())
         std::cerr << "imprinter: " << platform::toUtf8(message.sentence) << '\n';

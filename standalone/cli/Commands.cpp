@@ -227,8 +227,13 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
             const auto members = *configuration->configurations();
             for (const auto& member : members)
                 configuration->deleteConfiguration(member);
-            for (const auto& member : members)
-                configuration->addConfiguration(here.at(member->uniqueID()));
+            for (const auto& former : members) {
+                const auto member = here.at(former->uniqueID());
+                if (member->combinedConfiguration())
+                    return complain(badInput, file + ": \"" + toUtf8(configuration->name()) + "\" would contain \"" +
+                                                  toUtf8(member->name()) + "\", which is combined itself");
+                configuration->addConfiguration(member);
+            }
         }
     }
     model::ImprinterModel model;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <map>
 #include <random>
 
@@ -131,13 +130,11 @@ void Configuration::setPosition(host::NSInteger anchor) {
 }
 
 void Configuration::setOffset(host::NSPoint offset) {
-    if (std::isfinite(offset.x) && std::isfinite(offset.y))
-        set(m_values.offset, offset);
+    set(m_values.offset, offset);
 }
 
 void Configuration::setRotation(double degrees) {
-    if (std::isfinite(degrees))
-        set(m_values.rotation, degrees);
+    set(m_values.rotation, degrees);
 }
 
 void Configuration::setOccurance(host::NSInteger code) {
@@ -157,8 +154,7 @@ void Configuration::setBorderStyle(host::NSInteger style) {
 }
 
 void Configuration::setBorderThickness(double points) {
-    if (std::isfinite(points))
-        set(m_values.borderThickness, points);
+    set(m_values.borderThickness, points);
 }
 
 void Configuration::setBorderColour(const std::shared_ptr<const host::NSColor>& colour) {
@@ -174,8 +170,7 @@ void Configuration::setFillColour(const std::shared_ptr<const host::NSColor>& co
 }
 
 void Configuration::setFillOpacity(double opacity) {
-    if (std::isfinite(opacity))
-        set(m_values.fillOpacity, opacity);
+    set(m_values.fillOpacity, opacity);
 }
 
 void Configuration::changed() {

@@ -6,8 +6,6 @@
 #include <Foundation/NSString.h>
 #include <model/Configuration.h>
 
-#include <cmath>
-
 namespace model {
 
 const std::u16string& defaultFontName() {
@@ -39,7 +37,7 @@ std::u16string FontRun::fullFontName() const {
 }
 
 void FontRun::setFullFontName(const std::u16string& name) {
-    // Whoever chose a face that has no name, or no number for a size, chose none.
+    // Whoever chose a face that has no name chose none.
     if (name.empty())
         return;
     m_font = nullptr;
@@ -63,15 +61,12 @@ void FontRun::setColour(const std::shared_ptr<const host::NSColor>& colour) {
 }
 
 void FontRun::setFontSize(double points) {
-    if (!std::isfinite(points))
-        return;
     m_font = nullptr;
     set(m_fontSize, points);
 }
 
 void FontRun::setStrokeWidth(double points) {
-    if (std::isfinite(points))
-        set(m_strokeWidth, points);
+    set(m_strokeWidth, points);
 }
 
 void FontRun::setOutline(bool outline) {

@@ -9,6 +9,17 @@ chmod 700 "$home"
 export HOME=$home XDG_DATA_HOME=$home/data XDG_CONFIG_HOME=$home/config XDG_RUNTIME_DIR=$home
 export LC_ALL=C.UTF-8 QT_QPA_PLATFORM=xcb QT_STYLE_OVERRIDE=Fusion
 unset WAYLAND_DISPLAY
+# The places that the stories click at hold for one font, whatever else is installed.
+export FONTCONFIG_FILE=$home/fonts.conf
+cat >"$FONTCONFIG_FILE" <<'END'
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
+<fontconfig>
+    <include>/etc/fonts/fonts.conf</include>
+    <alias binding="strong"><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
+    <alias binding="strong"><family>Sans Serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
+</fontconfig>
+END
 store=$XDG_DATA_HOME/imprinter/configurations.json
 settings=$XDG_CONFIG_HOME/imprinter/imprinter.ini
 program_pid=

@@ -15,7 +15,9 @@
 #include <Foundation/NSException.h>
 
 #include <QColorDialog>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QToolButton>
 
 using namespace platform;
@@ -541,6 +543,106 @@ TEST_F(FillControls, WithoutAConfigurationNothingIsWritten) {
     EXPECT_EQ(changes(), MessageLog());
     EXPECT_EQ(std::get<double>(valueForKey(*pane, u"borderThicknessValue")), 0);
     EXPECT_EQ(std::get<double>(valueForKey(*pane, u"fillOpacityValue")), 1);
+}
+
+TEST_F(FillControls, TickingTheBoxWithoutAStyleSetsTheFlagAndEnablesTheWell) {
+    a->values.borderStyle = 0;
+    a->values.fillEnabled = true;
+    begin();
+    EXPECT_EQ(stateOf(u"fillEnableBtn"), NSControlStateValueOff);
+    click(u"fillEnableBtn");
+    EXPECT_EQ(changes(), (MessageLog{"a setFillEnabled YES", stamped}));
+    EXPECT_TRUE(isEnabled(u"fillColourWell"));
+    const auto box = outlet<NSButton>(u"fillEnableBtn");
+    box->setState(-1);
+    pane->onFillChanged(box);
+    EXPECT_EQ(changes(), (MessageLog{"a setFillEnabled NO", stamped})) << "neither on nor off";
+}
+
+TEST_F(FillControls, EachConfigurationShowsItsOwnOpacity) {
+    a->values.fillOpacity = 0.4;
+    b->values.fillOpacity = 0.7;
+    begin();
+    EXPECT_EQ(textOf(u"fillOpacityField"), "40%");
+    pane->setCurrentConfiguration(b);
+    EXPECT_EQ(textOf(u"fillOpacityField"), "70%");
+    pane->setCurrentConfiguration(a);
+    EXPECT_EQ(textOf(u"fillOpacityField"), "40%");
+}
+
+TEST_F(FillControls, WithoutAConfigurationTheKeysWriteNothingAndStampNothing) {
+    begin();
+    pane->setCurrentConfiguration(nullptr);
+    taken();
+    setValueForKey(*pane, 3.0, u"borderThicknessValue");
+    const auto& setter = *pane->classTable()->action(u"setfillOpacityValue:");
+    const auto stepper = outlet<NSStepper>(u"borderThicknessStepper");
+    stepper->setDoubleValue(0.3);
+    setter(*pane, stepper);
+    EXPECT_EQ(changes(), MessageLog());
+}
+
+TEST_F(FontRunControls, ChoosingARunShowsItsFaceInTheTwoFontButtons) {
+    first->values.font = NSFont::fontWithNameSize(u"DejaVuSans", 12);
+    second->values.font = NSFont::fontWithNameSize(u"DejaVuSans-Bold", 12);
+    ASSERT_TRUE(second->values.font);
+    begin();
+    EXPECT_EQ(fonts()->currentSelectedFullFontName(), u"DejaVuSans");
+    changes();
+    chooseRun("second");
+    EXPECT_EQ(fonts()->currentSelectedFullFontName(), u"DejaVuSans-Bold");
+    EXPECT_EQ(changes(), MessageLog{stamped}) << "showing reports nothing";
+}
+
+TEST_F(BorderControls, EveryEndOfTheEditStoresTheThicknessInSinglePrecision) {
+    a->values.borderEnabled = true;
+    begin();
+    auto& edit = dynamic_cast<QLineEdit&>(widget(u"borderThickness"));
+    for (const bool tab : {true, false}) {
+        edit.setFocus();
+        edit.selectAll();
+        QTest::keyClicks(&edit, tab ? "2.7" : "3.3");
+        if (tab)
+            QTest::keyClick(&edit, Qt::Key_Tab);
+        else
+            widget(u"borderStylePopup").setFocus();
+        EXPECT_EQ(a->values.borderThickness, static_cast<double>(tab ? 2.7F : 3.3F));
+    }
+}
+
+TEST_F(BorderControls, EachStyleHasAPictureOfItsOwn) {
+    begin();
+    const auto styles = outlet<NSPopUpButton>(u"borderStylePopup");
+    std::vector<QImage> pictures;
+    EXPECT_TRUE(withMenu([this] { QTest::mouseClick(&widget(u"borderStylePopup"), Qt::LeftButton); },
+                         [&](QMenu& menu) {
+                             const auto lines = menu.actions();
+                             for (int i = 0; i < lines.size(); ++i) {
+                                 const bool none = styles->itemAtIndex(i)->tag() == 0;
+                                 EXPECT_EQ(lines[i]->icon().isNull(), none) << i;
+                                 if (!none)
+                                     pictures.push_back(lines[i]->icon().pixmap(48, 48).toImage());
+                             }
+                             QTest::keyClick(&menu, Qt::Key_Escape);
+                         }));
+    EXPECT_FALSE(dynamic_cast<QComboBox&>(widget(u"borderStylePopup")).itemIcon(0).isNull()) << "on the button too";
+    ASSERT_EQ(pictures.size(), 7U);
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            EXPECT_NE(pictures[i], pictures[j]) << i << ' ' << j;
+}
+
+TEST_F(FontRunControls, ThePanelOfColoursGoesWithThePage) {
+    begin();
+    QTest::mouseClick(&widget(u"fontColour"), Qt::LeftButton);
+    const QPointer<QColorDialog> panel = window->findChild<QColorDialog*>();
+    ASSERT_TRUE(panel && panel->isVisible());
+    outlet<NSTabView>(u"tabView")->selectTabViewItemWithIdentifier(u"Location");
+    EXPECT_TRUE(!panel || !panel->isVisible());
+    changes();
+    if (panel)
+        panel->setCurrentColor(Qt::red);
+    EXPECT_EQ(changes(), MessageLog());
 }
 
 } // namespace

@@ -124,7 +124,10 @@ TEST_F(CombinedEditor, AnIndexBeyondTheShrunkenListEndsTheRemovalAtThatPoint) {
 TEST_F(CombinedEditor, TheProgramGoesOnAfterAnIndexBeyondTheShrunkenList) {
     open();
     members_->userSelects(NSIndexSet{1, 2}, 2);
+    testing::internal::CaptureStderr();
     click("removeBtn");
+    const auto said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("index 2 beyond 2"), std::string::npos) << said;
     EXPECT_EQ(members(), (Names{"A", "C"}));
     EXPECT_EQ(mainPage(), u"Imprint Combined");
 }
@@ -165,6 +168,36 @@ TEST_F(CombinedEditor, TheEditedConfigurationIsDimmedAmongTheCandidates) {
     EXPECT_FALSE(table->viewAtColumnRow(0, 1)->textField()->isEnabled());
     EXPECT_FALSE(table->viewAtColumnRow(0, 2)->textField()->isEnabled());
     EXPECT_TRUE(table->userSelects(NSIndexSet(2), 2)) << "its row stays selectable";
+}
+
+TEST_F(CombinedEditor, AddingAndRemovingStampNothingAndSaveNothing) {
+    open();
+    int stamped = 0;
+    int saved = 0;
+    model->setStamper([&](const auto&, const auto&, auto) {
+        ++stamped;
+        return std::nullopt;
+    });
+    model->setSaver([&](const auto&) { ++saved; });
+    candidates->userSelects(NSIndexSet(0), 0);
+    click("addBtn");
+    members_->userSelects(NSIndexSet(0), 0);
+    click("removeBtn");
+    EXPECT_EQ(stamped, 0);
+    EXPECT_EQ(saved, 0);
+}
+
+TEST_F(CombinedEditor, MakesItsCellsByTheirIdentifiers) {
+    open();
+    EXPECT_EQ(candidates->viewAtColumnRow(0, 0)->identifier(), u"AllConfigCell");
+    EXPECT_EQ(members_->viewAtColumnRow(0, 0)->identifier(), u"ConfigCell");
+}
+
+TEST_F(CombinedEditor, WithoutAnImprinterHasNoCandidates) {
+    open();
+    editor->setImprinter(nullptr);
+    editor->updateConfiguation();
+    EXPECT_EQ(candidates->numberOfRows(), 0);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "SettingsDialog.h"
 
 #include <AppKit/NSAlert.h>
+#include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSString.h>
@@ -15,13 +16,15 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
 #include <fstream>
-#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -264,7 +267,6 @@ TEST_F(HostLife, AnAbsurdRotationDoesNotKeepTheRestFromBeingStored) {
     open(folder / "configurations.json");
     const auto edited = current();
     edited->setRotation(1e300);
-    edited->setRotation(std::numeric_limits<double>::infinity());
     edited->setName(u"Stored all the same");
     window->pane().refresh(session->model());
     window->close();
@@ -311,6 +313,109 @@ TEST_F(HostLife, AStampLeftToDoWhenTheProgramEndsIsHarmless) {
     combined->addConfiguration(model.configurations()->front());
     session.reset();
     QApplication::processEvents();
+}
+
+TEST_F(HostLife, TheNextPressOnPreviewShowsTheNewMembers) {
+    open(folder / "configurations.json");
+    session->allowPreviews();
+    auto& model = session->model();
+    const auto ordinary = model.configurations()->front();
+    const auto combined = model.createConfiguration(true);
+    window->pane().show(combined, model);
+    auto& pane = window->pane().pane();
+    const auto pressPreview = [&] {
+        NSPopover::setAnimationDuration(0);
+        const auto& pressed = *pane.classTable()->action(u"onPreview:");
+        pressed(pane, pane.classTable()->outlet(u"previewBtn")->object(pane));
+        QApplication::processEvents();
+        auto* popover = QApplication::activePopupWidget();
+        EXPECT_TRUE(popover);
+        const auto shown = popover ? popover->grab().toImage() : QImage();
+        if (popover)
+            QTest::keyClick(popover, Qt::Key_Escape);
+        QApplication::processEvents();
+        return shown;
+    };
+    const auto bare = pressPreview();
+    const auto url = model.imprintFileAtURLWithIndex(
+        NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg"), combined, 0);
+    ASSERT_TRUE(url);
+    EXPECT_EQ(pressPreview(), bare) << "nothing has changed";
+    combined->addConfiguration(ordinary);
+    QApplication::processEvents();
+    EXPECT_NE(pressPreview(), bare);
+    NSPopover::setAnimationDuration(0.15);
+}
+
+TEST_F(HostLife, AnIdentifierThatIsGoneShowsTheFullListAndTheEmptyPage) {
+    defaults->setObjectForKey(u"gone", u"ImprinterPrefLastSelected");
+    open(folder / "configurations.json");
+    window->afterFirstPaint();
+    EXPECT_EQ(page(), u"No Imprint");
+    EXPECT_EQ(window->pane().table()->selectedRow(), -1);
+    EXPECT_EQ(window->pane().table()->numberOfRows(), 3);
+}
+
+TEST_F(HostLife, ADroppedFileIsStampedBesideItAndLeftAsItIs) {
+    const auto picture = folder / "letter.png";
+    QImage(300, 200, QImage::Format_RGB32).save(picture.c_str());
+    const auto before = contents(picture);
+    open(folder / "configurations.json");
+    QMimeData mime;
+    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString(picture.string()))});
+    QDragEnterEvent enters({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QApplication::sendEvent(window.get(), &enters);
+    EXPECT_TRUE(enters.isAccepted());
+    QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QApplication::sendEvent(window.get(), &drops);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fs::exists(folder / "letter-stamped.png"); }));
+    EXPECT_EQ(contents(picture), before);
+}
+
+TEST_F(HostLife, FilesThatCannotBeStampedAreNamedInTheSummary) {
+    std::ofstream(folder / "no.pdf") << "no document";
+    const auto picture = folder / "letter.png";
+    QImage(300, 200, QImage::Format_RGB32).save(picture.c_str());
+    open(folder / "configurations.json");
+    QMimeData mime;
+    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((folder / "no.pdf").string())),
+                  QUrl::fromLocalFile(QString::fromStdString(picture.string()))});
+    answerMessages();
+    QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QApplication::sendEvent(window.get(), &drops);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !messages.empty(); }));
+    EXPECT_EQ(messages.front(), "1 of 2 documents could not be stamped.");
+    EXPECT_TRUE(fs::exists(folder / "letter-stamped.png"));
+    EXPECT_FALSE(fs::exists(folder / "no-stamped.pdf"));
+}
+
+TEST_F(HostLife, OriginalsAreReplacedOnlyAfterAsking) {
+    const auto picture = folder / "letter.png";
+    QImage white(300, 200, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    white.save(picture.c_str());
+    const auto before = contents(picture);
+    open(folder / "configurations.json");
+    current()->setDuplicateRecord(2);
+    QMimeData mime;
+    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString(picture.string()))});
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        bool asked = false;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                asked = true;
+                box->button(answer)->click();
+            }
+        });
+        poll.start(1);
+        QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(window.get(), &drops);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return asked; }));
+        poll.stop();
+        QApplication::processEvents();
+        EXPECT_EQ(contents(picture) == before, answer == QMessageBox::No);
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <VelCombinedViewController.h>
 
 #include <AppKit/NSCell.h>
+#include <AppKit/NSPopUpButton.h>
 #include <AppKit/NSTokenField.h>
 
 #include <QLineEdit>
@@ -204,13 +205,13 @@ TEST_F(PaneStart, PreparesTheTableForDropsAndGivesItAHeader) {
 
 // Switching
 
-TEST_F(PaneSwitching, ToTheConfigurationAlreadyShownDoesNothingButShowTheFillOpacityAgain) {
+TEST_F(PaneSwitching, ToTheConfigurationAlreadyShownDoesNothing) {
     const auto a = configuration(u"a");
     imprinter->setList({a});
     start();
     taken();
     pane->setCurrentConfiguration(a);
-    EXPECT_EQ(taken(), (MessageLog{"a fillOpacity", "a fillOpacity"}));
+    EXPECT_EQ(taken(), MessageLog());
 }
 
 TEST_F(PaneSwitching, FromNoneToNoneRunsEveryStep) {
@@ -701,6 +702,21 @@ TEST_F(PaneLeaving, TheObserverHoldsThePaneUntilItIsLeft) {
     EXPECT_TRUE(watched.expired());
 }
 
+TEST_F(PaneLeaving, SavesBeforeItStopsListening) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    imprinter->onSave = [this] {
+        taken();
+        NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification,
+                                                                         outlet<NSTokenField>(u"titleTokenField"));
+        const auto messages = taken();
+        EXPECT_EQ(std::count(messages.begin(), messages.end(), "imprinter imprintFileAtURLWithIndex Preview.jpg a 0"),
+                  1);
+    };
+    pane->willUnselect();
+    imprinter->onSave = {};
+}
+
 TEST_F(PaneLeaving, SavesWhenThePaneIsHidden) {
     imprinter->setList({configuration(u"a")});
     start();
@@ -721,6 +737,111 @@ TEST_F(PaneLeaving, PassesOnBeingShownButNotBeingLeft) {
     EXPECT_TRUE(pane->isSelected());
     pane->didUnselect();
     EXPECT_FALSE(pane->isSelected());
+}
+
+TEST_F(PaneLeaving, TheMenuOfFontRunsIsMadeAnewBeforeItOpensWhileThePaneIsShown) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    const auto runs = outlet<NSPopUpButton>(u"fontTokensPopup");
+    auto& center = NSNotificationCenter::defaultCenter();
+    const auto menuAfterOpening = [&] {
+        center.postNotificationNameObject(NSPopUpButtonWillPopUpNotification, runs);
+        return runs->menu();
+    };
+    const auto before = runs->menu();
+    const auto anew = menuAfterOpening();
+    EXPECT_NE(anew, before);
+    center.postNotificationNameObject(NSPopUpButtonWillPopUpNotification, outlet<NSPopUpButton>(u"borderStylePopup"));
+    EXPECT_EQ(runs->menu(), anew) << "another button's menu";
+    pane->willUnselect();
+    EXPECT_EQ(menuAfterOpening(), anew) << "nobody listens any more";
+    pane->didSelect();
+    EXPECT_NE(menuAfterOpening(), anew);
+    pane->willUnselect();
+}
+
+TEST_F(PaneLeaving, TheSecondTimeTheSameObserverIsRemovedAgain) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    pane->willUnselect();
+    EXPECT_NO_THROW(pane->willUnselect());
+    taken();
+    NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification,
+                                                                     outlet<NSTokenField>(u"titleTokenField"));
+    const auto messages = taken();
+    EXPECT_EQ(std::count(messages.begin(), messages.end(), "imprinter imprintFileAtURLWithIndex Preview.jpg a 0"), 0);
+}
+
+// Tab stops
+
+class PaneTabs : public PaneTest {
+protected:
+    /// The names of the controls that the tab key visits, from the list on, until it is back there.
+    std::vector<std::string> stops() {
+        tableWidget(*window).setFocus();
+        std::vector<std::string> names;
+        for (int stop = 0; stop < 60; ++stop) {
+            const auto* focused = window->focusWidget();
+            const auto name = !focused                                ? "nothing"
+                              : qobject_cast<const QTabBar*>(focused) ? "the tabs"
+                                                                      : focused->objectName().toStdString();
+            if (!names.empty() && name == names.front())
+                return names;
+            names.push_back(name);
+            QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
+        }
+        return names;
+    }
+};
+
+TEST_F(PaneTabs, GoThroughTheLocationInReadingOrder) {
+    imprinter->setList({configuration(u"a")});
+    start();
+    EXPECT_EQ(stops(), (std::vector<std::string>{"tableView", "actionPopupMenu", "deleteConfigurationBtn", "the tabs",
+                                                 "topLeftBtn", "xOffset", "yOffset", "rotation", "occuranceEveryPage",
+                                                 "duplicateRecBtn", "previewBtn"}));
+}
+
+TEST_F(PaneTabs, GoThroughTheAppearanceInReadingOrder) {
+    const auto a = configuration(u"a");
+    a->values.borderEnabled = a->values.fillEnabled = true;
+    imprinter->setList({a});
+    start();
+    outlet<NSTabView>(u"tabView")->selectTabViewItemWithIdentifier(u"Appearance");
+    pane->enableAppearenceControls(true);
+    EXPECT_EQ(stops(), (std::vector<std::string>{"tableView",
+                                                 "actionPopupMenu",
+                                                 "deleteConfigurationBtn",
+                                                 "the tabs",
+                                                 "titleTokenField",
+                                                 "fontTokensPopup",
+                                                 "fontPopup",
+                                                 "fontAttributePopup",
+                                                 "fontSizeField",
+                                                 "fontColour",
+                                                 "underlineSegment",
+                                                 "strikethroughSegment",
+                                                 "outlineSegment",
+                                                 "outlineTextThickness",
+                                                 "borderEnableBtn",
+                                                 "borderStylePopup",
+                                                 "borderThickness",
+                                                 "borderColourWell",
+                                                 "fillEnableBtn",
+                                                 "fillColourWell",
+                                                 "fillOpacityField",
+                                                 "duplicateRecBtn",
+                                                 "previewBtn"}));
+}
+
+TEST_F(PaneTabs, GoThroughTheCombinedPageInReadingOrder) {
+    const auto combined = configuration(u"c", true);
+    imprinter->setList({combined, configuration(u"a")});
+    start();
+    outlet<NSControl>(u"previewBtn")->setEnabled(true);
+    EXPECT_EQ(stops(),
+              (std::vector<std::string>{"tableView", "actionPopupMenu", "deleteConfigurationBtn", "allConfigsTableView",
+                                        "combinedTableView", "duplicateRecBtn", "previewBtn"}));
 }
 
 } // namespace

@@ -50,6 +50,16 @@ protected:
 };
 
 class TitleTokensByKey : public TitleTyping {};
+class TitleTokensByPointer : public TitleTyping {
+protected:
+    QPoint middleOf(int position) const {
+        QTextCursor edge(editor->document());
+        edge.setPosition(position);
+        const auto before = editor->cursorRect(edge);
+        edge.setPosition(position + 1);
+        return (before.center() + editor->cursorRect(edge).center()) / 2;
+    }
+};
 class TitlePasting : public TitleTyping {};
 class TitleDragging : public TitleTyping {};
 class TitleUndo : public TitleTyping {};
@@ -477,6 +487,33 @@ TEST_F(TitleDragging, WhatIsNoTextIsNotTaken) {
     carried.setDataForType(std::make_shared<const std::vector<std::uint8_t>>(3), u"application/x-other");
     DragUser user(*editor->viewport(), carried);
     EXPECT_FALSE(user.enters(QPoint(5, 5)));
+}
+
+// Pointer
+
+TEST_F(TitleTokensByPointer, AClickSelectsATokenAndAClickOnTextPutsTheCaretThere) {
+    startWith({F1, u"ab", page, u"cd"});
+    focusAt(5);
+    for (const int position : {0, 3}) {
+        QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, middleOf(position));
+        EXPECT_EQ(field->currentEditor()->selectedRange(), (NSRange{static_cast<NSUInteger>(position), 1}));
+    }
+    QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, middleOf(1));
+    EXPECT_EQ(selectionLength(), 0);
+}
+
+TEST_F(TitleTokensByPointer, AClickInASelectionEndsIt) {
+    startWith({u"abcd"});
+    select(0, 4);
+    QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, middleOf(1));
+    EXPECT_EQ(selectionLength(), 0);
+}
+
+TEST_F(TitleTokensByPointer, WithShiftTheSelectionGrowsOverTokens) {
+    startWith({u"ab", page, u"cd"});
+    focusAt(1);
+    QTest::mouseClick(editor->viewport(), Qt::LeftButton, Qt::ShiftModifier, middleOf(2) + QPoint(8, 0));
+    EXPECT_EQ(field->currentEditor()->selectedRange(), (NSRange{1, 2}));
 }
 
 // Undo

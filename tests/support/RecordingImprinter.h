@@ -198,7 +198,12 @@ public:
         list.erase(list.begin() + static_cast<host::NSInteger>(index < row ? index : index + 1));
         m_list = std::make_shared<List>(std::move(list));
     }
-    void saveConfigurations() override { note("saveConfigurations"); }
+    void saveConfigurations() override {
+        note("saveConfigurations");
+        if (onSave)
+            onSave();
+    }
+    std::function<void()> onSave;
     host::ConfigurationArray nonCombinedConfigurations() const override {
         return note("nonCombinedConfigurations"), m_list;
     }

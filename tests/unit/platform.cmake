@@ -17,8 +17,10 @@ add_executable(unit_platform
     platform_tab_view.cpp
     platform_table_view.cpp
     platform_text_field.cpp
+    platform_token_field.cpp
     platform_toolkit.cpp
     platform_window.cpp
+    token_text.cpp
     $<TARGET_OBJECTS:platform_common>
 )
 set_target_properties(unit_platform PROPERTIES ENABLE_EXPORTS ON)

@@ -87,10 +87,13 @@ NSInteger NSControl::integerValue() {
     return towardZero(platform::doubleValue(m_value));
 }
 
-float NSControl::floatValue() {
-    const double number = doubleValue();
+float inSinglePrecision(double number) {
     constexpr double largest = std::numeric_limits<float>::max();
     return static_cast<float>(std::isfinite(number) ? std::clamp(number, -largest, largest) : number);
+}
+
+float NSControl::floatValue() {
+    return inSinglePrecision(doubleValue());
 }
 
 double NSControl::doubleValue() {

@@ -352,14 +352,15 @@ NSArray<RepresentedObject> NSTokenField::shouldAdd(const NSArray<RepresentedObje
 }
 
 bool NSTokenField::userSelectsTokenToDelete(bool forward) {
+    auto* shown = tokenPeer();
     const auto selected = selection();
-    if (selected.length != 0 || (!forward && selected.location == 0))
+    if (!shown || selected.length != 0 || (!forward && selected.location == 0))
         return false;
     const NSRange beside{forward ? selected.location : selected.location - 1, 1};
     const auto piece = m_content.substring(beside);
     if (piece.pieces().empty() || !piece.pieces().front().isToken)
         return false;
-    tokenPeer()->setSelectedRange(beside);
+    shown->setSelectedRange(beside);
     return true;
 }
 

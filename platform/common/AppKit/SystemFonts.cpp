@@ -256,7 +256,7 @@ public:
     }
 
     std::u16string defaultName() override {
-        const std::u16string preferred = u"DejaVuSans";
+        std::u16string preferred = u"DejaVuSans";
         if (namesOf(preferred))
             return preferred;
         const Pattern wanted(FcPatternCreate());

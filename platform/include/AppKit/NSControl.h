@@ -11,6 +11,9 @@ namespace platform {
 
 class ValueBinding;
 
+/// The number as single precision has it: the nearest one, and the largest for what lies beyond.
+float inSinglePrecision(double number);
+
 /// A view with a value and an action.
 ///
 /// The action is sent for user input only, never by a setter. A number set and not edited since is read back exactly,

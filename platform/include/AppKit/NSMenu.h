@@ -62,7 +62,8 @@ public:
     const NSValue& representedObject() const { return m_representedObject; }
     void setRepresentedObject(const NSValue& object) { m_representedObject = object; }
 
-    /// The platform's image of this name, such as "NSActionTemplate"; empty, or a name it does not know, shows none.
+    /// The platform's image of this name, such as "NSActionTemplate", or the picture in the file of this path, drawn in
+    /// the colour of the title; empty, or a name it does not know, shows none.
     const std::u16string& imageName() const { return m_imageName; }
     void setImageNamed(const std::u16string& name);
     /// Shown in the place of the title, or before it; null for none.

@@ -6,6 +6,10 @@
 
 #include <QTextEdit>
 
+#include <algorithm>
+#include <cmath>
+#include <map>
+
 using namespace platform;
 using namespace testing_support;
 
@@ -49,6 +53,54 @@ TEST_F(TokenFieldTest, WrapsWhenItsCellIsToldTo) {
     EXPECT_EQ(text->lineWrapMode(), QTextEdit::NoWrap);
     field->cell()->setWraps(true);
     EXPECT_EQ(text->lineWrapMode(), QTextEdit::WidgetWidth);
+}
+
+/// The relation of brightness between two colours, from 1 to 21, by the formula of the Web Content Accessibility
+/// Guidelines 2.1.
+double contrast(const QColor& one, const QColor& other) {
+    const auto brightness = [](const QColor& colour) {
+        const auto linear = [](double part) {
+            return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+    };
+    const auto [darker, brighter] =
+        std::pair(std::min(brightness(one), brightness(other)), std::max(brightness(one), brightness(other)));
+    return (brighter + 0.05) / (darker + 0.05);
+}
+
+TEST_F(TokenFieldTest, TitlesOfTokensAreReadableOnLightAndOnDark) {
+    setObjects({u"HHHHHHHH"});
+    const QColor light(0xFF, 0xFF, 0xFF);
+    const QColor dark(0x1E, 0x1E, 0x1E);
+    for (const bool isDark : {false, true})
+        for (const bool isSelected : {false, true}) {
+            auto palette = text->palette();
+            palette.setColor(QPalette::Base, isDark ? dark : light);
+            palette.setColor(QPalette::Text, isDark ? light : Qt::black);
+            text->setPalette(palette);
+            auto cursor = text->textCursor();
+            cursor.setPosition(0);
+            cursor.setPosition(isSelected ? 1 : 0, QTextCursor::KeepAnchor);
+            text->setTextCursor(cursor);
+            QApplication::processEvents();
+            const auto picture = text->viewport()->grab().toImage();
+            const int top = text->cursorRect(cursor).top();
+            // Along the middle of the title: the fill is the most frequent colour, the letters are the one furthest
+            // away.
+            std::map<QRgb, int> colours;
+            for (int x = 20; x < 60; ++x)
+                for (int y = top + 5; y < top + 14; ++y)
+                    if (picture.rect().contains(x, y))
+                        ++colours[picture.pixel(x, y)];
+            const auto fill = std::max_element(colours.begin(), colours.end(), [](const auto& a, const auto& b) {
+                                  return a.second < b.second;
+                              })->first;
+            double best = 1;
+            for (const auto& [colour, count] : colours)
+                best = std::max(best, contrast(QColor::fromRgb(colour), QColor::fromRgb(fill)));
+            EXPECT_GE(best, 4.5) << (isDark ? "dark" : "light") << (isSelected ? ", selected" : "");
+        }
 }
 
 } // namespace

@@ -13,8 +13,7 @@ namespace model {
 /// has no members and an empty title. What a combined one is told about title, place and appearance it holds as long as
 /// it lives; nothing is stamped or stored of it.
 ///
-/// A number that is not finite is ignored, since it could not be stored. To be used on the main thread only, like the
-/// model.
+/// To be used on the main thread only, like the model.
 class Configuration final : public host::ImprinterConfiguration {
 public:
     /// Told after a change of a value, with the configuration that changed.

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <engine/Stamper.h>
+
+#include <vector>
+
+class QString;
+class QWidget;
+
+namespace app {
+
+/// What became of a number of documents.
+struct StampSummary {
+    std::vector<engine::Outcome> done;
+    std::vector<engine::Outcome> failed;
+    bool cancelled = false; ///< The rest was not tried; what was done by then stays.
+};
+
+/// Stamps each document with `configuration`, beside it or, with `inPlace`, into it. A dialog over `parent` shows how
+/// far it is, and cancels; a failure ends nothing but its own document.
+StampSummary stampDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
+                            const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace);
+
+/// The same for one document, into `output`.
+StampSummary stampDocument(QWidget* parent, const std::filesystem::path& input, const std::filesystem::path& output,
+                           const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+
+/// Says what became of them: in a dialog where something failed. Answers the line for the status bar otherwise, empty
+/// where there is nothing to say.
+QString tellSummary(QWidget* parent, const StampSummary& summary);
+
+} // namespace app
