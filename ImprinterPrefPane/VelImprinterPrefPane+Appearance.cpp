@@ -119,8 +119,7 @@ void VelImprinterPrefPane::showBorderAndFill() {
 }
 
 void VelImprinterPrefPane::showBorderThickness() {
-    const auto points =
-        inSinglePrecision(tell(m_currentConfiguration, &host::ImprinterConfiguration::borderThickness));
+    const auto points = inSinglePrecision(tell(m_currentConfiguration, &host::ImprinterConfiguration::borderThickness));
     tell(m_borderThickness, &NSControl::setFloatValue, points);
     tell(m_borderThicknessStepper, &NSControl::setFloatValue, points);
 }
