@@ -12,8 +12,8 @@ protected:
     /// Stands in for ssh: whatever the host is called, the command runs here, in a shell, as ssh would have it.
     std::string transport() {
         writeFile(folder / "data" / "transport",
-                  "#!/bin/sh\nwhile :; do case $1 in -l | -o | -p) shift 2 ;; -*) shift ;; *) "
-                  "break ;; esac; done\nshift\nexec sh -c \"$*\"\n");
+                  "#!/bin/sh\nwhile :; do case $1 in -l | -o | -p) shift 2 ;; -*) shift ;; *) break ;; esac; done\n"
+                  "shift\n[ \"$1\" != -- ] || shift\nexec sh -c \"$*\"\n");
         fs::permissions(folder / "data" / "transport", fs::perms(0700));
         return quoted(folder / "data" / "transport");
     }
@@ -32,7 +32,7 @@ TEST_F(Hosts, TwoWorkersShareAFolderAndGoOnAfterAFailure) {
     writeFile(folder / "hosts", "1/one\n1/other\n");
     writeFile(folder / "stamp.sh",
               "find inbox -name 'l?.pdf' -o -name bad.pdf | sort | PARALLEL_HOME=" + quoted(folder / "parallel") +
-                  " parallel --will-cite --ssh " + quoted(folder / "ssh" / "client") +
+                  " parallel --will-cite --ssh " + transport() +
                   " --sshloginfile hosts --joblog stamped.log --resume-failed "
                   "--basefile configurations.json --transferfile {} --return {.}-stamped.pdf --cleanup "
                   "--workdir " +
