@@ -16,6 +16,8 @@ void keepMemory() {
     constexpr int largestKept = 32 << 20; // the most the allocator takes
     mallopt(M_MMAP_THRESHOLD, largestKept);
     mallopt(M_TRIM_THRESHOLD, 4 * largestKept);
+    // Small pieces that are kept apart for speed are all joined whenever a large one is asked for.
+    mallopt(M_MXFAST, 0);
 }
 
 } // namespace

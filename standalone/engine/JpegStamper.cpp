@@ -120,23 +120,20 @@ bool hasFourInks(const jpeg_decompress_struct& info) {
     return info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
 }
 
-/// Decodes rows into RGB32, Grayscale8, or for four inks a 32-bit image whose bytes are the inks as the file has them.
-/// What lies above and below is not turned into pixels.
-QImage decode(jpeg_decompress_struct& info, int top, int height) {
+/// Decodes into RGB32, Grayscale8, or for four inks a 32-bit image whose bytes are the inks as the file has them.
+QImage decode(jpeg_decompress_struct& info) {
     const bool grey = info.jpeg_color_space == JCS_GRAYSCALE;
     info.out_color_space = grey ? JCS_GRAYSCALE : hasFourInks(info) ? JCS_CMYK : JCS_EXT_BGRX;
     jpeg_start_decompress(&info);
-    QImage image(static_cast<int>(info.output_width), height, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    QImage image(static_cast<int>(info.output_width), static_cast<int>(info.output_height),
+                 grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
     if (image.isNull())
         throw Failure(Code::tooLarge, "There is not enough memory for the picture.");
-    if (top > 0)
-        jpeg_skip_scanlines(&info, static_cast<JDIMENSION>(top));
-    for (int row = 0; row < height; ++row) {
-        JSAMPROW line = image.scanLine(row);
-        jpeg_read_scanlines(&info, &line, 1);
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = image.scanLine(static_cast<int>(info.output_scanline));
+        jpeg_read_scanlines(&info, &row, 1);
     }
-    if (info.output_scanline == info.output_height)
-        jpeg_finish_decompress(&info);
+    jpeg_finish_decompress(&info);
     return image;
 }
 
@@ -195,8 +192,8 @@ struct Grid {
 };
 
 /// Encodes the pixels of `units` as the file itself is encoded; what lies beyond the picture repeats its edge.
-/// `image` has the picture's rows from `firstRow` on.
-std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image, int firstRow, const Grid& grid,
+/// `image` is the part of the picture that begins at `corner`.
+std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image, QPoint corner, const Grid& grid,
                         const QRect& units) {
     Compressor compressor;
     auto& info = compressor.info;
@@ -224,10 +221,10 @@ std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image,
     jpeg_start_compress(&info, TRUE);
     const int bytesPerPixel = info.input_components;
     std::vector<JSAMPLE> line(std::size_t(info.image_width) * static_cast<std::size_t>(bytesPerPixel));
-    const int left = units.left() * grid.width;
-    const int top = units.top() * grid.height;
+    const int left = units.left() * grid.width - corner.x();
+    const int top = units.top() * grid.height - corner.y();
     while (info.next_scanline < info.image_height) {
-        const int y = std::min(top + static_cast<int>(info.next_scanline) - firstRow, image.height() - 1);
+        const int y = std::min(top + static_cast<int>(info.next_scanline), image.height() - 1);
         const uchar* const from = image.constScanLine(y);
         for (int i = 0; i < static_cast<int>(info.image_width); ++i) {
             const int x = std::min(left + i, image.width() - 1);
@@ -239,6 +236,50 @@ std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image,
     }
     jpeg_finish_compress(&info);
     return compressor.bytes();
+}
+
+/// The pixels of these units and nothing else, from the coefficients that the file has for them.
+QImage decodeUnits(Decompressor& file, jvirt_barray_ptr* blocks, const Grid& grid, const QRect& units) {
+    Compressor compressor;
+    auto& info = compressor.info;
+    jpeg_copy_critical_parameters(&file.info, &info);
+    info.image_width = static_cast<JDIMENSION>(units.width() * grid.width);
+    info.image_height = static_cast<JDIMENSION>(units.height() * grid.height);
+    info.optimize_coding = TRUE;
+    auto* const fileInfo = reinterpret_cast<j_common_ptr>(&file.info);
+    auto* const partInfo = reinterpret_cast<j_common_ptr>(&info);
+    std::vector<jvirt_barray_ptr> parts;
+    for (int component = 0; component < file.info.num_components; ++component) {
+        const auto& shape = file.info.comp_info[component];
+        parts.push_back(info.mem->request_virt_barray(partInfo, JPOOL_IMAGE, FALSE,
+                                                      static_cast<JDIMENSION>(units.width() * shape.h_samp_factor),
+                                                      static_cast<JDIMENSION>(units.height() * shape.v_samp_factor),
+                                                      static_cast<JDIMENSION>(shape.v_samp_factor)));
+    }
+    jpeg_write_coefficients(&info, parts.data()); // they are written when it finishes
+    for (int component = 0; component < file.info.num_components; ++component) {
+        const int across = file.info.comp_info[component].h_samp_factor;
+        const int down = file.info.comp_info[component].v_samp_factor;
+        for (int row = 0; row < units.height() * down; ++row) {
+            JBLOCKROW to = info.mem->access_virt_barray(partInfo, parts[static_cast<std::size_t>(component)],
+                                                        static_cast<JDIMENSION>(row), 1, TRUE)[0];
+            JBLOCKROW from = file.info.mem->access_virt_barray(
+                fileInfo, blocks[component], static_cast<JDIMENSION>(row + units.top() * down), 1, FALSE)[0];
+            std::memcpy(to, from + units.left() * across,
+                        sizeof(JBLOCK) * static_cast<std::size_t>(units.width() * across));
+        }
+    }
+    jpeg_finish_compress(&info);
+    const auto bytes = compressor.bytes();
+    Decompressor part(bytes);
+    jpeg_read_header(&part.info, TRUE);
+    return decode(part.info);
+}
+
+/// What of the patch lies within the rectangle.
+Patch within(const Patch& patch, const QRect& rectangle) {
+    const QRect area = patch.area & rectangle;
+    return {area, patch.pixels.copy(area.translated(-patch.area.topLeft()))};
 }
 
 /// Puts the touched units of the patch in place of the file's.
@@ -279,7 +320,7 @@ DecodedPicture decodeJpeg(std::string_view file) {
     Decompressor decompressor(file);
     readHeader(decompressor.info);
     const auto geometry = geometryOf(decompressor.info);
-    QImage image = decode(decompressor.info, 0, geometry.height);
+    QImage image = decode(decompressor.info);
     if (hasFourInks(decompressor.info)) {
         const bool inverse = storesInverseInks(decompressor.info);
         for (int y = 0; y < image.height(); ++y) {
@@ -297,14 +338,12 @@ DecodedPicture decodeJpeg(std::string_view file) {
 }
 
 std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report) {
-    // 1. The pixels with the stamps on them, and the units of the file that the stamps touch.
-    Decompressor pixels(file);
-    readHeader(pixels.info);
-    const auto geometry = geometryOf(pixels.info);
-    const bool fourInks = hasFourInks(pixels.info);
-    const bool inverse = storesInverseInks(pixels.info);
+    // 1. The units of the file that the stamps touch.
+    Decompressor source(file);
+    readHeader(source.info);
+    const auto geometry = geometryOf(source.info);
     const QSize size(geometry.width, geometry.height);
-    Grid grid{8 * pixels.info.max_h_samp_factor, 8 * pixels.info.max_v_samp_factor, 0, 0, {}};
+    Grid grid{8 * source.info.max_h_samp_factor, 8 * source.info.max_v_samp_factor, 0, 0, {}};
     grid.columns = (size.width() + grid.width - 1) / grid.width;
     grid.rows = (size.height() + grid.height - 1) / grid.height;
     grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
@@ -317,23 +356,24 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     const QRect units = grid.bounds();
     if (units.isEmpty())
         return std::string(file);
-    const int top = units.top() * grid.height;
-    QImage image = decode(pixels.info, top, std::min(size.height(), (units.bottom() + 1) * grid.height) - top);
-    for (auto& patch : patches) {
-        patch.area.translate(0, -top);
-        if (fourInks)
-            blendInks(patch, image, inverse);
-        else
-            blend(patch, image);
-    }
 
-    // 2. The file's coefficients, those of the touched units replaced.
-    Decompressor source(file);
-    readHeader(source.info);
+    // 2. The file's coefficients, those of the touched units replaced. Pixels of subsampled colour depend on the units
+    //    beside them, which are decoded too.
     jvirt_barray_ptr* const blocks = jpeg_read_coefficients(&source.info);
     if (source.info.err->num_warnings > 0)
         report.sentences.insert("The picture is damaged; it was read as far as possible.");
-    const std::string encoded = encodePatch(source.info, image, top, grid, units);
+    const QRect around = units.adjusted(-1, -1, 1, 1) & QRect(0, 0, grid.columns, grid.rows);
+    const QPoint corner(around.left() * grid.width, around.top() * grid.height);
+    QImage image = decodeUnits(source, blocks, grid, around);
+    for (const auto& patch : patches) {
+        auto part = within(patch, QRect(corner, image.size()));
+        part.area.translate(-corner);
+        if (hasFourInks(source.info))
+            blendInks(part, image, storesInverseInks(source.info));
+        else
+            blend(part, image);
+    }
+    const std::string encoded = encodePatch(source.info, image, corner, grid, units);
     Decompressor patch(encoded);
     jpeg_read_header(&patch.info, TRUE);
     jvirt_barray_ptr* const patchBlocks = jpeg_read_coefficients(&patch.info);

@@ -2,8 +2,12 @@
 #include "Documents.h"
 #include "Render.h"
 
+#include <AppKit/FontSource.h>
+
 #include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
+
+#include <set>
 
 using namespace render;
 
@@ -17,7 +21,11 @@ struct Stamped {
 
     Stamped(const std::u16string& face, const std::string& file) {
         const std::string path = std::string(RENDER_TEST_DATA) + "/" + file;
-        FcConfigAppFontAddFile(FcConfigGetCurrent(), reinterpret_cast<const FcChar8*>(path.c_str()));
+        static std::set<std::string> added;
+        if (added.insert(path).second) {
+            FcConfigAppFontAddFile(FcConfigGetCurrent(), reinterpret_cast<const FcChar8*>(path.c_str()));
+            platform::FontSource::setCurrent(nullptr); // which lists the fonts anew
+        }
         const auto with = configuration(u"");
         with->setTitle({support::fontRun(face, 40), std::u16string(u"aaa")});
         writeFile(in(), document(1, "/MediaBox [0 0 300 200]", ""));
