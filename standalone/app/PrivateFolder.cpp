@@ -24,10 +24,7 @@ constexpr std::string_view pattern = "XXXXXX"; // as mkdtemp fills it
 fs::path parentFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     std::error_code error;
-    if (runtime && fs::is_directory(runtime, error))
-        return runtime;
-    const auto temporary = fs::temp_directory_path(error);
-    return error ? fs::path("/tmp") : temporary;
+    return runtime && fs::is_directory(runtime, error) ? fs::path(runtime) : fs::temp_directory_path();
 }
 
 bool isNameOfOurs(const std::string& name) {
@@ -84,7 +81,13 @@ PrivateFolder::~PrivateFolder() {
 int PrivateFolder::removeLeftovers() {
     std::error_code error;
     std::vector<fs::path> candidates;
-    for (fs::directory_iterator entry(parentFolder(), error), end; !error && entry != end; entry.increment(error))
+    fs::path parent;
+    try {
+        parent = parentFolder();
+    } catch (const fs::filesystem_error&) {
+        return 0; // where there is no folder for temporary files there are no leftovers
+    }
+    for (fs::directory_iterator entry(parent, error), end; !error && entry != end; entry.increment(error))
         if (isNameOfOurs(entry->path().filename().string()))
             candidates.push_back(entry->path());
     int removed = 0;

@@ -44,9 +44,10 @@ protected:
 };
 
 TEST_F(TitleField, ShowsTextAsTextAndPlaceholdersAsTokens) {
-    for (const auto* text : {u"a", u"", u"%", u"%%", u"%a", u"100%", u"%d of 100%", u"%a%b%"})
+    for (const auto* text : {u"a", u"", u"%", u"%a", u"100%"})
         EXPECT_EQ(field->styleOf(text), NSTokenStyle::none) << std::string(text, text + std::u16string(text).size());
-    for (const auto* text : {u"%pageNumber%", u"%x%"})
+    // What the pane counts as one character is one here, however it came into a title.
+    for (const auto* text : {u"%pageNumber%", u"%x%", u"%%", u"%d of 100%", u"%a%b%"})
         EXPECT_EQ(field->styleOf(text), NSTokenStyle::rounded);
     EXPECT_EQ(field->styleOf(std::shared_ptr<NSObject>(field)), NSTokenStyle::rounded);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <AppKit/FontSource.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -10,23 +12,42 @@ inline std::filesystem::path file(const char* name) {
     return std::filesystem::path(MADE_FONTS) / "fonts" / name;
 }
 
-/// Runs `act` while that file is away.
+/// Puts a file back where it was, whatever happens meanwhile.
+class PutBack {
+public:
+    PutBack(std::filesystem::path kept, std::filesystem::path place)
+        : m_kept(std::move(kept)), m_place(std::move(place)) {}
+    ~PutBack() {
+        std::error_code none;
+        std::filesystem::rename(m_kept, m_place, none);
+    }
+    PutBack(const PutBack&) = delete;
+    PutBack& operator=(const PutBack&) = delete;
+
+private:
+    std::filesystem::path m_kept;
+    std::filesystem::path m_place;
+};
+
+/// Runs `act` while that file is gone, though it was listed.
 template <class Act>
 void withoutFile(const char* name, const Act& act) {
+    platform::FontSource::current()->namesOf(u"MakerSans"); // by now the fonts are listed
     const auto away = std::filesystem::path(MADE_FONTS) / name;
     std::filesystem::rename(file(name), away);
+    const PutBack back(away, file(name));
     act();
-    std::filesystem::rename(away, file(name));
 }
 
-/// Runs `act` while that file ends after `size` bytes.
+/// Runs `act` while that file ends after `size` bytes, though it was listed whole.
 template <class Act>
 void withFileCutOff(const char* name, std::uintmax_t size, const Act& act) {
+    platform::FontSource::current()->namesOf(u"MakerSans");
     const auto whole = std::filesystem::path(MADE_FONTS) / name;
     std::filesystem::copy_file(file(name), whole, std::filesystem::copy_options::overwrite_existing);
+    const PutBack back(whole, file(name));
     std::filesystem::resize_file(file(name), size);
     act();
-    std::filesystem::rename(whole, file(name));
 }
 
 } // namespace made_fonts

@@ -563,11 +563,13 @@ TEST_F(FillControls, EachConfigurationShowsItsOwnOpacity) {
     a->values.fillOpacity = 0.4;
     b->values.fillOpacity = 0.7;
     begin();
-    EXPECT_EQ(textOf(u"fillOpacityField"), "40%");
+    const auto* opacity = window->findChild<QLineEdit*>("fillOpacityField");
+    ASSERT_TRUE(opacity);
+    EXPECT_EQ(opacity->text(), "40%");
     pane->setCurrentConfiguration(b);
-    EXPECT_EQ(textOf(u"fillOpacityField"), "70%");
+    EXPECT_EQ(opacity->text(), "70%");
     pane->setCurrentConfiguration(a);
-    EXPECT_EQ(textOf(u"fillOpacityField"), "40%");
+    EXPECT_EQ(opacity->text(), "40%");
 }
 
 TEST_F(FillControls, WithoutAConfigurationTheKeysWriteNothingAndStampNothing) {

@@ -185,6 +185,8 @@ TEST_F(CombinedEditor, AddingAndRemovingStampNothingAndSaveNothing) {
     click("removeBtn");
     EXPECT_EQ(stamped, 0);
     EXPECT_EQ(saved, 0);
+    model->setStamper({});
+    model->setSaver({});
 }
 
 TEST_F(CombinedEditor, MakesItsCellsByTheirIdentifiers) {

@@ -93,6 +93,13 @@ protected:
         (*pressed)(pane, nullptr);
         NSAlert::setAnswerer({});
     }
+    void drop(QMimeData& mime) {
+        QDragEnterEvent enters({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(window.get(), &enters);
+        EXPECT_TRUE(enters.isAccepted());
+        QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(window.get(), &drops);
+    }
     std::shared_ptr<host::ImprinterConfiguration> current() { return window->pane().currentConfiguration(); }
     std::u16string page() {
         auto& pane = window->pane().pane();
@@ -337,9 +344,6 @@ TEST_F(HostLife, TheNextPressOnPreviewShowsTheNewMembers) {
         return shown;
     };
     const auto bare = pressPreview();
-    const auto url = model.imprintFileAtURLWithIndex(
-        NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg"), combined, 0);
-    ASSERT_TRUE(url);
     EXPECT_EQ(pressPreview(), bare) << "nothing has changed";
     combined->addConfiguration(ordinary);
     QApplication::processEvents();
@@ -363,11 +367,7 @@ TEST_F(HostLife, ADroppedFileIsStampedBesideItAndLeftAsItIs) {
     open(folder / "configurations.json");
     QMimeData mime;
     mime.setUrls({QUrl::fromLocalFile(QString::fromStdString(picture.string()))});
-    QDragEnterEvent enters({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(window.get(), &enters);
-    EXPECT_TRUE(enters.isAccepted());
-    QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(window.get(), &drops);
+    drop(mime);
     EXPECT_TRUE(QTest::qWaitFor([&] { return fs::exists(folder / "letter-stamped.png"); }));
     EXPECT_EQ(contents(picture), before);
 }
@@ -381,9 +381,8 @@ TEST_F(HostLife, FilesThatCannotBeStampedAreNamedInTheSummary) {
     mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((folder / "no.pdf").string())),
                   QUrl::fromLocalFile(QString::fromStdString(picture.string()))});
     answerMessages();
-    QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(window.get(), &drops);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !messages.empty(); }));
+    drop(mime);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !messages.empty(); }));
     EXPECT_EQ(messages.front(), "1 of 2 documents could not be stamped.");
     EXPECT_TRUE(fs::exists(folder / "letter-stamped.png"));
     EXPECT_FALSE(fs::exists(folder / "no-stamped.pdf"));
@@ -409,8 +408,7 @@ TEST_F(HostLife, OriginalsAreReplacedOnlyAfterAsking) {
             }
         });
         poll.start(1);
-        QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-        QApplication::sendEvent(window.get(), &drops);
+        drop(mime);
         EXPECT_TRUE(QTest::qWaitFor([&] { return asked; }));
         poll.stop();
         QApplication::processEvents();

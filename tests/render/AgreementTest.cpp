@@ -61,13 +61,16 @@ std::shared_ptr<support::PlainConfiguration> anyConfiguration(Chance& chance) {
     return made;
 }
 
-/// The share of pixels that differ by more than 16 levels in a channel.
-double differingShare(const QImage& a, const QImage& b) {
+/// The share of pixels that differ by more than 16 levels in a channel, of those in which a stamp changed one of the
+/// pages: two readers of one photograph differ a little everywhere.
+double differingShare(const QImage& a, const QImage& b, const QImage& plainA = {}, const QImage& plainB = {}) {
     qint64 differing = 0;
     for (int y = 0; y < a.height(); ++y)
         for (int x = 0; x < a.width(); ++x) {
             const QRgb p = a.pixel(x, y);
             const QRgb q = b.pixel(x, y);
+            if (!plainA.isNull() && p == plainA.pixel(x, y) && q == plainB.pixel(x, y))
+                continue;
             if (std::abs(qRed(p) - qRed(q)) > 16 || std::abs(qGreen(p) - qGreen(q)) > 16 ||
                 std::abs(qBlue(p) - qBlue(q)) > 16)
                 ++differing;
@@ -139,6 +142,8 @@ TEST(Agreement, ThePreviewOfTheSamplePageLooksLikeADocumentOfIt) {
     writeFile(folder / "in.pdf", bytes.bytes());
 
     engine::PreviewStamper stamper{results.path()};
+    const QImage plainPicture = page.convertToFormat(QImage::Format_RGB32);
+    const QImage plainDocument = shownPage(folder / "in.pdf", 1, 150).convertToFormat(QImage::Format_RGB32);
     Chance chance(11212026);
     for (int round = 0; round < 12; ++round) {
         auto with = anyConfiguration(chance);
@@ -158,7 +163,7 @@ TEST(Agreement, ThePreviewOfTheSamplePageLooksLikeADocumentOfIt) {
         const QImage picture = QImage(preview.path.c_str()).convertToFormat(QImage::Format_RGB32);
         const QImage document = shownPage(folder / "out.pdf", 1, 150).convertToFormat(QImage::Format_RGB32);
         ASSERT_EQ(document.size(), picture.size());
-        EXPECT_LT(differingShare(picture, document), 0.02) << "configuration " << round;
-        EXPECT_FALSE(differingArea(picture, page.convertToFormat(QImage::Format_RGB32)).isEmpty());
+        EXPECT_LT(differingShare(picture, document, plainPicture, plainDocument), 0.02) << "configuration " << round;
+        EXPECT_FALSE(differingArea(picture, plainPicture).isEmpty());
     }
 }
