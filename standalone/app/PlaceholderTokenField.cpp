@@ -28,6 +28,7 @@ constexpr std::array placeholders{
     Placeholder{u"%user%", u"User"},
     Placeholder{u"%date%", u"Date"},
     Placeholder{u"%time%", u"Time"},
+    Placeholder{u"%runningNumber%", u"Running Number"},
 };
 
 std::u16string localized(const char16_t* english) {
@@ -91,7 +92,7 @@ std::shared_ptr<NSMenu> PlaceholderTokenField::placeholderMenu() const {
     auto menu = std::make_shared<NSMenu>();
     addPlaceholder(*menu, u"%recordPageCount%");
     addSubmenu(*menu, u"Date and Time", {u"%date%", u"%time%"});
-    addSubmenu(*menu, u"Record", {u"%recordName%", u"%user%"});
+    addSubmenu(*menu, u"Record", {u"%recordName%", u"%user%", u"%runningNumber%"});
     return menu;
 }
 

@@ -56,6 +56,7 @@ TEST_F(TitleField, TitlesPlaceholdersReadably) {
     EXPECT_EQ(titleOf(u"%pageNumber%"), u"Page Number");
     EXPECT_EQ(titleOf(u"%recordPageCount%"), u"Page Count");
     EXPECT_EQ(titleOf(u"%recordName%"), u"Record Name");
+    EXPECT_EQ(titleOf(u"%runningNumber%"), u"Running Number");
     EXPECT_EQ(titleOf(u"%unknown%"), u"unknown");
     EXPECT_EQ(titleOf(u"text"), u"text");
 }
@@ -81,8 +82,8 @@ TEST_F(TitleField, OffersTheSameInItsContextMenu) {
 
 TEST_F(TitleField, OffersOnlyWhatTheEngineFillsIn) {
     const auto all = offered(*field->insertMenu());
-    EXPECT_EQ(all,
-              (std::vector<std::u16string>{u"%recordPageCount%", u"%date%", u"%time%", u"%recordName%", u"%user%"}));
+    EXPECT_EQ(all, (std::vector<std::u16string>{u"%recordPageCount%", u"%date%", u"%time%", u"%recordName%", u"%user%",
+                                                u"%runningNumber%"}));
     engine::Facts facts;
     facts.recordName = u"letter";
     facts.user = u"Ada";
