@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// How soon an open preview shows a change of the title: from the notification that a key press in the title field sends
-// to the new picture loaded in the image view. Measured in the real program's window, over 300 changes, with the sample
-// page that ships with the pane. Also how long it takes until the picture is painted, for which nothing is claimed.
+// How soon an open preview shows a change of the title: from a key press in the title field to the new picture loaded
+// in the image view. Measured in the real program's window, over 300 changes, with the sample page that ships with the
+// pane. Also how long it takes until the picture is painted, for which nothing is claimed.
 
 #include "MainWindow.h"
 
@@ -13,6 +13,7 @@
 #include <PlatformQt/Bridge.h>
 
 #include <QApplication>
+#include <QTest>
 
 #include <algorithm>
 #include <chrono>
@@ -24,6 +25,7 @@ using Clock = std::chrono::steady_clock;
 using namespace platform;
 
 constexpr int changes = 300;
+constexpr int lettersInARow = 40;
 constexpr double medianClaim = 8; // milliseconds
 constexpr double p99Claim = 16;
 
@@ -47,20 +49,6 @@ std::shared_ptr<T> outlet(NSObject& owner, std::u16string_view name) {
 double at(std::vector<double> values, double share) {
     std::sort(values.begin(), values.end());
     return values[std::min(values.size() - 1, static_cast<std::size_t>(share * static_cast<double>(values.size())))];
-}
-
-/// The title as somebody types it, one letter more each time.
-void type(host::ImprinterConfiguration& configuration, int change) {
-    const auto before = configuration.titleTokens();
-    std::vector<host::TitleToken> tokens;
-    for (const auto& token : *before)
-        if (!std::holds_alternative<std::u16string>(token))
-            tokens.push_back(token);
-    std::u16string text = u"Received ";
-    for (int letter = 0; letter <= change % 40; ++letter)
-        text += static_cast<char16_t>(u'a' + letter % 26);
-    tokens.emplace_back(text);
-    configuration.setTitleTokens(std::make_shared<const std::vector<host::TitleToken>>(std::move(tokens)));
 }
 
 } // namespace
@@ -99,13 +87,19 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    QTest::keyClick(widgetOf(*field), Qt::Key_End, Qt::ControlModifier);
     std::vector<double> loaded;
     std::vector<double> painted;
     QImage before = popover->grab().toImage();
+    auto* const edit = widgetOf(*field);
     for (int change = 0; change < changes; ++change) {
-        type(*configuration, change);
+        // As somebody types, who starts again from time to time.
+        if (change % lettersInARow == 0)
+            for (int letter = 0; change > 0 && letter < lettersInARow; ++letter)
+                QTest::keyClick(edit, Qt::Key_Backspace);
+        QApplication::processEvents();
         const auto start = Clock::now();
-        NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification, field);
+        QTest::keyClick(edit, static_cast<char>('a' + change % 26));
         loaded.push_back(milliseconds(start));
         QApplication::processEvents();
         painted.push_back(milliseconds(start));
@@ -120,7 +114,7 @@ int main(int argc, char** argv) {
     }
     const double median = at(loaded, 0.5);
     const double p99 = at(loaded, 0.99);
-    std::cout << "preview: a change of the title loaded in " << median << " ms at the median (claim: at most "
+    std::cout << "preview: a key press in the title is loaded in " << median << " ms at the median (claim: at most "
               << medianClaim << "), " << p99 << " ms at p99 (claim: at most " << p99Claim << "); painted in "
               << at(painted, 0.5) << " ms\n";
     window.close();
