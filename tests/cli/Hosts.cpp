@@ -32,7 +32,7 @@ TEST_F(Hosts, TwoWorkersShareAFolderAndGoOnAfterAFailure) {
     writeFile(folder / "hosts", "1/one\n1/other\n");
     writeFile(folder / "stamp.sh",
               "find inbox -name 'l?.pdf' -o -name bad.pdf | sort | PARALLEL_HOME=" + quoted(folder / "parallel") +
-                  " parallel --will-cite --ssh " + transport() +
+                  " SHELL=/bin/sh parallel --will-cite --ssh " + transport() +
                   " --sshloginfile hosts --joblog stamped.log --resume-failed "
                   "--basefile configurations.json --transferfile {} --return {.}-stamped.pdf --cleanup "
                   "--workdir " +

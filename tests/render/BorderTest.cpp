@@ -12,8 +12,9 @@ namespace {
 class Borders : public testing::Test {
 protected:
     QImage stamped(int style) {
-        const auto with = std::make_shared<support::PlainConfiguration>(std::vector<host::TitleToken>{
-            support::fontRun(u"DejaVuSans", 40, host::NSColor::colorWithSRGB(1, 1, 1, 1)), std::u16string(u"WIDE TITLE")});
+        const auto with = std::make_shared<support::PlainConfiguration>(
+            std::vector<host::TitleToken>{support::fontRun(u"DejaVuSans", 40, host::NSColor::colorWithSRGB(1, 1, 1, 1)),
+                                          std::u16string(u"WIDE TITLE")});
         with->anchor = 4;
         with->style = style;
         with->bordered = true;
