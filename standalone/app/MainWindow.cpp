@@ -10,6 +10,7 @@
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <PlatformQt/Bridge.h>
+#include <engine/Naming.h>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -34,10 +35,9 @@ QString fromPath(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
 }
 
-/// "letter stamped.pdf" beside "letter.pdf".
+/// "letter-stamped.pdf" beside "letter.pdf", as several documents are named.
 QString suggestedOutput(const QString& input) {
-    const std::filesystem::path path(input.toStdString());
-    return fromPath(path.parent_path() / (path.stem().string() + " stamped" + path.extension().string()));
+    return fromPath(engine::nameOfDuplicate(input.toStdString(), "-stamped", {}));
 }
 
 /// The files on this machine that a drag carries.
@@ -237,7 +237,8 @@ void MainWindow::stampFiles(const QStringList& files) {
                               toQt(stringWithFormat(fromUtf8(text(u"Stamp the original files? %@ files are replaced by "
                                                                   u"their stamped versions.")
                                                                  .toStdString()),
-                                                    {fromUtf8(std::to_string(inputs.size()))}))) != QMessageBox::Yes)
+                                                    {fromUtf8(std::to_string(inputs.size()))})),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
 }

@@ -423,6 +423,8 @@ private:
             for (auto i = next++; i < m_files.size() && !isInterrupted; i = next++)
                 workOn(i);
         };
+        if (m_jobs > 1)
+            engine::prepareForThreads();
         std::vector<std::thread> others;
         for (std::size_t i = 1; i < m_jobs; ++i)
             others.emplace_back(takeTurns);

@@ -8,6 +8,8 @@
 
 #include <Foundation/NSString.h>
 
+#include <QImageReader>
+
 #include <algorithm>
 #include <fstream>
 #include <system_error>
@@ -166,6 +168,10 @@ Outcome unstampFile(const StampJob& job) {
         outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
                            (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
+}
+
+void prepareForThreads() {
+    QImageReader::supportedImageFormats(); // asks every reader, and loads it for that
 }
 
 } // namespace engine

@@ -199,6 +199,30 @@ TEST_F(AppearanceEnabling, TouchesExactlyNineControls) {
     EXPECT_EQ(taken(), MessageLog());
 }
 
+TEST_F(AppearanceEnabling, GoesInItsOrderAndBeforeTheLocation) {
+    begin();
+    const std::vector<std::string> appearance{
+        "titleTokenField",  "previewBtn",      "outlineTextThickness",   "outlineTextThicknessStepper",
+        "borderColourWell", "borderThickness", "borderThicknessStepper", "fillColourWell",
+        "borderStylePopup"};
+    const std::vector<std::string> location{"topLeftBtn",     "topCenterBtn",   "topRightBtn",    "centerLeftBtn",
+                                            "centerBtn",      "centerRightBtn", "bottomLeftBtn",  "bottomCenterBtn",
+                                            "bottomRightBtn", "xOffset",        "xOffsetStepper", "yOffset",
+                                            "yOffsetStepper", "rotation",       "rotationStepper"};
+    pane->enableControls(false);
+    pane->enableAppearenceControls(true);
+    {
+        EnablingLog enabled;
+        pane->enableAppearenceControls(false);
+        EXPECT_EQ(enabled.names, appearance);
+    }
+    EnablingLog enabled;
+    pane->enableControls(true);
+    auto both = appearance;
+    both.insert(both.end(), location.begin(), location.end());
+    EXPECT_EQ(enabled.names, both);
+}
+
 // Loading
 
 TEST_F(AppearanceLoading, ShowsBorderAndFillOfAStyleAsTheyAre) {

@@ -49,6 +49,20 @@ public:
     }
 };
 
+/// The names of the widgets that are enabled or disabled while it lives, in order.
+class EnablingLog final : public QObject {
+public:
+    EnablingLog() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        // Parts of controls have names of their own making, or none.
+        if (event->type() == QEvent::EnabledChange && !watched->objectName().isEmpty() &&
+            !watched->objectName().startsWith(QLatin1String("qt_")))
+            names.push_back(watched->objectName().toStdString());
+        return false;
+    }
+    std::vector<std::string> names;
+};
+
 /// The real bundle with its real interface file in an offscreen window, on a host that records.
 class PaneTest : public ::testing::Test {
 protected:

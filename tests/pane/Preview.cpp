@@ -457,4 +457,10 @@ TEST_F(Preview, StampsTheSampleOfThePanesOwnBundle) {
     EXPECT_EQ(imprinter->stampedFrom()->path(), std::filesystem::path(PANE_BUNDLE) / "Preview.jpg");
 }
 
+TEST_F(Preview, TheSampleIsAnA4PageAt150DotsPerInchOfModestSize) {
+    const auto sample = std::filesystem::path(PANE_BUNDLE) / "Preview.jpg";
+    EXPECT_EQ(QImage(QString::fromStdString(sample.string())).size(), QSize(1240, 1754));
+    EXPECT_LT(std::filesystem::file_size(sample), 600'000U);
+}
+
 } // namespace

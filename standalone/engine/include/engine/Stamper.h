@@ -57,6 +57,10 @@ struct StampJob {
 /// std::bad_alloc.
 Outcome stampFile(const StampJob& job);
 
+/// To be called on the program's first thread before files are stamped on others: what reads pictures is then loaded on
+/// the thread that outlives it.
+void prepareForThreads();
+
 /// How many pages the job's input has: those of a document or a TIFF file, one for another picture; 0 where it cannot
 /// be read.
 std::size_t countPages(const StampJob& job);
