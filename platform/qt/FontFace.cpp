@@ -72,7 +72,10 @@ std::shared_ptr<const FontFace> FontFace::named(const std::u16string& fontName) 
 }
 
 std::shared_ptr<const FontFace> FontFace::open(const FontFile& file) {
-    auto* const blob = hb_blob_create_from_file_or_fail(file.path.c_str());
+    auto* const mapped = hb_blob_create_from_file_or_fail(file.path.c_str());
+    // A file that is cut off while it is mapped would end the program.
+    auto* const blob = mapped ? hb_blob_copy_writable_or_fail(mapped) : nullptr;
+    hb_blob_destroy(mapped);
     if (!blob)
         return nullptr;
     const std::shared_ptr<FontFace> face(new FontFace);

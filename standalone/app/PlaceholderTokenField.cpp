@@ -7,7 +7,6 @@
 #include <AppKit/NSTokenFieldCell.h>
 #include <Foundation/NSString.h>
 
-#include <algorithm>
 #include <array>
 
 using namespace platform;

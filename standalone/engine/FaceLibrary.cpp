@@ -124,7 +124,10 @@ hb_draw_funcs_t* pathFunctions() {
 } // namespace
 
 std::shared_ptr<const Face> Face::open(const std::string& file, unsigned index, std::string postScriptName) {
-    hb_blob_t* const blob = hb_blob_create_from_file_or_fail(file.c_str());
+    hb_blob_t* const mapped = hb_blob_create_from_file_or_fail(file.c_str());
+    // A file that is cut off while it is mapped would end the program.
+    hb_blob_t* const blob = mapped ? hb_blob_copy_writable_or_fail(mapped) : nullptr;
+    hb_blob_destroy(mapped);
     if (!blob)
         return nullptr;
     std::shared_ptr<Face> result(new Face);

@@ -196,6 +196,19 @@ TEST(FontSample, ADamagedFileIsReplacedByTheControlFont) {
     }
 }
 
+TEST(FontSample, AFileThatIsCutOffAfterItWasOpenedIsDrawnAsItWas) {
+    const auto whole = std::filesystem::file_size(made_fonts::file("damaged.ttf"));
+    const auto files = FontSource::current()->filesOf(u"MakerDamaged");
+    ASSERT_FALSE(files.empty());
+    const auto face = FontFace::open(files.front());
+    ASSERT_TRUE(face);
+    const auto untouched = FontFace::open(files.front())->outlines(QStringLiteral("A"), 26);
+    ASSERT_FALSE(untouched.isEmpty());
+    made_fonts::withFileCutOff("damaged.ttf", 0,
+                               [&] { EXPECT_EQ(face->outlines(QStringLiteral("A"), 26), untouched); });
+    EXPECT_EQ(std::filesystem::file_size(made_fonts::file("damaged.ttf")), whole);
+}
+
 TEST(FontSample, TheEngineDrawsADamagedFaceInTheDefaultOne) {
     made_fonts::withFileCutOff("damaged.ttf", 100, [] {
         engine::FaceLibrary faces("MakerSans");
