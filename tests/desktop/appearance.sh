@@ -4,17 +4,6 @@
 # at after each run.
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-keys() { xdotool key --delay 20 "$@"; }
-# fill X Y TEXT KEY: replaces the text of the field at this place and ends the edit with the key
-fill() {
-    click "$1" "$2"
-    keys ctrl+a
-    if [ -n "$3" ]; then xdotool type --delay 20 -- "$3"; else keys BackSpace; fi
-    keys "$4"
-}
-other_window() { xdotool search --onlyvisible --class imprinter 2>/dev/null | grep -vx "$window" | head -n 1; }
-other_window_is_there() { [ -n "$(other_window)" ]; }
-other_window_is_gone() { [ -z "$(other_window)" ]; }
 # pick X Y SHOT COLUMN ROW: opens the panel of the colour well, picks the basic colour at this place, and closes it
 pick() {
     click "$1" "$2"

@@ -78,6 +78,18 @@ stop_program() {
 
 # click X Y [BUTTON]: in the coordinates of the main window
 click() { xdotool mousemove --sync --window "$window" "$1" "$2" click "${3:-1}"; }
+keys() { xdotool key --delay 20 "$@"; }
+# fill X Y TEXT KEY: replaces the text of the field at this place and ends the edit with the key
+fill() {
+    click "$1" "$2"
+    keys ctrl+a
+    if [ -n "$3" ]; then xdotool type --delay 20 -- "$3"; else keys BackSpace; fi
+    keys "$4"
+}
+# A window of the program beside the main one: a menu, a message, a panel.
+other_window() { xdotool search --onlyvisible --class imprinter 2>/dev/null | grep -vx "$window" | head -n 1; }
+other_window_is_there() { [ -n "$(other_window)" ]; }
+other_window_is_gone() { [ -z "$(other_window)" ]; }
 screenshot() { import -window root "$SHOTS/$1.png" 2>/dev/null || true; }
 
 # The value of a line KEY=VALUE of the settings.

@@ -3,24 +3,13 @@
 # guards of their list, with the mouse and with the keyboard. What was stored is looked at after each run.
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-keys() { xdotool key --delay 20 "$@"; }
-# fill X Y TEXT KEY: replaces the text of the field at this place and ends the edit with the key
-fill() {
-    click "$1" "$2"
-    keys ctrl+a
-    if [ -n "$3" ]; then xdotool type --delay 20 -- "$3"; else keys BackSpace; fi
-    keys "$4"
-}
-dialog() { xdotool search --onlyvisible --class imprinter 2>/dev/null | grep -vx "$window" | head -n 1; }
-dialog_is_there() { [ -n "$(dialog)" ]; }
-dialog_is_gone() { [ -z "$(dialog)" ]; }
 # dismiss SHOT: waits for the alert, takes its picture and presses its button
 dismiss() {
-    until_true "the alert about the page list appears" dialog_is_there
-    xdotool windowfocus --sync "$(dialog)"
+    until_true "the alert about the page list appears" other_window_is_there
+    xdotool windowfocus --sync "$(other_window)"
     screenshot "$1"
     keys Return
-    until_true "the alert goes" dialog_is_gone
+    until_true "the alert goes" other_window_is_gone
     xdotool windowfocus --sync "$window"
 }
 stored() { json_is "c[0]['$1']" "$2" || fail "$1 was stored as $(json "c[0]['$1']") instead of $2"; }
@@ -80,11 +69,11 @@ click $custom
 xdotool type --delay 20 -- "7,8"
 keys ctrl+a Delete
 click 20 8
-until_true "the menu opens" dialog_is_there
+until_true "the menu opens" other_window_is_there
 screenshot location-menu
 # The last item of the menu is the one that ends the program.
-height=$(xdotool getwindowgeometry --shell "$(dialog)" | sed -n 's/^HEIGHT=//p')
-xdotool mousemove --sync --window "$(dialog)" 20 $((height - 12)) click 1
+height=$(xdotool getwindowgeometry --shell "$(other_window)" | sed -n 's/^HEIGHT=//p')
+xdotool mousemove --sync --window "$(other_window)" 20 $((height - 12)) click 1
 until_true "the program ends" program_ended
 wait "$program_pid"
 program_pid=

@@ -3,7 +3,6 @@
 # cut and pasted; the file has what the rules say. Then all of that again, and all of it undone: the file is as it was.
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-keys() { xdotool key --delay 20 "$@"; }
 others() { xdotool search --onlyvisible --class '^imprinter$' 2>/dev/null | grep -vx "$window"; }
 has_others() { [ -n "$(others)" ]; }
 no_others() { [ -z "$(others)" ]; }
