@@ -7,6 +7,7 @@
 
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
+#include <engine/Naming.h>
 #include <engine/Stamper.h>
 
 #include <algorithm>
@@ -152,19 +153,6 @@ bool duplicates(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>
                    return false;
                }
            });
-}
-
-/// A name beside `input` that is free: "letter-stamped.pdf", "letter-stamped-2.pdf".
-fs::path nameOfDuplicate(const fs::path& input, const char* suffix, const std::set<fs::path>& taken) {
-    for (int number = 1;; ++number) {
-        auto name = input.stem().string() + suffix;
-        if (number > 1)
-            name += '-' + std::to_string(number);
-        const auto path = input.parent_path() / (name + input.extension().string());
-        std::error_code none;
-        if (!fs::exists(fs::symlink_status(path, none)) && taken.count(path) == 0)
-            return path;
-    }
 }
 
 /// Whether several results can go into a folder of this name: it is one, or does not look like a document.
@@ -374,7 +362,8 @@ private:
             } else if (piped) {
                 return "where to? The standard input needs --output among several files";
             } else {
-                file.output = nameOfDuplicate(file.input, m_task == Task::stamp ? "-stamped" : "-unstamped", taken);
+                file.output =
+                    engine::nameOfDuplicate(file.input, m_task == Task::stamp ? "-stamped" : "-unstamped", taken);
                 file.announced = true;
             }
             if (!file.output.empty())
