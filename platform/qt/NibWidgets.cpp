@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NibWidgets.h"
 
+#include "Accessibility.h"
 #include "ButtonGroupKeys.h"
 #include "ButtonPeer.h"
 #include "ColorWellPeer.h"
@@ -95,6 +96,10 @@ void giveReasons(const NSTextField& view, LineEdit& edit, NibText& text) {
 
 void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText& text) {
     view->setFormatter(formatterOf(edit, text));
+    // Numbers stand at the end of the line whichever way their own letters run.
+    if (edit.alignment() & Qt::AlignRight)
+        edit.setAlignment((edit.isLeftToRight() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
+                          Qt::AlignVCenter);
     if (const int limit = edit.maxLength(); limit != std::numeric_limits<int>::max())
         view->setMaximumLength(static_cast<std::size_t>(limit));
     edit.setMaxLength(std::numeric_limits<int>::max());
@@ -343,6 +348,7 @@ QWidget* NibWidgetLoader::loadFile(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return nullptr;
+    installAccessibility();
     readCustomClasses(file);
     file.seek(0);
     clearPluginPaths();

@@ -2,6 +2,7 @@
 #include <app/Window.h>
 
 #include "HostBundle.h"
+#include "Language.h"
 #include "MainWindow.h"
 #include "Pictures.h"
 #include "Signals.h"
@@ -10,8 +11,6 @@
 #include <Foundation/NSUserDefaults.h>
 
 #include <QApplication>
-#include <QLibraryInfo>
-#include <QTranslator>
 
 #include <iostream>
 #include <map>
@@ -42,10 +41,7 @@ void prepare(QApplication& application) {
     QApplication::setApplicationName(QStringLiteral("imprinter"));
     QApplication::setApplicationDisplayName(QStringLiteral("Imprinter"));
     QGuiApplication::setDesktopFileName(QStringLiteral("imprinter"));
-    auto* translator = new QTranslator(&application);
-    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(translator);
+    followLanguage(application);
 }
 
 /// Settings as they are at first, which nobody keeps.
