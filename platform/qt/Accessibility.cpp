@@ -204,9 +204,9 @@ public:
         if (kind != QAccessible::Value)
             return QAccessibleWidget::text(kind);
         const auto& color = well().color();
-        return color.alpha() == 255
-                   ? color.name().toUpper()
-                   : color.name().toUpper() + u' ' + QLocale().toString(qRound(color.alphaF() * 100)) + QLocale().percent();
+        return color.alpha() == 255 ? color.name().toUpper()
+                                    : color.name().toUpper() + u' ' + QLocale().toString(qRound(color.alphaF() * 100)) +
+                                          QLocale().percent();
     }
     QStringList actionNames() const override { return {QAccessibleActionInterface::pressAction()}; }
     void doAction(const QString& name) override {

@@ -25,6 +25,7 @@
 #include <QCheckBox>
 #include <QFile>
 #include <QHeaderView>
+#include <QLocale>
 #include <QPushButton>
 #include <QXmlStreamReader>
 
@@ -90,7 +91,7 @@ void giveReasons(const NSTextField& view, LineEdit& edit, NibText& text) {
                                                    formatter->stringFromNumber(formatter->maximum())})
                                : text.localized(QStringLiteral("Enter a number."));
     const auto length = stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
-                                         {fromQt(QString::number(view.maximumLength()))});
+                                         {fromQt(QLocale().toString(static_cast<qulonglong>(view.maximumLength())))});
     edit.setReasons(toQt(number), toQt(length));
 }
 
@@ -117,7 +118,7 @@ void showTokens(const std::shared_ptr<NSTokenField>& view, TokenEdit& edit, NibT
         view->setMaximumLength(static_cast<std::size_t>(limit.toUInt()));
     edit.setTooLongReason(
         toQt(stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
-                              {fromQt(QString::number(view->maximumLength()))})));
+                              {fromQt(QLocale().toString(static_cast<qulonglong>(view->maximumLength())))})));
     view->setPeer(makeTokenFieldPeer(view, edit));
 }
 

@@ -19,8 +19,7 @@ EmptyHint::EmptyHint(std::function<void()> makeOne, QWidget* parent) : QFrame(pa
     bold.setBold(true);
     title->setFont(bold);
     title->setForegroundRole(QPalette::Text);
-    auto* explanation =
-        new QLabel(text(u"A configuration says what is stamped, where, and on which pages."), this);
+    auto* explanation = new QLabel(text(u"A configuration says what is stamped, where, and on which pages."), this);
     explanation->setWordWrap(true);
     explanation->setForegroundRole(QPalette::Text);
     auto* button = new QPushButton(text(u"New Configuration"), this);

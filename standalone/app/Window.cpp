@@ -31,7 +31,7 @@ std::unique_ptr<MainWindow> openWindow(Session& session) {
 
 /// What the toolkit says about running without a display concerns nobody.
 void dropOffscreenNoise(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtDebugMsg || message.contains(QLatin1String("propagateSizeHints")) ||
+    if (type == QtDebugMsg || message.contains(QLatin1String("This plugin does not support")) ||
         message.contains(QLatin1String("XDG_RUNTIME_DIR")))
         return;
     std::cerr << message.toStdString() << '\n';
@@ -85,6 +85,7 @@ int drawPictures(int& argc, char** argv, const std::filesystem::path& store, con
     qInstallMessageHandler(dropOffscreenNoise);
     QApplication application(argc, argv);
     prepare(application);
+    chooseLook(qEnvironmentVariable("IMPRINTER_LOOK").toStdString());
     platform::NSUserDefaults::setStandardUserDefaults(std::make_shared<PassingDefaults>());
     Session session(store);
     for (const auto& message : session.messages())

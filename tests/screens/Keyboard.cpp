@@ -197,7 +197,8 @@ TEST_F(Keyboard, InsertsAPlaceholderIntoTheTitle) {
 TEST_F(Keyboard, OpensTheListsOfPopUpButtons) {
     open();
     showEditor(u"Appearance");
-    for (const char* name : {"actionPopupMenu", "fontTokensPopup", "fontPopup", "fontAttributePopup", "borderStylePopup"}) {
+    for (const char* name :
+         {"actionPopupMenu", "fontTokensPopup", "fontPopup", "fontAttributePopup", "borderStylePopup"}) {
         auto* button = child(name);
         ASSERT_TRUE(button) << name;
         button->setFocus();

@@ -53,11 +53,12 @@ QAccessibleInterface* accessible(QObject* object) {
 }
 
 const std::set<Role>& rolesWithNames() {
-    static const std::set<Role> roles{
-        Role::Button,   Role::ButtonMenu, Role::ButtonDropDown, Role::CheckBox, Role::RadioButton, Role::EditableText,
-        Role::ComboBox, Role::SpinBox,    Role::Slider,         Role::Table,    Role::Tree,        Role::List,
-        Role::ListItem, Role::Cell,       Role::PageTab,        Role::MenuItem, Role::Graphic,     Role::ColorChooser,
-        Role::Dialog,   Role::Window,     Role::ColumnHeader,   Role::AlertMessage};
+    static const std::set<Role> roles{Role::Button,       Role::ButtonMenu,   Role::ButtonDropDown, Role::CheckBox,
+                                      Role::RadioButton,  Role::EditableText, Role::ComboBox,       Role::SpinBox,
+                                      Role::Slider,       Role::Table,        Role::Tree,           Role::List,
+                                      Role::ListItem,     Role::Cell,         Role::PageTab,        Role::MenuItem,
+                                      Role::Graphic,      Role::ColorChooser, Role::Dialog,         Role::Window,
+                                      Role::ColumnHeader, Role::AlertMessage};
     return roles;
 }
 
@@ -120,10 +121,10 @@ TEST(NamesThemselves, AButtonWithoutOneIsFound) {
 TEST_F(Names, PositionsAreNamedInTheLanguageOfTheUser) {
     open();
     showEditor(u"Location");
-    for (const auto& [button, english] : {std::pair("topLeftBtn", u"Top left"), std::pair("topCenterBtn", u"Top center"),
-                                          std::pair("topRightBtn", u"Top right"),
-                                          std::pair("centerBtn", u"Center"),
-                                          std::pair("bottomRightBtn", u"Bottom right")}) {
+    for (const auto& [button, english] :
+         {std::pair("topLeftBtn", u"Top left"), std::pair("topCenterBtn", u"Top center"),
+          std::pair("topRightBtn", u"Top right"), std::pair("centerBtn", u"Center"),
+          std::pair("bottomRightBtn", u"Bottom right")}) {
         auto* object = part(button);
         ASSERT_TRUE(object) << button;
         EXPECT_EQ(nameOf(*object), local(english));
@@ -242,10 +243,10 @@ TEST_F(Names, ThePreviewSaysWhatItShows) {
     ASSERT_FALSE(spoken.empty());
     walk(accessible(popover), [&](QAccessibleInterface& object) {
         if (object.role() == QAccessible::Graphic) {
-            EXPECT_EQ(object.text(QAccessible::Description),
-                      app::toQt(stringWithFormat(local(u"%@, page %@ of %@, %@").toStdU16String(),
-                                                 {u"Received", number(1), number(1),
-                                                  local(u"top right").toStdU16String()})));
+            EXPECT_EQ(
+                object.text(QAccessible::Description),
+                app::toQt(stringWithFormat(local(u"%@, page %@ of %@, %@").toStdU16String(),
+                                           {u"Received", number(1), number(1), local(u"top right").toStdU16String()})));
         }
     });
 }

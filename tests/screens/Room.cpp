@@ -30,7 +30,8 @@ std::string nameOf(const QWidget& widget) {
 
 class RoomOf {
 public:
-    RoomOf(std::string screen, const QWidget& root, Problems& problems) : m_screen(std::move(screen)), m_problems(problems) {
+    RoomOf(std::string screen, const QWidget& root, Problems& problems)
+        : m_screen(std::move(screen)), m_problems(problems) {
         look(root);
     }
 
@@ -40,8 +41,8 @@ private:
     }
     void compare(const QWidget& widget, const QString& text, int needed, int room, const char* way = "width") {
         if (!text.isEmpty() && needed > room)
-            report(widget, "\"" + text.toStdString() + "\" needs a " + way + " of " + std::to_string(needed) + ", has " +
-                               std::to_string(room));
+            report(widget, "\"" + text.toStdString() + "\" needs a " + way + " of " + std::to_string(needed) +
+                               ", has " + std::to_string(room));
     }
 
     void look(const QWidget& widget) {
@@ -93,7 +94,8 @@ private:
         } else if (const auto* box = qobject_cast<const QComboBox*>(&widget)) {
             compareFace(*box);
         } else if (const auto* field = qobject_cast<const QLineEdit*>(&widget)) {
-            compare(*field, field->text(), field->fontMetrics().horizontalAdvance(field->text()) + 2 * 4, field->width());
+            compare(*field, field->text(), field->fontMetrics().horizontalAdvance(field->text()) + 2 * 4,
+                    field->width());
             compare(*field, QStringLiteral("0"), field->fontMetrics().height() + 4, field->height(), "height");
         } else if (const auto* tabs = qobject_cast<const QTabBar*>(&widget)) {
             compare(*tabs, tabs->tabText(0), tabs->sizeHint().width(), tabs->parentWidget()->width());

@@ -185,7 +185,8 @@ void Screens::visitDialogs(const Look& look) {
     for (const int files : {1, 2})
         lookAtModal("question about originals", look, [&] {
             QMimeData mime;
-            mime.setUrls(QList<QUrl>(files, QUrl::fromLocalFile(QString::fromStdString((folder / "letter.png").string()))));
+            mime.setUrls(
+                QList<QUrl>(files, QUrl::fromLocalFile(QString::fromStdString((folder / "letter.png").string()))));
             QDragEnterEvent enters({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
             QApplication::sendEvent(window.get(), &enters);
             QDropEvent drops({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});

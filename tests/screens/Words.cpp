@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Nothing on any screen stays in English where the language of the environment is another one; numbers, the direction of
-// the layout and the toolkit's own dialogs follow it.
+// Nothing on any screen stays in English where the language of the environment is another one; numbers, the direction
+// of the layout and the toolkit's own dialogs follow it.
 
 #include "Screens.h"
 
@@ -16,11 +16,13 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTest>
+#include <QTimer>
 
 #include <set>
 
@@ -76,11 +78,13 @@ bool hasLetters(const QString& text) {
     return false;
 }
 
-/// Names that are the user's, the program's, or keys of the keyboard; and the toolkit's words, which has no such language.
+/// Names that are the user's, the program's, or keys of the keyboard; and the toolkit's words, which has no such
+/// language.
 bool staysAsItIs(const QString& text) {
-    static const std::set<QString> known{"Imprinter",   "Received", "Page of Pages", "Confidential", "DejaVu Sans",
-                                         "Bold",        "letter.png", "Ctrl+Up",     "Ctrl+Down",    "OK",
-                                         "Cancel",      "Yes",      "No",            "Scroll Left", "Scroll Right"};
+    static const std::set<QString> known{"Imprinter",   "Received",    "Page of Pages", "Confidential",
+                                         "DejaVu Sans", "Bold",        "letter.png",    "Ctrl+Up",
+                                         "Ctrl+Down",   "OK",          "Cancel",        "Yes",
+                                         "No",          "Scroll Left", "Scroll Right"};
     return known.contains(text) || text.startsWith(QLatin1String("no.pdf")) || text.startsWith(QLatin1String("<html>"));
 }
 
@@ -123,10 +127,9 @@ TEST_F(Words, NothingStaysInEnglish) {
 }
 
 TEST_F(Words, TheProgramAndThePaneSpeakTheLanguageOfTheEnvironment) {
-    const std::map<std::string, std::string> languages{{"en_US", "en"}, {"de_DE", "de"}, {"fr_FR", "fr"},
-                                                       {"es_ES", "es"}, {"it_IT", "it"}, {"pt_BR", "pt"},
-                                                       {"nl_NL", "nl"}, {"ja_JP", "ja"}, {"zh_CN", "zh-Hans"},
-                                                       {"ar_EG", "ar"}, {"qps", "qps"}};
+    const std::map<std::string, std::string> languages{
+        {"en_US", "en"}, {"de_DE", "de"}, {"fr_FR", "fr"},      {"es_ES", "es"}, {"it_IT", "it"}, {"pt_BR", "pt"},
+        {"nl_NL", "nl"}, {"ja_JP", "ja"}, {"zh_CN", "zh-Hans"}, {"ar_EG", "ar"}, {"qps", "qps"}};
     const auto environment = qgetenv("LC_ALL").toStdString();
     const auto found = languages.find(environment.substr(0, environment.find('.')));
     ASSERT_NE(found, languages.end()) << environment;
@@ -135,9 +138,10 @@ TEST_F(Words, TheProgramAndThePaneSpeakTheLanguageOfTheEnvironment) {
 }
 
 TEST_F(Words, TheToolkitsOwnButtonsSpeakTheSameLanguage) {
-    const std::map<std::string, QString> cancels{
-        {"en", "Cancel"}, {"de", "Abbrechen"}, {"fr", "Annuler"}, {"es", "Cancelar"},  {"it", "Annulla"}, {"pt", "Cancelar"},
-        {"nl", "Annuleren"}, {"ja", "キャンセル"}, {"zh-Hans", "取消"}, {"ar", "ألغِ"}, {"qps", "Cancel"}};
+    const std::map<std::string, QString> cancels{{"en", "Cancel"},    {"de", "Abbrechen"},  {"fr", "Annuler"},
+                                                 {"es", "Cancelar"},  {"it", "Annulla"},    {"pt", "Cancelar"},
+                                                 {"nl", "Annuleren"}, {"ja", "キャンセル"}, {"zh-Hans", "取消"},
+                                                 {"ar", "ألغِ"},       {"qps", "Cancel"}};
     QDialogButtonBox box(QDialogButtonBox::Cancel);
     EXPECT_EQ(box.button(QDialogButtonBox::Cancel)->text().remove(u'&'), cancels.at(language()));
 }
@@ -152,6 +156,46 @@ TEST_F(Words, TheLayoutRunsAsTheLanguageDoes) {
     showEditor(u"Location");
     EXPECT_EQ(at("rotation") > at("rotationStepper"), mirrored);
     EXPECT_LT(at("topLeftBtn"), at("topRightBtn")) << "a page has its left on the left in every language";
+}
+
+/// Whether something is drawn between `from` and `to` of a row's own colour.
+bool isDrawnOn(const QImage& picture, QRect place) {
+    for (int x = place.left(); x <= place.right(); ++x)
+        for (int y = place.top(); y <= place.bottom(); ++y)
+            if (picture.pixel(x, y) != picture.pixel(place.topLeft()))
+                return true;
+    return false;
+}
+
+TEST_F(Words, TheMarkOfAListStandsWhereTheLineBegins) {
+    if (language() == "ja" || language() == "zh-Hans")
+        GTEST_SKIP() << "the fonts of the sample lack the letters, so that none of the list is marked";
+    open();
+    showEditor(u"Appearance");
+    auto* button = child("fontAttributePopup");
+    bool seen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* popup = QApplication::activePopupWidget();
+        auto* list = popup ? popup->findChild<QListView*>() : nullptr;
+        if (!list)
+            return;
+        poll.stop();
+        seen = true;
+        const auto picture = list->viewport()->grab().toImage();
+        auto row = list->visualRect(list->currentIndex());
+        const int mark = list->fontMetrics().height();
+        const QRect left(row.left() + 2, row.top() + 2, mark, row.height() - 4);
+        const QRect right(row.right() - 1 - mark, row.top() + 2, mark, row.height() - 4);
+        const bool mirrored = language() == "ar";
+        EXPECT_TRUE(isDrawnOn(picture, mirrored ? right : left));
+        EXPECT_FALSE(isDrawnOn(picture, mirrored ? left : right));
+        QTest::keyClick(list, Qt::Key_Escape);
+    });
+    poll.start(1);
+    button->setFocus();
+    QTest::keyClick(button, Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return seen; }));
 }
 
 TEST_F(Words, NumbersAreWrittenAndReadAsTheLocaleHasThem) {
