@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "TokenFieldPeer.h"
 
+#include "FrameLines.h"
 #include "Menu.h"
 #include "TokenDrawing.h"
 #include "TokenPasteboard.h"
@@ -610,6 +611,13 @@ void TokenEdit::showRefusal(Refusal refusal) {
         QToolTip::hideText();
     }
     viewport()->update();
+}
+
+bool TokenEdit::event(QEvent* event) {
+    const bool answer = QTextEdit::event(event);
+    if (event->type() == QEvent::Paint)
+        mendFrameLines(*this);
+    return answer;
 }
 
 void TokenEdit::paintEvent(QPaintEvent* event) {
