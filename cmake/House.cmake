@@ -12,6 +12,7 @@ set(CMAKE_LINK_WHAT_YOU_USE OFF)
 option(IMPRINTER_TESTS "Build the tests" ON)
 option(IMPRINTER_BENCH "Build the benches" ON)
 option(IMPRINTER_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(IMPRINTER_FUZZ "Build the fuzzers, everything with both sanitizers (clang only)" OFF)
 
 find_program(CCACHE ccache)
 if(CCACHE)
@@ -23,10 +24,17 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverl
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     add_compile_options(-Wno-restrict)
 endif()
-add_link_options(-Wl,--as-needed -Wl,--no-undefined)
+add_link_options(-Wl,--as-needed)
+if(NOT IMPRINTER_FUZZ) # clang's sanitizers are in programs alone
+    add_link_options(-Wl,--no-undefined)
+endif()
 if(IMPRINTER_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+endif()
+if(IMPRINTER_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=fuzzer-no-link,address,undefined)
 endif()
 
 # The headers below a folder are what others may include of a target. Each has to compile alone.

@@ -66,10 +66,9 @@ std::string textOf(const host::NSArray<host::TitleToken>& title) {
         } else if (const auto* run = std::get_if<std::shared_ptr<host::ImprinterFont>>(&(*title)[i])) {
             const auto& font = **run;
             // Showing a title numbers its runs anew, so their numbers are no part of the account.
-            text += "[" + toUtf8(font.fullFontName()) + " " +
-                    number(font.fontSize()) + " " + textOf(font.colour()) + " " + number(font.strokeWidth()) +
-                    (font.underline() ? " u" : "") + (font.strikethrough() ? " s" : "") + (font.outline() ? " o" : "") +
-                    "]";
+            text += "[" + toUtf8(font.fullFontName()) + " " + number(font.fontSize()) + " " + textOf(font.colour()) +
+                    " " + number(font.strokeWidth()) + (font.underline() ? " u" : "") +
+                    (font.strikethrough() ? " s" : "") + (font.outline() ? " o" : "") + "]";
         }
     }
     return text;
@@ -172,16 +171,26 @@ public:
             void (Monkey::*act)();
         };
         static constexpr Choice choices[] = {
-            {6, "selecting a row", &Monkey::selectRow},       {2, "making one", &Monkey::make},
-            {1, "making a combined one", &Monkey::combine},   {2, "duplicating", &Monkey::duplicate},
-            {3, "deleting", &Monkey::remove},                 {3, "renaming", &Monkey::rename},
-            {8, "typing into the title", &Monkey::typeTitle}, {4, "inserting by menu", &Monkey::insertByMenu},
-            {6, "a number field", &Monkey::typeNumber},       {4, "an anchor", &Monkey::clickAnchor},
-            {4, "a check box", &Monkey::clickBox},            {3, "a pop-up", &Monkey::choose},
-            {3, "the page list", &Monkey::typePages},         {2, "an occurrence", &Monkey::clickOccurrence},
-            {3, "a page of the editor", &Monkey::switchPage}, {3, "members", &Monkey::changeMembers},
-            {2, "the preview", &Monkey::preview},             {4, "waiting", &Monkey::wait},
-            {2, "a click anywhere", &Monkey::clickAnywhere},  {1, "another size", &Monkey::resize},
+            {6, "selecting a row", &Monkey::selectRow},
+            {2, "making one", &Monkey::make},
+            {1, "making a combined one", &Monkey::combine},
+            {2, "duplicating", &Monkey::duplicate},
+            {3, "deleting", &Monkey::remove},
+            {3, "renaming", &Monkey::rename},
+            {8, "typing into the title", &Monkey::typeTitle},
+            {4, "inserting by menu", &Monkey::insertByMenu},
+            {6, "a number field", &Monkey::typeNumber},
+            {4, "an anchor", &Monkey::clickAnchor},
+            {4, "a check box", &Monkey::clickBox},
+            {3, "a pop-up", &Monkey::choose},
+            {3, "the page list", &Monkey::typePages},
+            {2, "an occurrence", &Monkey::clickOccurrence},
+            {3, "a page of the editor", &Monkey::switchPage},
+            {3, "members", &Monkey::changeMembers},
+            {2, "the preview", &Monkey::preview},
+            {4, "waiting", &Monkey::wait},
+            {2, "a click anywhere", &Monkey::clickAnywhere},
+            {1, "another size", &Monkey::resize},
             {1, "closing and opening", &Monkey::reopen},
         };
         unsigned total = 0;
@@ -407,9 +416,7 @@ private:
         if (!name.empty())
             m_account[static_cast<std::size_t>(row)]["name"] = toUtf8(name);
     }
-    QTextEdit* title() {
-        return qobject_cast<QTextEdit*>(widget(u"titleTokenField"));
-    }
+    QTextEdit* title() { return qobject_cast<QTextEdit*>(widget(u"titleTokenField")); }
     void typeTitle() {
         auto* editor = title();
         if (!editor)
@@ -473,12 +480,9 @@ private:
             const char* property;
             const char* emptied;
         };
-        static constexpr Field fields[] = {{u"xOffset", "x", "0"},
-                                           {u"yOffset", "y", "0"},
-                                           {u"rotation", "rotation", "0"},
-                                           {u"borderThickness", "thickness", "1"},
-                                           {u"fontSizeField", "title", ""},
-                                           {u"outlineTextThickness", "title", ""}};
+        static constexpr Field fields[] = {{u"xOffset", "x", "0"},          {u"yOffset", "y", "0"},
+                                           {u"rotation", "rotation", "0"},  {u"borderThickness", "thickness", "1"},
+                                           {u"fontSizeField", "title", ""}, {u"outlineTextThickness", "title", ""}};
         const auto& field = fields[pick(std::size(fields))];
         auto* edit = qobject_cast<QLineEdit*>(widget(field.outlet));
         auto* properties = current();
@@ -499,8 +503,8 @@ private:
             (*properties)[field.property] = typed.empty() ? field.emptied : typed;
     }
     void clickAnchor() {
-        static constexpr const char16_t* buttons[] = {u"topLeftBtn",    u"topCenterBtn",   u"topRightBtn",
-                                                      u"centerLeftBtn", u"centerBtn",      u"centerRightBtn",
+        static constexpr const char16_t* buttons[] = {u"topLeftBtn",    u"topCenterBtn",    u"topRightBtn",
+                                                      u"centerLeftBtn", u"centerBtn",       u"centerRightBtn",
                                                       u"bottomLeftBtn", u"bottomCenterBtn", u"bottomRightBtn"};
         const auto chosen = pick(std::size(buttons));
         auto* button = widget(buttons[chosen]);
@@ -600,7 +604,8 @@ private:
         for (auto left = 1 + pick(3); left > 0; --left)
             rows.addIndex(pick(static_cast<std::size_t>(table->numberOfRows())));
         table->userSelects(rows, static_cast<NSInteger>(rows.firstIndex()));
-        auto* button = m_window->findChild<QAbstractButton*>(adds ? QStringLiteral("addBtn") : QStringLiteral("removeBtn"));
+        auto* button =
+            m_window->findChild<QAbstractButton*>(adds ? QStringLiteral("addBtn") : QStringLiteral("removeBtn"));
         if (!button->isEnabled())
             return; // these rows were selected already, when the last act disabled it
         button->click();
@@ -641,9 +646,7 @@ private:
         // Whatever is there may have been meant.
         m_account = now();
     }
-    void resize() {
-        m_window->resize(static_cast<int>(400 + pick(900)), static_cast<int>(300 + pick(700)));
-    }
+    void resize() { m_window->resize(static_cast<int>(400 + pick(900)), static_cast<int>(300 + pick(700))); }
     void close() {
         const auto row = currentRow();
         const auto leaving = row < m_account.size() ? &m_account[row] : nullptr;
