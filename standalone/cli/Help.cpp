@@ -11,6 +11,8 @@ const char* const helpText =
     imprinter show NAME...                         print configurations
     imprinter stamp --configuration NAME... [--output PATH | --in-place] FILE...
                                                    stamp files; PATH is a file for one, a folder for several
+    imprinter stamp --title TEXT [LOOKS] [--output PATH | --in-place] FILE...
+                                                   stamp a title that is told here
     imprinter unstamp [--configuration NAME...] [--output PATH | --in-place] FILE...
                                                    remove stamps from PDF documents, all or those named
     imprinter preview --configuration NAME --output PICTURE [SAMPLE]
@@ -21,6 +23,18 @@ const char* const helpText =
 
     --store FILE           before any command: use the configurations in FILE
     --configuration NAME   a name or an identifier; given several times, the stamps are put on in that order
+    --title TEXT           what to stamp, with or without configurations; %pageNumber%, %recordPageCount%, %date%,
+                           %time%, %recordName%, %user% and %runningNumber% stand for what they say
+      --font NAME          its font's PostScript name; DejaVuSans-Bold at first
+      --size POINTS        14 at first
+      --color COLOUR       a name, #rgb, #rrggbb or #rrggbbaa; black at first
+      --border STYLE       none, rectangle, rounded, oval, double, dashed, underline or corners
+      --border-color COLOUR, --thickness POINTS
+                           the text's colour and 1.5 at first
+      --fill COLOUR        a ground
+      --position PLACE     top-left, top, top-right, left, center, right, bottom-left, bottom or bottom-right
+      --offset X,Y         from there, in points to the right and up
+      --rotate DEGREES     counter-clockwise
     --output PATH          where to; "-" is the standard output
     --in-place             replace the files themselves
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
@@ -39,6 +53,7 @@ const char* const helpText =
 FILE may be "-", the standard input, whose result goes to the standard output unless --output says otherwise.
 
 Examples:
+    imprinter stamp --title "RECEIVED page %pageNumber% of %recordPageCount%" --color red --border rectangle letter.pdf
     imprinter stamp --configuration Received --output letter-received.pdf letter.pdf
     imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
     imprinter stamp --configuration Received --in-place --replace --jobs 4 inbox/*.pdf

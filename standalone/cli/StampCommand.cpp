@@ -4,6 +4,7 @@
 #include "Arguments.h"
 #include "Commands.h"
 #include "Progress.h"
+#include "TitleOptions.h"
 
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
@@ -256,6 +257,11 @@ public:
                 m_job.configurations.push_back(std::move(found));
             }
         }
+        std::string wrongLooks;
+        if (auto described = configurationFromOptions(m_arguments, wrongLooks))
+            m_job.configurations.push_back(std::move(described));
+        if (!wrongLooks.empty())
+            return complain(usage, wrongLooks);
         if (const int status = readPassword(); status != done)
             return status;
         if (const auto problem = findFiles(); !problem.empty())
@@ -282,8 +288,9 @@ private:
     /// A sentence about what is wrong with the options; empty where nothing is.
     std::string findJob() {
         const auto& a = m_arguments;
-        if (m_task == Task::stamp && !a.has("--configuration"))
-            return "which configuration? Name one with --configuration; `imprinter list` shows them";
+        if (m_task == Task::stamp && !a.has("--configuration") && !a.has("--title"))
+            return "which configuration? Name one with --configuration, `imprinter list` shows them, or say what is to "
+                   "be stamped with --title";
         if (a.files.empty())
             return m_task == Task::stamp ? "which file is to be stamped?" : "which file is to be freed from stamps?";
         if (a.has("--output") && a.value("--output").empty())
@@ -515,9 +522,12 @@ private:
 
 int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
-    auto sorted = sortArguments(
-        arguments, {"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs"},
-        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite"}, problem);
+    std::vector<std::string> withValue{"--configuration", "--output",       "--pages",
+                                       "--password-file", "--first-number", "--jobs"};
+    withValue.insert(withValue.end(), titleOptions().begin(), titleOptions().end());
+    auto sorted =
+        sortArguments(arguments, withValue,
+                      {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite"}, problem);
     return sorted ? Run(Task::stamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 

@@ -20,7 +20,17 @@ _imprinter() {
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return ;;
-        --pages | --first-number | --jobs) return ;;
+        --border)
+            mapfile -t COMPREPLY < <(compgen -W 'none rectangle rounded oval double dashed underline corners' -- "$word")
+            return ;;
+        --position)
+            mapfile -t COMPREPLY < <(compgen -W 'top-left top top-right left center right bottom-left bottom
+                bottom-right' -- "$word")
+            return ;;
+        --color | --border-color | --fill)
+            mapfile -t COMPREPLY < <(compgen -W 'black blue gray green orange purple red white yellow' -- "$word")
+            return ;;
+        --pages | --first-number | --jobs | --title | --font | --size | --thickness | --offset | --rotate) return ;;
     esac
     if [[ $COMP_CWORD -gt $at && $word != -* && ($command == show || $command == export) ]]; then
         names=true
@@ -39,7 +49,8 @@ _imprinter() {
     if [[ $word == -* ]]; then
         local options='--help'
         case $command in
-            stamp) options+=' --configuration --output --in-place --pages --first-number --replace --password-file
+            stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
+                --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
                 --allow-signed --incremental --rewrite --jobs --json' ;;
             unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
                 --rewrite --jobs --json' ;;
