@@ -7,6 +7,7 @@ const char* const helpText =
     R"(Imprinter stamps titles such as page numbers and "Received" onto PDF documents and pictures.
 
     imprinter                                      open the window
+    imprinter open FILE...                         open the window with files that wait to be stamped
     imprinter list                                 list the configurations
     imprinter show NAME...                         print configurations
     imprinter stamp --configuration NAME... [--output PATH | --in-place] FILE...

@@ -25,9 +25,9 @@ struct Choice {
 };
 
 constexpr std::array positions{
-    Choice{"top-left", 0},     Choice{"top", 1},          Choice{"top-right", 2},
-    Choice{"left", 3},         Choice{"center", 4},       Choice{"right", 5},
-    Choice{"bottom-left", 6},  Choice{"bottom", 7},       Choice{"bottom-right", 8},
+    Choice{"top-left", 0},    Choice{"top", 1},    Choice{"top-right", 2},
+    Choice{"left", 3},        Choice{"center", 4}, Choice{"right", 5},
+    Choice{"bottom-left", 6}, Choice{"bottom", 7}, Choice{"bottom-right", 8},
 };
 
 constexpr auto number(host::BorderStyle style) {
@@ -129,7 +129,8 @@ private:
         auto run = m_made->createFontToken();
         run->setFontNumber(0);
         constexpr double size = 14;
-        const auto points = number("--size", size, [](double value) { return value > 0; }, "a number of points");
+        const auto points = number(
+            "--size", size, [](double value) { return value > 0; }, "a number of points");
         const auto text = colour("--color", NSColor::blackColor());
         if (!points || !text)
             return false;
@@ -146,8 +147,8 @@ private:
     bool readBorder() {
         const auto style = choice("--border", borders, "none");
         constexpr double thin = 1.5;
-        const auto thickness =
-            number("--thickness", thin, [](double value) { return value >= 0; }, "a number of points");
+        const auto thickness = number(
+            "--thickness", thin, [](double value) { return value >= 0; }, "a number of points");
         const auto border = colour("--border-color", m_text);
         const auto fill = colour("--fill", NSColor::blackColor());
         if (!style || !thickness || !border || !fill)
@@ -165,7 +166,8 @@ private:
 
     bool readPlace() {
         const auto position = choice("--position", positions, "top-right");
-        const auto degrees = number("--rotate", 0, [](double) { return true; }, "a number of degrees");
+        const auto degrees = number(
+            "--rotate", 0, [](double) { return true; }, "a number of degrees");
         if (!position || !degrees)
             return false;
         host::NSPoint offset;
@@ -227,9 +229,9 @@ private:
 } // namespace
 
 const std::vector<std::string>& titleOptions() {
-    static const std::vector<std::string> options{"--title",        "--font", "--size",     "--color",  "--border",
-                                                  "--border-color", "--fill", "--position", "--offset", "--rotate",
-                                                  "--thickness"};
+    static const std::vector<std::string> options{"--title",  "--font",         "--size",     "--color",
+                                                  "--border", "--border-color", "--fill",     "--position",
+                                                  "--offset", "--rotate",       "--thickness"};
     return options;
 }
 

@@ -4,7 +4,7 @@
 
 _imprinter() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} at=1 command
-    local commands='list show stamp unstamp preview export import pictures'
+    local commands='open list show stamp unstamp preview export import pictures'
     local store=()
     COMPREPLY=()
     if [[ ${COMP_WORDS[1]} == --store ]]; then

@@ -76,7 +76,8 @@ TEST_F(Titles, OffsetRunsRightAndUpAndARotationTurns) {
 }
 
 TEST_F(Titles, ColoursAreNamesOrHexadecimalNumbersWithAnOpacity) {
-    area("--title I --size 200 --color '#00f' --border rectangle --border-color lime --thickness 10 --fill '#ffff0080'");
+    area(
+        "--title I --size 200 --color '#00f' --border rectangle --border-color lime --thickness 10 --fill '#ffff0080'");
     EXPECT_GT(count({0, 0, 255}), 1000);
     EXPECT_GT(count({0, 255, 0}), 1000);
     EXPECT_GT(count({255, 255, 127}), 1000); // half of yellow over white
@@ -102,8 +103,8 @@ TEST_F(Titles, PercentSignsThatEncloseNoNameAreText) {
 }
 
 TEST_F(Titles, AConfigurationsStampComesFirstAndPagesAreThoseAskedFor) {
-    const auto run = imprinter(
-        "stamp --configuration 'Page of Pages' --title 'and more' --pages 2 --output out.pdf letter.pdf");
+    const auto run =
+        imprinter("stamp --configuration 'Page of Pages' --title 'and more' --pages 2 --output out.pdf letter.pdf");
     EXPECT_EQ(run.status, 0) << run.output;
     const auto second = shell("pdftotext -f 2 -l 2 out.pdf -").output;
     EXPECT_NE(second.find("Page 2 of 3"), std::string::npos) << second;
