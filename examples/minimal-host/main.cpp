@@ -103,8 +103,7 @@ struct Imprinter final : host::Imprinter {
         return nullptr;
     }
     shared_ptr<host::ImprinterConfiguration> createConfiguration(bool combined) override {
-        return m_list.emplace_back(
-            std::make_shared<Configuration>(globallyUniqueString(), u"", combined));
+        return m_list.emplace_back(std::make_shared<Configuration>(globallyUniqueString(), u"", combined));
     }
     shared_ptr<host::ImprinterConfiguration> duplicateConfigurationAtIndex(NSInteger) override { return nullptr; }
     NSUInteger indexOfConfiguration(const shared_ptr<host::ImprinterConfiguration>& wanted) const override {
