@@ -30,12 +30,14 @@ echo "package: lintian is content; $size bytes"
 skip() { echo "package: not tried in a minimal system: $*"; exit 0; }
 [ "$(id -u)" -eq 0 ] || skip "only root can make one"
 root=$(mktemp -d)
-trap 'rm -rf --one-file-system "$root"' EXIT
+trap 'umount "$root/proc" 2>/dev/null || true; rm -rf --one-file-system "$root"' EXIT
 log=$folder/debootstrap.log
 mirror=$(awk '/^(deb |URIs:)/ {for (i = 2; i <= NF; ++i) if ($i ~ /^https?:/) {print $i; exit}}' \
     /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null || true)
 debootstrap --variant=minbase bookworm "$root" ${mirror:+"$mirror"} >"$log" 2>&1 ||
     skip "debootstrap failed: $(tail -1 "$log")"
+# The loader finds a program's own place there.
+mountpoint -q "$root/proc" || mount -t proc proc "$root/proc" 2>>"$log" || skip "nothing may be mounted here"
 cp "$program" "$root/imprinter.deb"
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
 [ ! -f /etc/resolv.conf ] || cp /etc/resolv.conf "$root/etc/resolv.conf"

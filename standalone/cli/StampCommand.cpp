@@ -270,7 +270,7 @@ public:
             return status;
         if (const auto collision = collisionIn(m_files); !collision.empty())
             return complain(usage, collision);
-        if (m_intoFolder) {
+        if (m_intoFolder && !m_job.dryRun) {
             const fs::path folder = m_arguments.value("--output");
             std::error_code error;
             fs::create_directories(folder, error);
@@ -313,6 +313,7 @@ private:
                                               : engine::Saving::automatic;
         m_job.allowSigned = a.has("--allow-signed");
         m_job.replace = a.has("--replace");
+        m_job.dryRun = a.has("--dry-run");
         if (a.has("--pages")) {
             m_job.pages = engine::readPageRanges(a.value("--pages"));
             if (!m_job.pages)
@@ -446,7 +447,7 @@ private:
             return !isInterrupted;
         };
         auto outcome = m_task == Task::stamp ? engine::stampFile(job) : engine::unstampFile(job);
-        if (outcome && m_toStdout && !copyFile(file.output, STDOUT_FILENO, false)) {
+        if (outcome && m_toStdout && !m_job.dryRun && !copyFile(file.output, STDOUT_FILENO, false)) {
             outcome.code = engine::Code::cannotWrite;
             outcome.sentence = "The output cannot be written.";
             outcome.path = file.output;
@@ -480,7 +481,9 @@ private:
         }
         for (const auto& warning : outcome.warnings)
             complain(0, file.name + ": " + warning);
-        if (file.announced)
+        if (m_job.dryRun)
+            std::cout << file.name + ": " + outcome.sentence + '\n' << std::flush;
+        else if (file.announced)
             std::cout << file.resultName + '\n' << std::flush;
     }
 
@@ -525,16 +528,17 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::vector<std::string> withValue{"--configuration", "--output",       "--pages",
                                        "--password-file", "--first-number", "--jobs"};
     withValue.insert(withValue.end(), titleOptions().begin(), titleOptions().end());
-    auto sorted =
-        sortArguments(arguments, withValue,
-                      {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite"}, problem);
+    auto sorted = sortArguments(
+        arguments, withValue,
+        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
     return sorted ? Run(Task::stamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 
 int unstamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
-    auto sorted = sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
-                                {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite"}, problem);
+    auto sorted =
+        sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
+                      {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
     return sorted ? Run(Task::unstamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 

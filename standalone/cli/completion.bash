@@ -51,9 +51,9 @@ _imprinter() {
         case $command in
             stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
                 --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
-                --allow-signed --incremental --rewrite --jobs --json' ;;
+                --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
             unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
-                --rewrite --jobs --json' ;;
+                --rewrite --dry-run --jobs --json' ;;
             preview) options+=' --configuration --output' ;;
             export) options+=' --output' ;;
             import) options+=' --replace' ;;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PdfStamper.h"
 
+#include "FitCheck.h"
 #include "MappedFile.h"
 #include "OutputFile.h"
 #include "PageTree.h"
@@ -219,6 +220,14 @@ public:
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }
 
+        if (m_job.dryRun) {
+            mayUpdate(); // refuses what could only be written in a way that was not allowed
+            if (stamps)
+                checkFit(*stamps, plans, sources);
+            tellOfDamage();
+            return changed;
+        }
+
         const auto write = [&](PdfObjects& objects, double last) {
             m_file.release();
             {
@@ -243,12 +252,29 @@ public:
             update(write);
         else
             rewrite(write);
-        if (m_document.anyWarnings())
-            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+        tellOfDamage();
         return changed;
     }
 
 private:
+    void tellOfDamage() {
+        if (m_document.anyWarnings())
+            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+    }
+
+    void checkFit(StampPress& stamps, const std::vector<StampPlan>& plans,
+                  const std::vector<PageWriter::Page>& sources) {
+        FitCheck fit;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            for (const auto& bearing : stamps.pages()[i]) {
+                const auto& plan = plans[bearing.plan];
+                const auto& form = stamps.forms()[bearing.form];
+                const auto page = shownSize(sources[i].geometry);
+                fit.look(i + 1, form.ink, placeStamp(form.size, page, plan.anchor, plan.offset, plan.degrees), page);
+            }
+        fit.tell(m_report);
+    }
+
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
         const bool isSigned = signaturesOf(m_document.getRoot()).present;
