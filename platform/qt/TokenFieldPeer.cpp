@@ -476,7 +476,8 @@ void TokenEdit::startDrag() {
 
 bool TokenEdit::canInsertFromMimeData(const QMimeData* source) const {
     const auto field = m_field.lock();
-    return field && hasTexts(source) && field->takesDraggedTypes({NSPasteboardTypeString});
+    // A file is for whatever is behind the field; its address is no title.
+    return field && hasTexts(source) && !hasFiles(source) && field->takesDraggedTypes({NSPasteboardTypeString});
 }
 
 void TokenEdit::dropEvent(QDropEvent* event) {
@@ -540,7 +541,9 @@ void TokenEdit::openInsertMenu() {
 
 void TokenEdit::contextMenuEvent(QContextMenuEvent* event) {
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    if (!byKey && !textCursor().hasSelection())
+    const auto pressed = byKey ? std::nullopt : characterAt(event->pos());
+    const auto selected = textCursor();
+    if (!byKey && !(pressed && selected.selectionStart() <= *pressed && *pressed < selected.selectionEnd()))
         setTextCursor(cursorForPosition(event->pos()));
     const auto at = byKey ? viewport()->mapToGlobal(cursorRect().bottomLeft()) : event->globalPos();
     enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at, false); });
