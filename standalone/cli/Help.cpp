@@ -47,8 +47,8 @@ const char* const helpText =
     --allow-signed         stamp signed documents too; what was signed stays valid. Certified ones are never stamped
     --incremental          add to the documents, or fail where that is impossible
     --rewrite              write the documents anew. Without either, what suits each is chosen
-    --dry-run              write nothing, and say what would come of it: what cannot be stamped and why, characters that no
-                           font has, stamps that do not fit on their page
+    --dry-run              write nothing, and say what would come of it: what cannot be stamped and why, characters that the
+                           font lacks, stamps that do not fit on their page
     --jobs N               work on N files at once
     --json                 print a line of JSON for each file
     --help, also after a command; --version

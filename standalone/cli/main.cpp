@@ -64,6 +64,10 @@ int main(int argc, char** argv) {
             keepMemory();
             return work(store, arguments);
         }
+        if (command == "open" && !arguments.empty() && arguments.front().starts_with("-")) {
+            std::cerr << "imprinter: `open` takes files, and no option " << arguments.front() << '\n';
+            return cli::usage;
+        }
         if (command == "open")
             return openWindow(argc, argv, store, {arguments.begin(), arguments.end()});
         if (command == "pictures") {

@@ -110,9 +110,9 @@ std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
 /// A press at work on a thread of its own, which ends with this object.
 class PressRun {
 public:
-    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, std::size_t pageCount,
-             bool aside)
-        : m_pageCount(pageCount), m_press(plans, facts, faces),
+    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, const StampJob& job,
+             std::size_t pageCount, bool aside)
+        : m_pageCount(pageCount), m_press(plans, facts, faces, job.dryRun),
           m_done(std::async(aside ? std::launch::async : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {
     }
     ~PressRun() {
@@ -163,14 +163,14 @@ public:
         const bool aside = m_job.threads > 1;
         std::optional<PressRun> press;
         if (const auto stated = statedPageCount(m_document, bytes); stated > 0 && m_task == Task::stamp)
-            press.emplace(plans, m_facts, faces, stated, aside);
+            press.emplace(plans, m_facts, faces, m_job, stated, aside);
 
         const auto& pages = m_document.getAllPages();
         if (pages.empty())
             throw Failure(Code::damaged, "The document has no pages.");
         if (m_task == Task::stamp && (!press || press->pageCount() != pages.size())) {
             press.reset();
-            press.emplace(plans, m_facts, faces, pages.size(), aside);
+            press.emplace(plans, m_facts, faces, m_job, pages.size(), aside);
         }
 
         const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();

@@ -104,7 +104,7 @@ namespace {
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
-    Report report;
+    Report report{{}, job.dryRun};
     Outcome outcome;
     outcome.path = job.input;
     try {

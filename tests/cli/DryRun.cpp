@@ -98,6 +98,20 @@ TEST_F(DryRun, CharactersThatNoFontHasAreTold) {
     EXPECT_NE(run.output.find("No font on this machine has the character U+10FFFD."), std::string::npos) << run.output;
 }
 
+TEST_F(DryRun, CharactersThatComeFromAnotherFontAreToldHereAndNotAfterwards) {
+    letter();
+    ASSERT_TRUE(render::white(400, 300).save((folder / "scan.png").c_str()));
+    for (const std::string name : {"letter.pdf", "scan.png"}) {
+        auto run = dry("stamp --title '\xE6\xBC\xA2' " + name); // U+6F22
+        EXPECT_EQ(run.output.find("imprinter: " + name +
+                                  ": The font \"DejaVuSans-Bold\" lacks the character U+6F22; it is taken from \""),
+                  0U)
+            << run.output;
+        run = imprinter("stamp --title '\xE6\xBC\xA2' --output out-" + name + " " + name);
+        EXPECT_EQ(run.output, "");
+    }
+}
+
 TEST_F(DryRun, StampsThatDoNotFitOnTheirPageAreTold) {
     letter();
     const std::string wide = "'a title that is much wider than a sheet of paper is'";
