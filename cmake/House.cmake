@@ -48,3 +48,21 @@ function(public_headers target folder)
     target_sources(${target} ${scope} FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/${folder} FILES ${headers})
     set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
 endfunction()
+
+# Where the program's libraries and bundles are installed, below the prefix. The program finds them from its own place, so
+# that the whole can be moved.
+set(IMPRINTER_FOLDER lib/imprinter)
+set(IMPRINTER_LIBRARIES ${IMPRINTER_FOLDER}/lib) # deep enough to be no folder the linker searches
+set(IMPRINTER_HEADERS include/imprinter)
+
+# Installs a shared library for those who run the program, and its headers for those who write a host.
+function(install_library target export)
+    install(TARGETS ${target} EXPORT ${export}
+        LIBRARY DESTINATION ${IMPRINTER_LIBRARIES} COMPONENT program
+        FILE_SET HEADERS DESTINATION ${IMPRINTER_HEADERS} COMPONENT development)
+endfunction()
+
+function(install_headers target export)
+    install(TARGETS ${target} EXPORT ${export}
+        FILE_SET HEADERS DESTINATION ${IMPRINTER_HEADERS} COMPONENT development)
+endfunction()

@@ -16,10 +16,12 @@
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -216,14 +218,14 @@ void MainWindow::stampDocument() {
                                  10000);
 }
 
-void MainWindow::stampFiles(const QStringList& files) {
+bool MainWindow::stampFiles(const QStringList& files) {
     if (files.isEmpty())
-        return;
+        return false;
     tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
     const auto configuration = m_pane->currentConfiguration();
     if (!isListed(configuration)) {
         QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
-        return;
+        return false;
     }
     std::vector<std::filesystem::path> inputs;
     for (const auto& file : files)
@@ -239,8 +241,32 @@ void MainWindow::stampFiles(const QStringList& files) {
                                                                  .toStdString()),
                                                     {fromUtf8(std::to_string(inputs.size()))})),
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
-        return;
+        return false;
     statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
+    return true;
+}
+
+void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& documents) {
+    if (documents.empty())
+        return;
+    QStringList files;
+    for (const auto& document : documents)
+        files.append(fromPath(document));
+    const bool one = files.size() == 1;
+    const auto number = QLocale().toString(static_cast<qlonglong>(files.size()));
+    const auto what = one ? fromPath(documents.front().filename()) : number;
+    const auto title = one ? text(u"Stamp “%@”") : text(u"Stamp %@ Documents");
+    auto* button =
+        new QPushButton(QString(title).replace(QLatin1String("%@"), what).replace(u'&', QLatin1String("&&")));
+    button->setObjectName(QStringLiteral("waitingDocuments"));
+    button->setToolTip(files.join(u'\n'));
+    statusBar()->addPermanentWidget(button);
+    connect(button, &QPushButton::clicked, this, [this, files, button] {
+        runGuarded([&] {
+            if (stampFiles(files))
+                button->deleteLater();
+        });
+    });
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -18,6 +18,9 @@ public:
 
     PaneHost& pane() { return *m_pane; }
 
+    /// Shows a button that stamps these documents with the configuration then on show, until that is done.
+    void offerDocuments(const std::vector<std::filesystem::path>& documents);
+
     /// A sentence for people, shown as it stands.
     void warn(const QString& sentence);
 
@@ -40,8 +43,8 @@ private:
     /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
     void showSomething();
     void stampDocument();
-    /// Beside them or in place, as the configuration says.
-    void stampFiles(const QStringList& files);
+    /// Beside them or in place, as the configuration says. NO where the user wanted something else first.
+    bool stampFiles(const QStringList& files);
     void editSettings();
     void showPane();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <engine/Stamper.h>
 
+#include "FitCheck.h"
 #include "OutputFile.h"
 #include "PdfStamper.h"
 #include "PictureFile.h"
@@ -49,6 +50,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
     const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
+    FitCheck fit;
     const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
         auto facts = factsOf(job);
         facts.pageNumber = page;
@@ -60,9 +62,12 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
-            if (stamp)
-                parts.push_back(
-                    {stamp, placeStamp(stamp->size, shownSize(geometry), plan.anchor, plan.offset, plan.degrees)});
+            if (!stamp)
+                continue;
+            const auto shown = shownSize(geometry);
+            parts.push_back({stamp, placeStamp(stamp->size, shown, plan.anchor, plan.offset, plan.degrees)});
+            if (job.dryRun)
+                fit.look(page, stamp->ink, parts.back().shownFromStamp, shown);
         }
         if (job.progress && !job.progress(page - 1, pageCount))
             throw Failure(Code::cancelled, "The run was cancelled.");
@@ -83,6 +88,9 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         throw nothing();
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
+    fit.tell(report);
+    if (job.dryRun)
+        return pages;
     OutputFile output(job.output);
     output.write(stamped);
     output.commit();
@@ -96,7 +104,7 @@ namespace {
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
-    Report report;
+    Report report{{}, job.dryRun};
     Outcome outcome;
     outcome.path = job.input;
     try {
@@ -119,15 +127,20 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
     return outcome;
 }
 
+std::string wordFor(const StampJob& job, const char* done) {
+    return job.dryRun ? "would be" : done;
+}
+
 } // namespace
 
 Outcome stampFile(const StampJob& job) {
     auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
         return kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
     });
+    const bool one = outcome.pagesStamped == 1;
     if (outcome)
-        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
-                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+        outcome.sentence = std::to_string(outcome.pagesStamped) + (one ? " page " : " pages ") +
+                           wordFor(job, one ? "was" : "were") + " stamped.";
     return outcome;
 }
 
@@ -165,7 +178,7 @@ Outcome unstampFile(const StampJob& job) {
         return unstampPdf(job, report);
     });
     if (outcome)
-        outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
+        outcome.sentence = "Stamps " + wordFor(job, "were") + " removed from " + std::to_string(outcome.pagesStamped) +
                            (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
 }
