@@ -65,6 +65,7 @@ bool writeStore(const fs::path& file, const Configurations& configurations, std:
     model::ImprinterModel model;
     model.setConfigurations(configurations);
     store::Store written(file);
+    written.keepNoVersions();
     auto loaded = written.load();
     if (loaded.readOnly) {
         problem = loaded.messages.empty() ? "The file cannot be written." : toUtf8(loaded.messages.front().sentence);
@@ -105,6 +106,12 @@ int print(const Configurations& configurations) {
         return complain(cannotWrite, problem);
     std::cout << std::ifstream(folder / "configurations.json").rdbuf() << std::flush;
     return std::cout ? done : complain(cannotWrite, "standard output: The output cannot be written.");
+}
+
+/// Says that a window ended with changes that only the next window can take over.
+void tellOfUnsaved(const store::Store& store) {
+    if (!store.findUnsaved().empty())
+        complain(0, store.file().string() + ": a window ended before changes were saved; the next one offers them");
 }
 
 } // namespace
@@ -149,6 +156,7 @@ int list(const fs::path& store, const std::vector<std::string>& arguments) {
         return noConfiguration;
     for (const auto& configuration : *configurations)
         std::cout << toUtf8(configuration->name()) << '\n';
+    tellOfUnsaved(store::Store(store));
     return done;
 }
 
@@ -192,6 +200,7 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
         complain(0, toUtf8(message.sentence));
     if (present.readOnly || present.standIns)
         return noConfiguration;
+    tellOfUnsaved(own);
     auto result = std::move(present.configurations);
     const bool replaces = sorted->has("--replace");
     std::size_t imported = 0;
@@ -239,7 +248,10 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
     model::ImprinterModel model;
     model.setConfigurations(std::move(result));
     if (const auto failure = own.save(model))
-        return complain(cannotWrite, toUtf8(failure->sentence));
+        return complain(failure->code == store::Code::contested || failure->code == store::Code::changedElsewhere
+                            ? changedElsewhere
+                            : cannotWrite,
+                        toUtf8(failure->sentence));
     std::cout << imported << (imported == 1 ? " configuration was imported\n" : " configurations were imported\n");
     return done;
 }
