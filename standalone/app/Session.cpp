@@ -104,7 +104,7 @@ std::optional<store::Failure> Session::takeOver(const store::Unsaved& unsaved) {
 }
 
 void Session::allowPreviews() {
-    PrivateFolder::removeLeftovers();
+    files::PrivateFolder::removeLeftovers();
     m_previews = true;
 }
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "PlaceholderTokenField.h"
-#include "PrivateFolder.h"
 
 #include <engine/PreviewStamper.h>
+#include <files/PrivateFolder.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -64,7 +64,7 @@ private:
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
-    std::optional<PrivateFolder> m_previewFolder;
+    std::optional<files::PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
     /// What the file that was handed out last shows.
     struct Shown {

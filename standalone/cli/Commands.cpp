@@ -6,6 +6,7 @@
 #include <Foundation/NSString.h>
 #include <app/Window.h>
 #include <engine/PreviewStamper.h>
+#include <files/PrivateFolder.h>
 #include <store/Store.h>
 
 #include <QImage>
@@ -15,6 +16,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <optional>
 
 namespace cli {
 
@@ -36,29 +38,15 @@ bool anyOption(const std::vector<std::string>& arguments, IsMeant isMeant) {
     return false;
 }
 
-/// A folder that nobody else can look into, gone with this object.
-class WorkFolder {
-public:
-    WorkFolder() {
-        std::error_code error;
-        std::string name = (fs::temp_directory_path(error) / "imprinter-XXXXXX").string();
-        if (!error && ::mkdtemp(name.data()))
-            m_path = name;
+/// A folder for what is made on the way; none where it cannot be made.
+std::optional<files::PrivateFolder> workFolder() {
+    try {
+        files::PrivateFolder::removeLeftovers();
+        return std::optional<files::PrivateFolder>(std::in_place);
+    } catch (const std::exception&) {
+        return std::nullopt;
     }
-    ~WorkFolder() {
-        std::error_code none;
-        if (!m_path.empty())
-            fs::remove_all(m_path, none);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
-
-    bool isThere() const { return !m_path.empty(); }
-    fs::path operator/(const char* name) const { return m_path / name; }
-
-private:
-    fs::path m_path;
-};
+}
 
 /// A store's file of just these configurations; a failure's sentence in `problem`.
 bool writeStore(const fs::path& file, const Configurations& configurations, std::string& problem) {
@@ -100,11 +88,13 @@ std::optional<Configurations> chosen(const std::vector<std::string>& names, cons
 
 /// Prints the configurations as a file of them.
 int print(const Configurations& configurations) {
-    const WorkFolder folder;
+    const auto folder = workFolder();
     std::string problem = "A folder for temporary files cannot be made.";
-    if (!folder.isThere() || !writeStore(folder / "configurations.json", configurations, problem))
+    // Whoever writes a store locks its folder, and this one is locked by its owner.
+    const auto file = folder ? folder->path() / "store" / "configurations.json" : fs::path();
+    if (!folder || !writeStore(file, configurations, problem))
         return complain(cannotWrite, problem);
-    std::cout << std::ifstream(folder / "configurations.json").rdbuf() << std::flush;
+    std::cout << std::ifstream(file).rdbuf() << std::flush;
     return std::cout ? done : complain(cannotWrite, "standard output: The output cannot be written.");
 }
 
@@ -272,11 +262,11 @@ int preview(const fs::path& store, const std::vector<std::string>& arguments) {
     const auto configuration = all ? configurationCalled(sorted->value("--configuration"), *all) : nullptr;
     if (!configuration)
         return noConfiguration;
-    const WorkFolder folder;
-    if (!folder.isThere())
+    const auto folder = workFolder();
+    if (!folder)
         return complain(cannotWrite, "a folder for temporary files cannot be made");
     const fs::path sample = sorted->files.empty() ? app::samplePage() : fs::path(sorted->files.front());
-    engine::PreviewStamper stamper(folder / "");
+    engine::PreviewStamper stamper(folder->path());
     const auto outcome = stamper.stamp(sample, configuration);
     if (!outcome)
         return complain(badInput, sample.string() + ": " + outcome.sentence);
