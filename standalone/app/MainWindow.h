@@ -24,6 +24,9 @@ public:
     /// A sentence for people, shown as it stands.
     void warn(const QString& sentence);
 
+    /// Offers what programs left that ended without saving.
+    void offerUnsaved();
+
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();
 
@@ -50,6 +53,8 @@ private:
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
     void showOrder();
+    /// Whose version of a configuration stays that was changed here and elsewhere.
+    std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);
 
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;

@@ -84,6 +84,8 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
     window->show();
     for (const auto& message : session.messages())
         window->warn(toQt(message.sentence));
+    session.keepJournal();
+    window->offerUnsaved();
     return QApplication::exec();
 }
 

@@ -64,8 +64,8 @@ Examples:
     imprinter unstamp --configuration Received --in-place letter.pdf
 
 Exit status: 0 done, 1 the program could not go on, 2 a document could not be read or stamped, 3 a result could not
-be written, 4 no such configuration or none that can be read, 5 there is no display, 64 the command line was not
-understood, 130 interrupted.
+be written, 4 no such configuration or none that can be read, 5 there is no display, 6 another program changed the same
+configurations and nothing was written, 64 the command line was not understood, 130 interrupted.
 )";
 
 } // namespace cli

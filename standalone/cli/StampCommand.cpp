@@ -10,6 +10,7 @@
 #include <Foundation/NSUserDefaults.h>
 #include <engine/Naming.h>
 #include <engine/Stamper.h>
+#include <files/PrivateFolder.h>
 
 #include <algorithm>
 #include <atomic>
@@ -52,27 +53,24 @@ void interrupt(int) {
     isInterrupted = true;
 }
 
-/// A folder for what comes through pipes, gone with this object.
+/// A folder for what comes through pipes, made when it is needed first and gone with this object.
 class PipeFolder {
 public:
-    ~PipeFolder() {
-        std::error_code none;
-        if (!m_path.empty())
-            fs::remove_all(m_path, none);
-    }
     /// Empty where it cannot be made.
-    const fs::path& path() {
-        if (m_path.empty()) {
-            std::error_code error;
-            std::string name = (fs::temp_directory_path(error) / "imprinter-XXXXXX").string();
-            if (!error && ::mkdtemp(name.data()))
-                m_path = name;
+    fs::path path() {
+        try {
+            if (!m_folder) {
+                files::PrivateFolder::removeLeftovers();
+                m_folder.emplace();
+            }
+            return m_folder->path();
+        } catch (const std::exception&) {
+            return {};
         }
-        return m_path;
     }
 
 private:
-    fs::path m_path;
+    std::optional<files::PrivateFolder> m_folder;
 };
 
 bool copyAll(int from, int to) {
@@ -222,6 +220,8 @@ const char* nameOf(engine::Code code) {
         return "sameFile";
     case Code::cannotWrite:
         return "cannotWrite";
+    case Code::changed:
+        return "changed";
     case Code::cancelled:
         return "cancelled";
     }

@@ -12,6 +12,7 @@
 
 #include <engine/Placement.h>
 
+#include <qpdf/Pipeline.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFSystemError.hh>
@@ -24,6 +25,19 @@
 namespace engine {
 
 namespace {
+
+/// Where the library's writer writes.
+class OutputPipeline final : public Pipeline {
+public:
+    explicit OutputPipeline(OutputFile& file) : Pipeline("output", nullptr), m_file(file) {}
+    void write(const unsigned char* bytes, std::size_t size) override {
+        m_file.write({reinterpret_cast<const char*>(bytes), size});
+    }
+    void finish() override {}
+
+private:
+    OutputFile& m_file;
+};
 
 /// What signatures say about a document.
 struct Signatures {
@@ -297,7 +311,7 @@ private:
 
     template <class Write>
     void update(const Write& write) {
-        OutputFile output(m_job.output);
+        OutputFile output(m_job.output, m_file.state().mode());
         PdfUpdate objects(m_document, m_file.bytes(), m_file.descriptor(), output);
         objects.requireVersion("1.4");
         write(objects, 1.0);
@@ -309,12 +323,13 @@ private:
     void rewrite(const Write& write) {
         PdfRewrite objects(m_document);
         write(objects, 0.6);
-        OutputFile output(m_job.output);
+        OutputFile output(m_job.output, m_file.state().mode());
         try {
             // The writer replaces the entry of a repaired trailer, but adds none.
             m_document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
             QPDFWriter writer(m_document);
-            writer.setOutputFile(m_job.output.c_str(), output.stream(), false);
+            OutputPipeline pipeline(output);
+            writer.setOutputPipeline(&pipeline);
             writer.setMinimumPDFVersion("1.4");
             writer.setLinearization(m_linearized);
             if (m_job.deterministic && !m_document.isEncrypted())
@@ -335,6 +350,7 @@ private:
     void commit(OutputFile& output) {
         const auto pageCount = m_document.getAllPages().size();
         m_progress.tell(1, pageCount);
+        m_file.state().expectAt(m_job.input);
         output.commit();
     }
 

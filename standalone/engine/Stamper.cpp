@@ -12,7 +12,7 @@
 #include <QImageReader>
 
 #include <algorithm>
-#include <fstream>
+#include <optional>
 #include <system_error>
 
 namespace engine {
@@ -22,12 +22,9 @@ namespace {
 enum class Kind { unknown, pdf, png, jpeg, tiff };
 
 Kind kindOf(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::string head(1024, '\0');
-    stream.read(head.data(), static_cast<std::streamsize>(head.size()));
-    if (stream.bad() || !stream.is_open())
-        throw Failure(Code::unreadable, "The file cannot be read.");
-    head.resize(static_cast<std::size_t>(stream.gcount()));
+    const InputFile file(path);
+    const InputState state(file);
+    const auto head = file.read(std::min<std::size_t>(state.size(), 1024));
     if (isPng(head))
         return Kind::png;
     if (isJpeg(head))
@@ -79,7 +76,8 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             throw nothing();
         return parts;
     };
-    const auto bytes = readWhole(job.input);
+    std::optional<InputState> input;
+    const auto bytes = readWhole(job.input, input);
     std::size_t pages = 1;
     const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor)
                          : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
@@ -91,8 +89,9 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     fit.tell(report);
     if (job.dryRun)
         return pages;
-    OutputFile output(job.output);
+    OutputFile output(job.output, input->mode());
     output.write(stamped);
+    input->expectAt(job.input);
     output.commit();
     return pages;
 }
@@ -107,13 +106,17 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
     Report report{{}, job.dryRun};
     Outcome outcome;
     outcome.path = job.input;
+    const InputState before(job.input);
     try {
         const auto kind = kindOf(job.input);
         if (!job.inPlace && isSameFile(job.input, job.output))
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+        const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
+        if (hasOtherNames)
+            report.sentences.insert("The file has other names too (hard links), under which it is as it was.");
         outcome.path = job.output;
     } catch (const Failure& failure) {
         outcome.code = failure.code();
@@ -122,6 +125,16 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
         outcome.code = Code::cannotWrite;
         outcome.sentence = "The output cannot be written: " + error.code().message() + ".";
         outcome.path = job.output;
+    }
+    // What looks damaged, or too short to be copied, may only have been half written.
+    if (!outcome && outcome.code != Code::cancelled) {
+        try {
+            before.expectAt(job.input);
+        } catch (const Failure& change) {
+            outcome.code = change.code();
+            outcome.sentence = change.what();
+            outcome.path = job.input;
+        }
     }
     outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
     return outcome;
