@@ -6,9 +6,12 @@
 #include "Session.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 namespace app {
+
+class EmptyHint;
 
 /// The window that shows the pane, and the program's menus.
 class MainWindow final : public QMainWindow {
@@ -50,6 +53,10 @@ private:
     bool stampFiles(const QStringList& files);
     void editSettings();
     void showPane();
+    /// Takes the pane's view out of the window.
+    void hidePane();
+    /// Shows what to do where there is no configuration, and only there.
+    void showHint();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
     void showOrder();
@@ -59,6 +66,7 @@ private:
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
     OrderPalette* m_order;
+    QPointer<EmptyHint> m_hint; // in the window while the pane is
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
     QTimer m_titleSettles;
