@@ -14,7 +14,8 @@ namespace engine {
 /// files without a name, not even when the program is killed. Errors are std::system_error.
 class OutputFile {
 public:
-    /// `target` may be a symbolic link, whose file is then replaced. A replaced file's permissions are kept.
+    /// `target` may be a symbolic link, whose file is then replaced. A replaced file's permissions are kept. What is
+    /// there and no regular file is refused.
     explicit OutputFile(const std::filesystem::path& target);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
