@@ -76,7 +76,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     };
     const auto bytes = readWhole(job.input);
     std::size_t pages = 1;
-    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor)
+    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor, report)
                          : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
                                               : stampJpeg(bytes, partsFor, report);
     if (pages == 0)
