@@ -79,7 +79,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     std::optional<InputState> input;
     const auto bytes = readWhole(job.input, input);
     std::size_t pages = 1;
-    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor)
+    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor, report)
                          : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
                                               : stampJpeg(bytes, partsFor, report);
     if (pages == 0)
@@ -100,6 +100,12 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
 
 namespace {
 
+/// Whether something is there that is neither a file nor a folder: a device, a pipe, a socket.
+bool isNoFile(const std::filesystem::path& path) {
+    std::error_code none;
+    return std::filesystem::is_other(path, none);
+}
+
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
@@ -108,11 +114,18 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
     outcome.path = job.input;
     const InputState before(job.input);
     try {
+        // Reading a pipe might wait for ever, and would take from it what somebody else wants.
+        if (isNoFile(job.input))
+            throw Failure(Code::unreadable, "This is a pipe or a device, not a file.");
         const auto kind = kindOf(job.input);
         if (!job.inPlace && isSameFile(job.input, job.output))
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+        if (isNoFile(job.output)) {
+            outcome.path = job.output;
+            throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");
+        }
         const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
         if (hasOtherNames)
@@ -158,6 +171,8 @@ Outcome stampFile(const StampJob& job) {
 }
 
 std::size_t countPages(const StampJob& job) {
+    if (isNoFile(job.input))
+        return 0;
     try {
         switch (kindOf(job.input)) {
         case Kind::unknown:
