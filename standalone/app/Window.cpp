@@ -60,7 +60,8 @@ private:
 
 } // namespace
 
-int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
+int runWindow(int& argc, char** argv, const std::filesystem::path& store,
+              const std::vector<std::filesystem::path>& documents) {
     // A display that is named but not there would abort the toolkit; offscreen is what it then falls back to.
     const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
     if (!chosen)
@@ -75,9 +76,12 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
     if (!window)
         return 1;
     closeOnSignals(*window);
+    window->offerDocuments(documents);
     window->show();
     for (const auto& message : session.messages())
         window->warn(toQt(message.sentence));
+    session.keepJournal();
+    window->offerUnsaved();
     return QApplication::exec();
 }
 
