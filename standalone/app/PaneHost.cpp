@@ -29,9 +29,9 @@ std::unique_ptr<PaneHost> PaneHost::load(const std::filesystem::path& path, std:
         return nullptr;
     }
     pane->setBundle(bundle);
-    bool loaded = false;
-    runGuarded([&] { loaded = pane->loadMainView() != nullptr; });
-    if (!loaded) {
+    runGuarded([&] { pane->loadMainView(); });
+    // There is a view even where the pane met an error when it filled it.
+    if (!pane->mainView()) {
         error = path.string() + ": the pane's interface could not be loaded";
         return nullptr;
     }
@@ -44,6 +44,14 @@ std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() c
     const auto value = valueForKey(*m_pane, currentKey);
     const auto* object = std::get_if<std::shared_ptr<NSObject>>(&value);
     return object ? std::dynamic_pointer_cast<host::ImprinterConfiguration>(*object) : nullptr;
+}
+
+void PaneHost::willShow() {
+    runGuarded([this] { m_pane->willSelect(); });
+}
+
+void PaneHost::didShow() {
+    runGuarded([this] { m_pane->didSelect(); });
 }
 
 bool PaneHost::commitEditing() {

@@ -32,8 +32,7 @@ bool killed(std::mt19937& random, Clock::duration span, const Work& work, const 
         ::_exit(0);
     }
     isReady();
-    const auto end =
-        Clock::now() + Clock::duration(std::uniform_int_distribution<Clock::rep>(0, span.count())(random));
+    const auto end = Clock::now() + Clock::duration(std::uniform_int_distribution<Clock::rep>(0, span.count())(random));
     int status = 0;
     // The moment is what is tried; a process that has ended is not waited for.
     while (Clock::now() < end)

@@ -35,7 +35,7 @@ int runWindow(const std::string& name, const std::string& store, unsigned seed) 
     std::map<std::u16string, double> mine; // the rotation of each configuration that only this window changes
     std::set<std::u16string> gone;
     std::set<std::string> kept; // what the other window made of the one that both change, when asked
-    std::string asked;          // what the last of the questions of a save was about: the other window may go on meanwhile
+    std::string asked; // what the last of the questions of a save was about: the other window may go on meanwhile
     int failures = 0;
     std::unique_ptr<app::Session> session;
     const auto open = [&] {
@@ -64,8 +64,7 @@ int runWindow(const std::string& name, const std::string& store, unsigned seed) 
         model.configurationForID(chosen->first)->setRotation(chosen->second = round % 360);
         if (mine.size() > 1 && chance(4)) {
             chosen = std::next(mine.begin(), static_cast<std::ptrdiff_t>(random() % mine.size()));
-            model.deleteConfigurationAtIndex(
-                model.indexOfConfiguration(model.configurationForID(chosen->first)));
+            model.deleteConfigurationAtIndex(model.indexOfConfiguration(model.configurationForID(chosen->first)));
             gone.insert(chosen->first);
             mine.erase(chosen);
         }
