@@ -165,8 +165,8 @@ TEST_F(InPlace, AFileThatIsChangedMeanwhileIsLeftAsItIsThen) {
             for (const bool inPlace : {true, false}) {
                 writeFile(folder / "big.pdf", document(3000, "/MediaBox [0 0 300 200]", "0 0 9 9 re f"));
                 const auto names = folder.names();
-                auto task = job(folder / "big.pdf", inPlace ? folder / "big.pdf" : folder / "out",
-                                {configuration(u"Stamped")});
+                auto task =
+                    job(folder / "big.pdf", inPlace ? folder / "big.pdf" : folder / "out", {configuration(u"Stamped")});
                 task.inPlace = inPlace;
                 task.saving = saving;
                 std::string changed;
@@ -180,8 +180,7 @@ TEST_F(InPlace, AFileThatIsChangedMeanwhileIsLeftAsItIsThen) {
                 const auto outcome = engine::stampFile(task);
                 EXPECT_EQ(outcome.code, Code::changed) << outcome.sentence;
                 EXPECT_EQ(outcome.path, task.input);
-                EXPECT_EQ(outcome.sentence,
-                          "The file was changed while it was being worked on, and is left as it is.");
+                EXPECT_EQ(outcome.sentence, "The file was changed while it was being worked on, and is left as it is.");
                 EXPECT_EQ(readFile(task.input), changed);
                 EXPECT_EQ(folder.names(), names);
             }

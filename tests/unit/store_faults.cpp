@@ -16,7 +16,7 @@ struct Fate {
     int error;
     bool forGood;
 };
-const std::vector<Fate> fates{{ENOSPC, false}, {ENOSPC, true},  {EIO, false}, {EIO, true},
+const std::vector<Fate> fates{{ENOSPC, false}, {ENOSPC, true}, {EIO, false},  {EIO, true},
                               {EACCES, false}, {EACCES, true}, {EPERM, false}};
 
 class Faults : public StoreTest {
@@ -61,8 +61,7 @@ protected:
                 if (failure) {
                     EXPECT_EQ(failure->file, file);
                     EXPECT_NE(sentenceOf(failure).find(file.string()), std::string::npos) << sentenceOf(failure);
-                    EXPECT_NE(sentenceOf(failure).find(std::strerror(error)), std::string::npos)
-                        << sentenceOf(failure);
+                    EXPECT_NE(sentenceOf(failure).find(std::strerror(error)), std::string::npos) << sentenceOf(failure);
                 } else {
                     EXPECT_TRUE(isNew) << "nobody is told that all is well when it is not";
                 }
@@ -106,11 +105,10 @@ TEST_F(Faults, OfASaveLeaveFormerVersionsThatCanBeRead) {
 }
 
 TEST_F(Faults, OfASaveThatJoinsLeaveTheirsOrBoth) {
-    eachCallFails([&] { put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "b"})")); },
-                  [&] {
-                      put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "theirs"})"));
-                  },
-                  [&] { EXPECT_NE(content().find("theirs"), std::string::npos); });
+    eachCallFails(
+        [&] { put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "b"})")); },
+        [&] { put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "theirs"})")); },
+        [&] { EXPECT_NE(content().find("theirs"), std::string::npos); });
 }
 
 TEST_F(Faults, OfAJournalLeaveTheOldJournalOrTheNewOne) {
