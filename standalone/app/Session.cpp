@@ -4,6 +4,7 @@
 #include "HostBundle.h"
 
 #include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
 
@@ -12,15 +13,14 @@ namespace app {
 Session::Session(const std::filesystem::path& store)
     : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model) {
     m_model->setConfigurations(m_loaded.configurations);
-    m_model->setSaver([this](const model::ImprinterModel& saved) {
-        const auto failure = m_store.save(saved);
-        m_saveFailed = failure.has_value();
-        m_changed = m_changed && m_saveFailed;
-        if (failure && hasUnsaved() && m_onSaveFailure)
-            m_onSaveFailure(*failure);
-    });
+    m_model->setSaver([this](model::ImprinterModel&) { save(); });
     m_model->setOnChange([this](const auto& configuration) {
-        m_changed = true;
+        if (m_saving) {
+            m_mergedIn = true;
+        } else {
+            m_changed = true;
+            writeJournalSoon();
+        }
         // A pane that edits the members of a combined configuration asks for no new preview.
         if (configuration && configuration->combinedConfiguration() && m_shown.configuration.lock() == configuration)
             stampAgainSoon();
@@ -44,6 +44,8 @@ Session::Session(const std::filesystem::path& store)
 }
 
 Session::~Session() {
+    if (m_keepsJournal && m_changed)
+        writeJournal();
     m_model->setSaver({});
     m_model->setStamper({});
     m_model->setOnChange({});
@@ -54,8 +56,55 @@ void Session::saveChanges() {
         m_model->saveConfigurations();
 }
 
+void Session::save() {
+    m_saving = true;
+    m_mergedIn = false;
+    const auto failure = m_store.save(*m_model, m_ask);
+    m_saving = false;
+    m_saveFailed = failure.has_value();
+    m_changed = m_changed && m_saveFailed;
+    if (m_mergedIn && m_onMerge)
+        m_onMerge();
+    if (!hasUnsaved())
+        return;
+    // Whatever is decided now, the changes outlive the program.
+    if (m_keepsJournal)
+        writeJournal();
+    if (m_onSaveFailure)
+        m_onSaveFailure(*failure);
+}
+
+void Session::keepJournal() {
+    m_keepsJournal = true;
+    if (m_changed)
+        writeJournalSoon();
+}
+
+void Session::writeJournalSoon() {
+    if (m_writingSoon || !m_keepsJournal)
+        return;
+    m_writingSoon = std::make_shared<bool>(true);
+    platform::dispatchAfter(0.5, [this, waiting = std::weak_ptr(m_writingSoon)] {
+        if (waiting.expired())
+            return;
+        m_writingSoon.reset();
+        if (m_changed)
+            writeJournal();
+    });
+}
+
+void Session::writeJournal() {
+    const auto failure = m_store.keepUnsaved(*m_model);
+    if (failure && !std::exchange(m_saidThatThereIsNoJournal, true))
+        platform::NSLog("There is no journal of what is not saved: " + platform::toUtf8(failure->sentence));
+}
+
+std::optional<store::Failure> Session::takeOver(const store::Unsaved& unsaved) {
+    return m_store.takeOver(unsaved, *m_model, m_ask);
+}
+
 void Session::allowPreviews() {
-    PrivateFolder::removeLeftovers();
+    files::PrivateFolder::removeLeftovers();
     m_previews = true;
 }
 

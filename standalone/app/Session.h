@@ -2,9 +2,9 @@
 #pragma once
 
 #include "PlaceholderTokenField.h"
-#include "PrivateFolder.h"
 
 #include <engine/PreviewStamper.h>
+#include <files/PrivateFolder.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -26,6 +26,11 @@ public:
 
     /// Told about a save that failed; the pane's own messages carry no errors.
     void setOnSaveFailure(std::function<void(const store::Failure&)> tell) { m_onSaveFailure = std::move(tell); }
+    /// Whom to ask about a configuration that was changed here and by another program; nobody at first, so that such a
+    /// save fails.
+    void setOnConflict(store::Ask ask) { m_ask = std::move(ask); }
+    /// Told when a save has brought changes of another program into the model.
+    void setOnMerge(std::function<void()> tell) { m_onMerge = std::move(tell); }
     /// Whether something was changed since it was last stored, and could not be stored.
     bool hasUnsaved() const { return m_saveFailed && m_changed; }
 
@@ -35,6 +40,14 @@ public:
     /// being edited.
     void saveChanges();
 
+    /// From now on what is not saved yet is in a journal too, half a second after a change; a save that works drops it.
+    void keepJournal();
+    /// What programs left that ended without saving.
+    std::vector<store::Unsaved> unsaved() const { return m_store.findUnsaved(); }
+    /// Takes it into the model, which is stored by the next save only.
+    std::optional<store::Failure> takeOver(const store::Unsaved& unsaved);
+    void discard(const store::Unsaved& unsaved) { m_store.discard(unsaved); }
+
     /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
     void allowPreviews();
 
@@ -42,13 +55,16 @@ private:
     std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
     void stampAgainSoon();
+    void save();
+    void writeJournalSoon();
+    void writeJournal();
 
     store::Store m_store;
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
-    std::optional<PrivateFolder> m_previewFolder;
+    std::optional<files::PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
     /// What the file that was handed out last shows.
     struct Shown {
@@ -57,10 +73,17 @@ private:
     };
     Shown m_shown;
     std::shared_ptr<bool> m_stampingSoon; // what is still to be done outlives nobody who would do it
+    std::shared_ptr<bool> m_writingSoon;
     std::function<void(const store::Failure&)> m_onSaveFailure;
+    store::Ask m_ask;
+    std::function<void()> m_onMerge;
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
     bool m_saidThatThereIsNoFolder = false;
+    bool m_saidThatThereIsNoJournal = false;
+    bool m_keepsJournal = false;
+    bool m_saving = false;
+    bool m_mergedIn = false;
     bool m_saveFailed = false;
     bool m_changed = false;
 };

@@ -6,6 +6,7 @@
 #include <Foundation/NSString.h>
 #include <app/Window.h>
 #include <engine/PreviewStamper.h>
+#include <files/PrivateFolder.h>
 #include <store/Store.h>
 
 #include <QImage>
@@ -15,6 +16,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <optional>
 
 namespace cli {
 
@@ -36,35 +38,22 @@ bool anyOption(const std::vector<std::string>& arguments, IsMeant isMeant) {
     return false;
 }
 
-/// A folder that nobody else can look into, gone with this object.
-class WorkFolder {
-public:
-    WorkFolder() {
-        std::error_code error;
-        std::string name = (fs::temp_directory_path(error) / "imprinter-XXXXXX").string();
-        if (!error && ::mkdtemp(name.data()))
-            m_path = name;
+/// A folder for what is made on the way; none where it cannot be made.
+std::optional<files::PrivateFolder> workFolder() {
+    try {
+        files::PrivateFolder::removeLeftovers();
+        return std::optional<files::PrivateFolder>(std::in_place);
+    } catch (const std::exception&) {
+        return std::nullopt;
     }
-    ~WorkFolder() {
-        std::error_code none;
-        if (!m_path.empty())
-            fs::remove_all(m_path, none);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
-
-    bool isThere() const { return !m_path.empty(); }
-    fs::path operator/(const char* name) const { return m_path / name; }
-
-private:
-    fs::path m_path;
-};
+}
 
 /// A store's file of just these configurations; a failure's sentence in `problem`.
 bool writeStore(const fs::path& file, const Configurations& configurations, std::string& problem) {
     model::ImprinterModel model;
     model.setConfigurations(configurations);
     store::Store written(file);
+    written.keepNoVersions();
     auto loaded = written.load();
     if (loaded.readOnly) {
         problem = loaded.messages.empty() ? "The file cannot be written." : toUtf8(loaded.messages.front().sentence);
@@ -99,12 +88,20 @@ std::optional<Configurations> chosen(const std::vector<std::string>& names, cons
 
 /// Prints the configurations as a file of them.
 int print(const Configurations& configurations) {
-    const WorkFolder folder;
+    const auto folder = workFolder();
     std::string problem = "A folder for temporary files cannot be made.";
-    if (!folder.isThere() || !writeStore(folder / "configurations.json", configurations, problem))
+    // Whoever writes a store locks its folder, and this one is locked by its owner.
+    const auto file = folder ? folder->path() / "store" / "configurations.json" : fs::path();
+    if (!folder || !writeStore(file, configurations, problem))
         return complain(cannotWrite, problem);
-    std::cout << std::ifstream(folder / "configurations.json").rdbuf() << std::flush;
+    std::cout << std::ifstream(file).rdbuf() << std::flush;
     return std::cout ? done : complain(cannotWrite, "standard output: The output cannot be written.");
+}
+
+/// Says that a window ended with changes that only the next window can take over.
+void tellOfUnsaved(const store::Store& store) {
+    if (!store.findUnsaved().empty())
+        complain(0, store.file().string() + ": a window ended before changes were saved; the next one offers them");
 }
 
 } // namespace
@@ -149,6 +146,7 @@ int list(const fs::path& store, const std::vector<std::string>& arguments) {
         return noConfiguration;
     for (const auto& configuration : *configurations)
         std::cout << toUtf8(configuration->name()) << '\n';
+    tellOfUnsaved(store::Store(store));
     return done;
 }
 
@@ -192,6 +190,7 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
         complain(0, toUtf8(message.sentence));
     if (present.readOnly || present.standIns)
         return noConfiguration;
+    tellOfUnsaved(own);
     auto result = std::move(present.configurations);
     const bool replaces = sorted->has("--replace");
     std::size_t imported = 0;
@@ -239,7 +238,10 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
     model::ImprinterModel model;
     model.setConfigurations(std::move(result));
     if (const auto failure = own.save(model))
-        return complain(cannotWrite, toUtf8(failure->sentence));
+        return complain(failure->code == store::Code::contested || failure->code == store::Code::changedElsewhere
+                            ? changedElsewhere
+                            : cannotWrite,
+                        toUtf8(failure->sentence));
     std::cout << imported << (imported == 1 ? " configuration was imported\n" : " configurations were imported\n");
     return done;
 }
@@ -260,11 +262,11 @@ int preview(const fs::path& store, const std::vector<std::string>& arguments) {
     const auto configuration = all ? configurationCalled(sorted->value("--configuration"), *all) : nullptr;
     if (!configuration)
         return noConfiguration;
-    const WorkFolder folder;
-    if (!folder.isThere())
+    const auto folder = workFolder();
+    if (!folder)
         return complain(cannotWrite, "a folder for temporary files cannot be made");
     const fs::path sample = sorted->files.empty() ? app::samplePage() : fs::path(sorted->files.front());
-    engine::PreviewStamper stamper(folder / "");
+    engine::PreviewStamper stamper(folder->path());
     const auto outcome = stamper.stamp(sample, configuration);
     if (!outcome)
         return complain(badInput, sample.string() + ": " + outcome.sentence);

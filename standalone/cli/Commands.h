@@ -10,12 +10,13 @@ namespace cli {
 /// Exit statuses of the program.
 enum Status : int {
     done = 0,
-    failed = 1,          ///< the program itself could not go on
-    badInput = 2,        ///< a document cannot be read, or not stamped as asked
-    cannotWrite = 3,     ///< a result cannot be written
-    noConfiguration = 4, ///< no configuration, or more than one, has the name, or the store cannot be read
-    usage = 64,          ///< the command line is not understood
-    interrupted = 130,   ///< ended by an interrupt
+    failed = 1,           ///< the program itself could not go on
+    badInput = 2,         ///< a document cannot be read, or not stamped as asked
+    cannotWrite = 3,      ///< a result cannot be written
+    noConfiguration = 4,  ///< no configuration, or more than one, has the name, or the store cannot be read
+    changedElsewhere = 6, ///< another program changed the same configurations; nothing was written
+    usage = 64,           ///< the command line is not understood
+    interrupted = 130,    ///< ended by an interrupt
 };
 
 /// Whether a window could be shown: the session has a display, or the environment names a platform to show it on.

@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "OutputFile.h"
 
+#include <files/Calls.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <random>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace engine {
@@ -20,18 +26,51 @@ constexpr std::size_t kBuffer = 256 * 1024;
     throw std::system_error(errno, std::generic_category());
 }
 
-mode_t modeFor(const std::filesystem::path& target) {
-    struct stat status {};
-    if (::stat(target.c_str(), &status) == 0)
-        return status.st_mode & 07777;
+mode_t modeOfNew(mode_t inputMode) {
     const mode_t mask = ::umask(0);
     ::umask(mask);
-    return 0666 & ~mask;
+    return 0666 & ~mask & (inputMode | 0600);
+}
+
+/// What only the system itself may set, or what describes the old content.
+bool isKept(const char* attribute) {
+    return std::strcmp(attribute, "security.ima") != 0 && std::strcmp(attribute, "security.evm") != 0;
+}
+
+void copyAttributes(const std::filesystem::path& from, int to) {
+    std::string names(static_cast<std::size_t>(std::max<ssize_t>(0, ::listxattr(from.c_str(), nullptr, 0))), '\0');
+    const auto size = ::listxattr(from.c_str(), names.data(), names.size());
+    names.resize(static_cast<std::size_t>(std::max<ssize_t>(0, size)));
+    for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1) {
+        const char* const name = &names[at];
+        std::string value(static_cast<std::size_t>(std::max<ssize_t>(0, ::getxattr(from.c_str(), name, nullptr, 0))),
+                          '\0');
+        if (!isKept(name) || ::getxattr(from.c_str(), name, value.data(), value.size()) < 0)
+            continue;
+        // Those of the user's own have to be kept; others need rights that he may not have.
+        if (::fsetxattr(to, name, value.data(), value.size(), 0) != 0 && std::strncmp(name, "user.", 5) == 0)
+            fail();
+    }
+}
+
+/// Makes the new file like the one it will replace.
+void takeOver(const std::filesystem::path& from, const struct stat& status, int to) {
+    auto mode = status.st_mode & 07777;
+    const bool group = ::fchown(to, static_cast<uid_t>(-1), status.st_gid) == 0;
+    const bool owner = ::fchown(to, status.st_uid, static_cast<gid_t>(-1)) == 0;
+    // Another group gets no more than everybody; and nobody becomes somebody else by running the file.
+    if (!group)
+        mode &= ~070 | (mode & 07) << 3;
+    if (!group || !owner)
+        mode &= 0777;
+    // A file system without permissions is no reason to fail.
+    (void)!::fchmod(to, mode);
+    copyAttributes(from, to);
 }
 
 } // namespace
 
-OutputFile::OutputFile(const std::filesystem::path& target) {
+OutputFile::OutputFile(const std::filesystem::path& target, mode_t inputMode) {
     std::error_code none;
     m_target = std::filesystem::canonical(target, none);
     if (none)
@@ -40,21 +79,26 @@ OutputFile::OutputFile(const std::filesystem::path& target) {
     if (std::filesystem::exists(m_target, none) && !std::filesystem::is_regular_file(m_target, none))
         throw std::system_error(std::filesystem::is_directory(m_target, none) ? EISDIR : ENOTSUP,
                                 std::generic_category());
-    int descriptor = ::open(folder().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+    m_descriptor = files::calls().open(folder().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
         auto name = pattern();
-        descriptor = ::mkostemp(name.data(), O_CLOEXEC);
-        m_aside = name;
+        m_descriptor = files::calls().openTemporary(name.data());
+        if (m_descriptor >= 0)
+            m_aside = name;
     }
-    if (descriptor < 0) {
-        m_aside.clear();
+    if (m_descriptor < 0)
         fail();
+    try {
+        struct stat status {};
+        if (::stat(m_target.c_str(), &status) == 0)
+            takeOver(m_target, status, m_descriptor);
+        else
+            (void)!::fchmod(m_descriptor, modeOfNew(inputMode));
+    } catch (const std::system_error&) {
+        close();
+        throw;
     }
-    // A file system without permissions is no reason to fail.
-    (void)!::fchmod(descriptor, modeFor(m_target));
-    m_stream = ::fdopen(descriptor, "wb");
-    m_buffer.resize(kBuffer);
-    std::setvbuf(m_stream, m_buffer.data(), _IOFBF, m_buffer.size());
+    m_buffer.reserve(kBuffer);
 }
 
 std::filesystem::path OutputFile::folder() const {
@@ -66,9 +110,9 @@ std::string OutputFile::pattern() const {
 }
 
 void OutputFile::giveName() {
-    const auto self = "/proc/self/fd/" + std::to_string(::fileno(m_stream));
+    const auto self = "/proc/self/fd/" + std::to_string(m_descriptor);
     const auto link = [&](const std::filesystem::path& name) {
-        const bool linked = ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+        const bool linked = files::calls().link(self.c_str(), name.c_str()) == 0;
         if (!linked && errno != EEXIST)
             fail();
         return linked;
@@ -88,25 +132,49 @@ void OutputFile::giveName() {
     }
 }
 
-OutputFile::~OutputFile() {
-    if (m_stream)
-        std::fclose(m_stream);
+void OutputFile::close() {
+    if (m_descriptor >= 0)
+        files::calls().close(std::exchange(m_descriptor, -1));
     if (!m_aside.empty())
         ::unlink(m_aside.c_str());
+    m_aside.clear();
+}
+
+OutputFile::~OutputFile() {
+    close();
+}
+
+void OutputFile::writeNow(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto written = files::calls().write(m_descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            fail();
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void OutputFile::flush() {
+    writeNow(m_buffer);
+    m_buffer.clear();
 }
 
 void OutputFile::write(std::string_view bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
-        fail();
+    if (m_buffer.size() + bytes.size() > kBuffer)
+        flush();
+    if (bytes.size() > kBuffer)
+        writeNow(bytes);
+    else
+        m_buffer += bytes;
 }
 
 void OutputFile::copy(int descriptor, std::uint64_t size) {
-    if (std::fflush(m_stream) != 0)
-        fail();
-    const int to = ::fileno(m_stream);
-    loff_t at = 0;
+    flush();
+    off_t at = 0;
     while (static_cast<std::uint64_t>(at) < size) {
-        const auto copied = ::copy_file_range(descriptor, &at, to, nullptr, size - static_cast<std::uint64_t>(at), 0);
+        const auto copied =
+            files::calls().copyRange(descriptor, &at, m_descriptor, size - static_cast<std::uint64_t>(at));
         if (copied > 0)
             continue;
         if (copied == 0)
@@ -121,35 +189,36 @@ void OutputFile::copy(int descriptor, std::uint64_t size) {
     std::vector<char> buffer(static_cast<std::uint64_t>(at) < size ? kBuffer : 0);
     while (static_cast<std::uint64_t>(at) < size) {
         const auto part = std::min<std::uint64_t>(buffer.size(), size - static_cast<std::uint64_t>(at));
-        const auto got = ::pread(descriptor, buffer.data(), part, at);
+        const auto got = files::calls().pread(descriptor, buffer.data(), part, at);
+        if (got < 0 && errno == EINTR)
+            continue;
         if (got < 0)
             fail();
         if (got == 0)
             throw std::system_error(EIO, std::generic_category());
-        write({buffer.data(), static_cast<std::size_t>(got)});
+        writeNow({buffer.data(), static_cast<std::size_t>(got)});
         at += got;
     }
 }
 
 void OutputFile::commit(bool durable) {
-    if (std::fflush(m_stream) != 0 || std::ferror(m_stream) || (durable && ::fsync(::fileno(m_stream)) != 0))
+    flush();
+    if (durable && files::calls().sync(m_descriptor) != 0)
         fail();
     if (m_aside.empty())
         giveName();
-    std::FILE* const stream = m_stream;
-    m_stream = nullptr;
-    if (std::fclose(stream) != 0)
-        fail();
-    if (!m_aside.empty() && ::rename(m_aside.c_str(), m_target.c_str()) != 0)
+    if (!m_aside.empty() && files::calls().rename(m_aside.c_str(), m_target.c_str()) != 0)
         fail();
     m_aside.clear();
+    // The file is whole and in its place, whatever closing it says.
+    close();
     if (!durable)
         return;
     // The new name is durable once its folder is; the file is in place whether or not that can be asked for.
-    const int descriptor = ::open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor = files::calls().open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor >= 0) {
-        ::fsync(descriptor);
-        ::close(descriptor);
+        files::calls().sync(descriptor);
+        files::calls().close(descriptor);
     }
 }
 

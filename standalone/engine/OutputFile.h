@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
+#include <string>
 #include <string_view>
-#include <vector>
 
 namespace engine {
 
@@ -14,15 +15,16 @@ namespace engine {
 /// files without a name, not even when the program is killed. Errors are std::system_error.
 class OutputFile {
 public:
-    /// `target` may be a symbolic link, whose file is then replaced. A replaced file's permissions are kept. What is
-    /// there and no regular file is refused.
-    explicit OutputFile(const std::filesystem::path& target);
+    /// `target` may be a symbolic link, whose file is then replaced. What is there and no regular file is refused.
+    ///
+    /// What replaces a file gets its permissions, its owner and group as far as this user may give them, its access
+    /// list and its extended attributes. A new file can be read by nobody who could not read the one it is made from,
+    /// whose permissions are `inputMode`.
+    explicit OutputFile(const std::filesystem::path& target, mode_t inputMode = 0666);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    /// For writers that want a stream. Stays with this object.
-    std::FILE* stream() const { return m_stream; }
     void write(std::string_view bytes);
     /// Copies the first `size` bytes of the file open as `descriptor`.
     void copy(int descriptor, std::uint64_t size);
@@ -35,11 +37,14 @@ private:
     /// A name beside the target, its last six letters still to be chosen.
     std::string pattern() const;
     void giveName();
+    void flush();
+    void writeNow(std::string_view bytes);
+    void close();
 
     std::filesystem::path m_target;
     std::filesystem::path m_aside; ///< Empty as long as the file has no name.
-    std::vector<char> m_buffer;
-    std::FILE* m_stream = nullptr;
+    std::string m_buffer;
+    int m_descriptor = -1;
 };
 
 /// Whether both names lead to one existing file.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PdfStamper.h"
 
+#include "FitCheck.h"
 #include "MappedFile.h"
 #include "OutputFile.h"
 #include "PageTree.h"
@@ -11,6 +12,7 @@
 
 #include <engine/Placement.h>
 
+#include <qpdf/Pipeline.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFSystemError.hh>
@@ -24,6 +26,19 @@
 namespace engine {
 
 namespace {
+
+/// Where the library's writer writes.
+class OutputPipeline final : public Pipeline {
+public:
+    explicit OutputPipeline(OutputFile& file) : Pipeline("output", nullptr), m_file(file) {}
+    void write(const unsigned char* bytes, std::size_t size) override {
+        m_file.write({reinterpret_cast<const char*>(bytes), size});
+    }
+    void finish() override {}
+
+private:
+    OutputFile& m_file;
+};
 
 /// What signatures say about a document.
 struct Signatures {
@@ -111,9 +126,9 @@ std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
 /// A press at work on a thread of its own, which ends with this object.
 class PressRun {
 public:
-    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, std::size_t pageCount,
-             bool aside)
-        : m_pageCount(pageCount), m_press(plans, facts, faces),
+    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, const StampJob& job,
+             std::size_t pageCount, bool aside)
+        : m_pageCount(pageCount), m_press(plans, facts, faces, job.dryRun),
           m_done(std::async(aside ? std::launch::async : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {
     }
     ~PressRun() {
@@ -172,14 +187,14 @@ public:
         const bool aside = m_job.threads > 1;
         std::optional<PressRun> press;
         if (const auto stated = statedPageCount(m_document, bytes); stated > 0 && m_task == Task::stamp)
-            press.emplace(plans, m_facts, faces, stated, aside);
+            press.emplace(plans, m_facts, faces, m_job, stated, aside);
 
         const auto& pages = m_document.getAllPages();
         if (pages.empty())
             throw Failure(Code::damaged, "The document has no pages.");
         if (m_task == Task::stamp && (!press || press->pageCount() != pages.size())) {
             press.reset();
-            press.emplace(plans, m_facts, faces, pages.size(), aside);
+            press.emplace(plans, m_facts, faces, m_job, pages.size(), aside);
         }
 
         const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();
@@ -233,6 +248,14 @@ public:
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }
 
+        if (m_job.dryRun) {
+            mayUpdate(); // refuses what could only be written in a way that was not allowed
+            if (stamps)
+                checkFit(*stamps, plans, sources);
+            tellOfDamage();
+            return changed;
+        }
+
         const auto write = [&](PdfObjects& objects, double last) {
             m_file.release();
             {
@@ -261,12 +284,29 @@ public:
             update(write);
         else
             rewrite(write);
-        if (wasDamaged(m_document))
-            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+        tellOfDamage();
         return changed;
     }
 
 private:
+    void tellOfDamage() {
+        if (wasDamaged(m_document))
+            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+    }
+
+    void checkFit(StampPress& stamps, const std::vector<StampPlan>& plans,
+                  const std::vector<PageWriter::Page>& sources) {
+        FitCheck fit;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            for (const auto& bearing : stamps.pages()[i]) {
+                const auto& plan = plans[bearing.plan];
+                const auto& form = stamps.forms()[bearing.form];
+                const auto page = shownSize(sources[i].geometry);
+                fit.look(i + 1, form.ink, placeStamp(form.size, page, plan.anchor, plan.offset, plan.degrees), page);
+            }
+        fit.tell(m_report);
+    }
+
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
         const bool isSigned = signaturesOf(m_document.getRoot()).present;
@@ -289,7 +329,7 @@ private:
 
     template <class Write>
     void update(const Write& write) {
-        OutputFile output(m_job.output);
+        OutputFile output(m_job.output, m_file.state().mode());
         PdfUpdate objects(m_document, m_file.bytes(), m_file.descriptor(), output);
         objects.requireVersion("1.4");
         write(objects, 1.0);
@@ -301,12 +341,13 @@ private:
     void rewrite(const Write& write) {
         PdfRewrite objects(m_document);
         write(objects, 0.6);
-        OutputFile output(m_job.output);
+        OutputFile output(m_job.output, m_file.state().mode());
         try {
             // The writer replaces the entry of a repaired trailer, but adds none.
             m_document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
             QPDFWriter writer(m_document);
-            writer.setOutputFile(m_job.output.c_str(), output.stream(), false);
+            OutputPipeline pipeline(output);
+            writer.setOutputPipeline(&pipeline);
             writer.setMinimumPDFVersion("1.4");
             writer.setLinearization(m_linearized);
             if (m_job.deterministic && !m_document.isEncrypted())
@@ -327,6 +368,7 @@ private:
     void commit(OutputFile& output) {
         const auto pageCount = m_document.getAllPages().size();
         m_progress.tell(1, pageCount);
+        m_file.state().expectAt(m_job.input);
         output.commit();
     }
 

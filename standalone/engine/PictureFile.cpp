@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "PictureFile.h"
 
-#include <fstream>
 #include <optional>
 
 namespace engine {
@@ -54,14 +53,15 @@ private:
 
 } // namespace
 
+std::string readWhole(const std::filesystem::path& path, std::optional<InputState>& state) {
+    const InputFile file(path);
+    state.emplace(file);
+    return file.read(state->size());
+}
+
 std::string readWhole(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary | std::ios::ate);
-    const auto size = stream.tellg();
-    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
-    stream.seekg(0);
-    if (size < 0 || !stream.read(bytes.data(), size))
-        throw Failure(Code::unreadable, "The file cannot be read.");
-    return bytes;
+    std::optional<InputState> none;
+    return readWhole(path, none);
 }
 
 bool isPng(std::string_view bytes) {

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "InputFile.h"
 #include "StampPlan.h"
 
 #include <engine/Outcome.h>
 #include <engine/Placement.h>
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 
@@ -37,6 +39,8 @@ using PagePartsFor = std::function<PictureParts(const PictureGeometry&, std::siz
 
 /// The bytes of a file. Throws `Failure`.
 std::string readWhole(const std::filesystem::path& path);
+/// The same; `state` becomes that of the file when it was opened.
+std::string readWhole(const std::filesystem::path& path, std::optional<InputState>& state);
 
 bool isPng(std::string_view bytes);
 bool isJpeg(std::string_view bytes);

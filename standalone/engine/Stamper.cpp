@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <engine/Stamper.h>
 
+#include "FitCheck.h"
 #include "OutputFile.h"
 #include "PdfStamper.h"
 #include "PictureFile.h"
@@ -11,7 +12,7 @@
 #include <QImageReader>
 
 #include <algorithm>
-#include <fstream>
+#include <optional>
 #include <system_error>
 
 namespace engine {
@@ -21,12 +22,9 @@ namespace {
 enum class Kind { unknown, pdf, png, jpeg, tiff };
 
 Kind kindOf(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::string head(1024, '\0');
-    stream.read(head.data(), static_cast<std::streamsize>(head.size()));
-    if (stream.bad() || !stream.is_open())
-        throw Failure(Code::unreadable, "The file cannot be read.");
-    head.resize(static_cast<std::size_t>(stream.gcount()));
+    const InputFile file(path);
+    const InputState state(file);
+    const auto head = file.read(std::min<std::size_t>(state.size(), 1024));
     if (isPng(head))
         return Kind::png;
     if (isJpeg(head))
@@ -52,6 +50,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
     const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
+    FitCheck fit;
     const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
         auto facts = factsOf(job);
         facts.pageNumber = page;
@@ -63,9 +62,12 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
-            if (stamp)
-                parts.push_back(
-                    {stamp, placeStamp(stamp->size, shownSize(geometry), plan.anchor, plan.offset, plan.degrees)});
+            if (!stamp)
+                continue;
+            const auto shown = shownSize(geometry);
+            parts.push_back({stamp, placeStamp(stamp->size, shown, plan.anchor, plan.offset, plan.degrees)});
+            if (job.dryRun)
+                fit.look(page, stamp->ink, parts.back().shownFromStamp, shown);
         }
         if (job.progress && !job.progress(page - 1, pageCount))
             throw Failure(Code::cancelled, "The run was cancelled.");
@@ -77,7 +79,8 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             throw nothing();
         return parts;
     };
-    const auto bytes = readWhole(job.input);
+    std::optional<InputState> input;
+    const auto bytes = readWhole(job.input, input);
     std::size_t pages = 1;
     const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor, report)
                          : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
@@ -86,8 +89,12 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         throw nothing();
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
-    OutputFile output(job.output);
+    fit.tell(report);
+    if (job.dryRun)
+        return pages;
+    OutputFile output(job.output, input->mode());
     output.write(stamped);
+    input->expectAt(job.input);
     output.commit();
     return pages;
 }
@@ -105,9 +112,10 @@ bool isNoFile(const std::filesystem::path& path) {
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
-    Report report;
+    Report report{{}, job.dryRun};
     Outcome outcome;
     outcome.path = job.input;
+    const InputState before(job.input);
     try {
         // Reading a pipe might wait for ever, and would take from it what somebody else wants.
         if (isNoFile(job.input))
@@ -121,7 +129,10 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
             outcome.path = job.output;
             throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");
         }
+        const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
+        if (hasOtherNames)
+            report.sentences.insert("The file has other names too (hard links), under which it is as it was.");
         outcome.path = job.output;
     } catch (const Failure& failure) {
         outcome.code = failure.code();
@@ -131,8 +142,22 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
         outcome.sentence = "The output cannot be written: " + error.code().message() + ".";
         outcome.path = job.output;
     }
+    // What looks damaged, or too short to be copied, may only have been half written.
+    if (!outcome && outcome.code != Code::cancelled) {
+        try {
+            before.expectAt(job.input);
+        } catch (const Failure& change) {
+            outcome.code = change.code();
+            outcome.sentence = change.what();
+            outcome.path = job.input;
+        }
+    }
     outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
     return outcome;
+}
+
+std::string wordFor(const StampJob& job, const char* done) {
+    return job.dryRun ? "would be" : done;
 }
 
 } // namespace
@@ -141,9 +166,10 @@ Outcome stampFile(const StampJob& job) {
     auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
         return kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
     });
+    const bool one = outcome.pagesStamped == 1;
     if (outcome)
-        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
-                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+        outcome.sentence = std::to_string(outcome.pagesStamped) + (one ? " page " : " pages ") +
+                           wordFor(job, one ? "was" : "were") + " stamped.";
     return outcome;
 }
 
@@ -183,7 +209,7 @@ Outcome unstampFile(const StampJob& job) {
         return unstampPdf(job, report);
     });
     if (outcome)
-        outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
+        outcome.sentence = "Stamps " + wordFor(job, "were") + " removed from " + std::to_string(outcome.pagesStamped) +
                            (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
 }

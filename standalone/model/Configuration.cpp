@@ -88,6 +88,12 @@ std::shared_ptr<Configuration> Configuration::copy() const {
     return made;
 }
 
+void Configuration::setValuesOf(const Configuration& other) {
+    m_values = other.m_values;
+    m_values.titleTokens = copyOfTitle(other.m_values.titleTokens, self());
+    changed();
+}
+
 void Configuration::setName(const std::u16string& name) {
     set(m_values.name, name);
 }

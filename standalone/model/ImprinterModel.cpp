@@ -5,7 +5,6 @@
 #include <Foundation/NSString.h>
 
 #include <algorithm>
-#include <set>
 
 namespace model {
 
@@ -30,6 +29,14 @@ std::u16string_view withoutCopySuffix(std::u16string_view name) {
 }
 
 } // namespace
+
+std::u16string nameOfCopy(const std::u16string& name, const std::set<std::u16string>& taken) {
+    const auto first = std::u16string(withoutCopySuffix(name)) + u" copy";
+    auto candidate = first;
+    for (std::size_t number = 2; taken.contains(candidate); ++number)
+        candidate = first + u" " + platform::fromUtf8(std::to_string(number));
+    return candidate;
+}
 
 ImprinterModel::ImprinterModel() : m_onChange(std::make_shared<const Configuration::ChangeNotice>()) {}
 
@@ -62,7 +69,10 @@ Handed ImprinterModel::duplicateConfigurationAtIndex(NSInteger row) {
         return nullptr;
     const auto original = m_list.begin() + row;
     const auto made = (*original)->copy();
-    made->setName(nameOfCopy((*original)->name()));
+    std::set<std::u16string> taken;
+    for (const auto& configuration : m_list)
+        taken.insert(configuration->name());
+    made->setName(nameOfCopy((*original)->name(), taken));
     adopt(made);
     m_list.insert(original + 1, made);
     listChanged();
@@ -156,17 +166,6 @@ void ImprinterModel::listChanged() {
     m_rows.clear();
     if (const auto notice = m_onChange; *notice)
         (*notice)(nullptr);
-}
-
-std::u16string ImprinterModel::nameOfCopy(const std::u16string& name) const {
-    std::set<std::u16string> taken;
-    for (const auto& configuration : m_list)
-        taken.insert(configuration->name());
-    const auto first = std::u16string(withoutCopySuffix(name)) + u" copy";
-    auto candidate = first;
-    for (std::size_t number = 2; taken.contains(candidate); ++number)
-        candidate = first + u" " + platform::fromUtf8(std::to_string(number));
-    return candidate;
 }
 
 } // namespace model

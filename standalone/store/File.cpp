@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "File.h"
 
+#include <files/Calls.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 #include <utility>
 
 #include <fcntl.h>
@@ -35,12 +38,13 @@ public:
     explicit Descriptor(int number) : m_number(checked(number)) {}
     ~Descriptor() {
         if (m_number >= 0)
-            ::close(m_number);
+            files::calls().close(m_number);
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     int number() const { return m_number; }
-    void close() { checked(::close(std::exchange(m_number, -1))); }
+    int release() { return std::exchange(m_number, -1); }
+    void close() { checked(files::calls().close(std::exchange(m_number, -1))); }
 
 private:
     int m_number;
@@ -53,60 +57,45 @@ Fingerprint fingerprintOf(const struct stat& status) {
 
 const auto programStart = fs::file_time_type::clock::now();
 
-/// A folder that the programs of this kind lock as long as they have a temporary file in it.
-class LockedFolder {
-public:
-    /// Waits for the other programs, unless `how` is LOCK_EX | LOCK_NB.
-    LockedFolder(const fs::path& folder, int how)
-        : m_descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        int result;
-        while ((result = ::flock(m_descriptor.number(), how)) != 0 && errno == EINTR)
+void writeAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto written = files::calls().write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
             continue;
-        m_locked = result == 0;
+        if (written < 0)
+            fail(errno);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    int number() const { return m_descriptor.number(); }
-    /// False where another program has the lock, and on network file systems, which do not lock folders.
-    bool isLocked() const { return m_locked; }
-
-private:
-    Descriptor m_descriptor;
-    bool m_locked;
-};
-
-/// The beginning of the names of temporary files for `file`; six letters and digits follow.
-std::string temporaryPrefix(const fs::path& file) {
-    return "." + file.filename().string() + ".saving-";
 }
+
+bool isLetterOrDigit(unsigned char c) {
+    return c < 0x80 && std::isalnum(c) != 0;
+}
+
+constexpr std::string_view pattern = "XXXXXX"; // as mkostemp fills it
+
+/// Whether `name` is `prefix` and what stands for `pattern`.
+bool isFilledIn(const std::string& name, const std::string& prefix) {
+    return name.size() == prefix.size() + pattern.size() && name.starts_with(prefix) &&
+           std::all_of(name.end() - pattern.size(), name.end(), isLetterOrDigit);
+}
+
+constexpr char saving[] = "saving";
 
 /// To be called with the folder locked.
 void removeLeftoversOf(const fs::path& target) {
-    const auto prefix = temporaryPrefix(target);
-    const auto isLeftover = [&](const fs::directory_entry& entry) {
-        const auto name = entry.path().filename().string();
-        const auto isLetterOrDigit = [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; };
+    for (const auto& name : filesNamed(hiddenPrefix(target, saving))) {
         std::error_code error;
-        return name.size() == prefix.size() + 6 && name.starts_with(prefix) &&
-               std::all_of(name.end() - 6, name.end(), isLetterOrDigit) &&
-               entry.symlink_status(error).type() == fs::file_type::regular &&
-               entry.last_write_time(error) < programStart && !error;
-    };
-    std::error_code error;
-    for (fs::directory_iterator entry(target.parent_path(), error), end; !error && entry != end; entry.increment(error))
-        if (isLeftover(*entry))
-            ::unlink(entry->path().c_str());
-}
-
-/// What is replaced where `file` is to be replaced.
-fs::path targetOf(const fs::path& file) {
-    return fs::absolute(fs::is_symlink(file) ? fs::weakly_canonical(file) : file);
+        if (fs::last_write_time(name, error) < programStart && !error)
+            ::unlink(name.c_str());
+    }
 }
 
 /// A file that goes again unless it was renamed.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const fs::path& beside)
-        : m_path((beside.parent_path() / (temporaryPrefix(beside) + "XXXXXX")).string()),
-          m_descriptor(::mkostemp(m_path.data(), O_CLOEXEC)) {}
+    explicit TemporaryFile(const fs::path& prefix)
+        : m_path(prefix.string() + std::string(pattern)), m_descriptor(made(m_path)) {}
     ~TemporaryFile() {
         if (!m_path.empty())
             ::unlink(m_path.c_str());
@@ -114,37 +103,52 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+    int number() const { return m_descriptor.number(); }
+    const std::string& path() const { return m_path; }
     /// Answers the state the file will have under its new name too.
-    Fingerprint write(std::string_view bytes) {
-        while (!bytes.empty()) {
-            const auto written = ::write(m_descriptor.number(), bytes.data(), bytes.size());
-            if (written < 0 && errno == EINTR)
-                continue;
-            if (written < 0)
-                fail(errno);
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        }
-        checked(::fsync(m_descriptor.number()));
+    Fingerprint finish() {
+        checked(files::calls().sync(m_descriptor.number()));
         struct stat status {};
         checked(::fstat(m_descriptor.number(), &status));
         m_descriptor.close();
         return fingerprintOf(status);
     }
     void renameTo(const fs::path& file) {
-        checked(::rename(m_path.c_str(), file.c_str()));
+        checked(files::calls().rename(m_path.c_str(), file.c_str()));
         m_path.clear();
+    }
+    /// It stays under the name it has.
+    int release() {
+        m_path.clear();
+        return m_descriptor.release();
     }
 
 private:
+    /// Where none is made there is no name to take away.
+    static int made(std::string& path) {
+        const int number = files::calls().openTemporary(path.data());
+        if (number < 0)
+            path.clear();
+        return number;
+    }
+
     std::string m_path;
     Descriptor m_descriptor;
 };
+
+/// Whether `path` still names the ordinary file that is open as `number`.
+bool isNamed(const fs::path& path, int number) {
+    struct stat opened {};
+    struct stat named {};
+    return ::fstat(number, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 && S_ISREG(opened.st_mode) &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
 
 void makeFolders(const fs::path& folder) {
     if (folder.empty() || fs::is_directory(folder))
         return;
     makeFolders(folder.parent_path());
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
+    if (files::calls().makeFolder(folder.c_str(), 0700) != 0 && errno != EEXIST)
         fail(errno);
 }
 
@@ -159,6 +163,10 @@ std::string dateAndTime() {
 
 } // namespace
 
+fs::path targetOf(const fs::path& file) {
+    return fs::absolute(fs::is_symlink(file) ? fs::weakly_canonical(file) : file);
+}
+
 std::optional<Fingerprint> fingerprintOf(const fs::path& file) {
     struct stat status {};
     if (::stat(file.c_str(), &status) != 0)
@@ -168,7 +176,7 @@ std::optional<Fingerprint> fingerprintOf(const fs::path& file) {
 
 FileContent readFile(const fs::path& file, std::uintmax_t limit) {
     // Non-blocking, because opening a pipe would wait for a writer.
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor descriptor(files::calls().open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     checked(::fstat(descriptor.number(), &status));
     if (S_ISDIR(status.st_mode))
@@ -181,7 +189,8 @@ FileContent readFile(const fs::path& file, std::uintmax_t limit) {
     content.bytes.resize(static_cast<std::size_t>(status.st_size));
     std::size_t at = 0;
     while (at < content.bytes.size()) {
-        const auto count = ::read(descriptor.number(), content.bytes.data() + at, content.bytes.size() - at);
+        const auto count =
+            files::calls().read(descriptor.number(), content.bytes.data() + at, content.bytes.size() - at);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -194,32 +203,147 @@ FileContent readFile(const fs::path& file, std::uintmax_t limit) {
     return content;
 }
 
-bool replaceFile(const fs::path& file, std::string_view bytes, std::optional<Fingerprint>& seen) {
+fs::path versionOf(const fs::path& file, int number) {
+    return file.parent_path() /
+           (file.stem().string() + ".previous-" + std::to_string(number) + file.extension().string());
+}
+
+fs::path hiddenPrefix(const fs::path& file, const std::string& word) {
     const auto target = targetOf(file);
-    makeFolders(target.parent_path());
-    // Two of our own programs take turns here, so that neither replaces what it has not seen. Where there is no lock a
-    // small gap remains.
-    const LockedFolder folder(target.parent_path(), LOCK_EX);
-    if (folder.isLocked())
-        removeLeftoversOf(target);
-    TemporaryFile temporary(target);
-    const auto written = temporary.write(bytes);
-    if (const auto found = fingerprintOf(target); found && found != seen)
-        return false;
-    temporary.renameTo(target);
+    return target.parent_path() / ("." + target.filename().string() + "." + word + "-");
+}
+
+std::vector<fs::path> filesNamed(const fs::path& prefix) {
+    std::vector<fs::path> found;
+    std::error_code error;
+    for (fs::directory_iterator entry(prefix.parent_path(), error), end; !error && entry != end; entry.increment(error))
+        if (std::error_code none; isFilledIn(entry->path().filename().string(), prefix.filename().string()) &&
+                                  entry->symlink_status(none).type() == fs::file_type::regular)
+            found.push_back(entry->path());
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+/// A folder that the programs of this kind lock as long as they have a temporary file in it.
+class LockedFolder {
+public:
+    /// Waits for the other programs, unless `how` is LOCK_EX | LOCK_NB.
+    LockedFolder(const fs::path& folder, int how)
+        : m_descriptor(files::calls().open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        int result;
+        while ((result = ::flock(m_descriptor.number(), how)) != 0 && errno == EINTR)
+            continue;
+        m_locked = result == 0;
+    }
+    int number() const { return m_descriptor.number(); }
+    /// False where another program has the lock, and on network file systems, which do not lock folders.
+    bool isLocked() const { return m_locked; }
+
+private:
+    Descriptor m_descriptor;
+    bool m_locked;
+};
+
+Turn::Turn(const fs::path& file) : m_target(targetOf(file)) {
+    makeFolders(m_target.parent_path());
+    m_folder = std::make_unique<LockedFolder>(m_target.parent_path(), LOCK_EX);
+    if (m_folder->isLocked())
+        removeLeftoversOf(m_target);
+}
+
+Turn::~Turn() = default;
+
+std::optional<Fingerprint> Turn::state() const {
+    return fingerprintOf(m_target);
+}
+
+void Turn::keepVersions(int versions) const {
+    const auto last = versionOf(m_target, 1);
+    std::error_code none;
+    // A program that was killed right here has kept it already.
+    if (versions < 1 || !fs::exists(m_target, none) || fs::equivalent(m_target, last, none))
+        return;
+    for (int number = versions; number > 1; --number)
+        files::calls().rename(versionOf(m_target, number - 1).c_str(), versionOf(m_target, number).c_str());
+    if (files::calls().link(m_target.c_str(), last.c_str()) == 0) {
+        ::chmod(last.c_str(), 0600);
+        return;
+    }
+    if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK)
+        return;
+    // Some file systems have one name for a file only.
+    TemporaryFile copy(hiddenPrefix(m_target, saving));
+    writeAll(copy.number(), readFile(m_target, std::numeric_limits<std::uintmax_t>::max()).bytes);
+    copy.finish();
+    copy.renameTo(last);
+}
+
+void Turn::replace(std::string_view bytes, std::optional<Fingerprint>& seen, int versions) {
+    TemporaryFile temporary(hiddenPrefix(m_target, saving));
+    writeAll(temporary.number(), bytes);
+    const auto written = temporary.finish();
+    try {
+        keepVersions(versions);
+    } catch (const std::system_error&) {
+        // What was is worth less than what is.
+    }
+    temporary.renameTo(m_target);
     seen = written;
     // Not every file system can do that with a folder.
-    if (::fsync(folder.number()) != 0 && errno != EINVAL)
+    if (files::calls().sync(m_folder->number()) != 0 && errno != EINVAL)
         fail(errno);
-    return true;
+}
+
+OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporaryPrefix(hiddenPrefix(file, saving)) {
+    const auto prefix = hiddenPrefix(file, word);
+    makeFolders(prefix.parent_path());
+    // Between its making and its locking another program may take it for one that was left behind.
+    for (int attempts = 0; attempts < 100; ++attempts) {
+        TemporaryFile made(prefix);
+        if (::flock(made.number(), LOCK_EX | LOCK_NB) != 0 || !isNamed(made.path(), made.number()))
+            continue;
+        m_path = made.path();
+        m_number = made.release();
+        return;
+    }
+    fail(EAGAIN);
+}
+
+std::unique_ptr<OwnedFile> OwnedFile::takeOver(const fs::path& file) {
+    const int number = files::calls().open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (number < 0)
+        return nullptr;
+    std::unique_ptr<OwnedFile> taken(new OwnedFile(file, number));
+    // Its owner may have put a new one in its place in this moment.
+    return ::flock(number, LOCK_EX | LOCK_NB) == 0 && isNamed(file, number) ? std::move(taken) : nullptr;
+}
+
+OwnedFile::~OwnedFile() {
+    if (m_number >= 0)
+        files::calls().close(m_number);
+}
+
+void OwnedFile::replace(std::string_view bytes) {
+    TemporaryFile temporary(m_temporaryPrefix);
+    // Before it has the name, so that nobody finds it without its owner.
+    checked(::flock(temporary.number(), LOCK_EX | LOCK_NB));
+    writeAll(temporary.number(), bytes);
+    temporary.renameTo(m_path);
+    const int former = std::exchange(m_number, temporary.release());
+    files::calls().close(former);
+}
+
+void OwnedFile::remove() const {
+    ::unlink(m_path.c_str());
 }
 
 void removeLeftovers(const fs::path& file) {
     try {
         const auto target = targetOf(file);
         const LockedFolder folder(target.parent_path(), LOCK_EX | LOCK_NB);
-        if (folder.isLocked())
-            removeLeftoversOf(target);
+        if (!folder.isLocked())
+            return;
+        removeLeftoversOf(target);
     } catch (const std::system_error&) {
         // Without the folder there is nothing to remove.
     }
@@ -230,7 +354,7 @@ fs::path renameAside(const fs::path& file, const std::string& word) {
     for (int number = 1;; ++number) {
         const auto suffix = number == 1 ? std::string() : "-" + std::to_string(number);
         auto aside = file.parent_path() / (base + suffix + file.extension().string());
-        if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0)
+        if (files::calls().rename(file.c_str(), aside.c_str(), RENAME_NOREPLACE) == 0)
             return aside;
         if (errno == EEXIST)
             continue;
@@ -239,7 +363,7 @@ fs::path renameAside(const fs::path& file, const std::string& word) {
             fail(errno);
         if (fs::exists(fs::symlink_status(aside)))
             continue;
-        checked(::rename(file.c_str(), aside.c_str()));
+        checked(files::calls().rename(file.c_str(), aside.c_str()));
         return aside;
     }
 }

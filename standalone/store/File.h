@@ -3,10 +3,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <tuple>
+#include <vector>
 
 namespace store {
 
@@ -25,14 +28,77 @@ struct FileContent {
 /// above `limit` bytes.
 FileContent readFile(const std::filesystem::path& file, std::uintmax_t limit);
 
-/// Puts `bytes` in the place of `file`, at once or not at all, and waits until they are on the disk. Missing folders
-/// are made for the user alone, and so is the file; where `file` is a symbolic link, what it points to is replaced.
-/// Leftovers are removed, as `removeLeftovers` does.
-///
-/// Nothing is written and false is answered when there is a file and it is not in the state `seen`; else `seen` becomes
-/// the state of the new file. Throws std::system_error; the old file is then untouched, unless only the last wait
-/// failed.
-bool replaceFile(const std::filesystem::path& file, std::string_view bytes, std::optional<Fingerprint>& seen);
+/// What is replaced where `file` is to be replaced: what it points to where it is a symbolic link.
+std::filesystem::path targetOf(const std::filesystem::path& file);
+
+/// How many former versions of a file stay beside it.
+inline constexpr int mostVersions = 3;
+
+/// The name under which a former version of `file` is kept: "<stem>.previous-<number><extension>"; 1 is the last one.
+std::filesystem::path versionOf(const std::filesystem::path& file, int number);
+
+class LockedFolder;
+
+/// A program's turn to replace a file. Others of its kind wait, so that what is read in a turn is what is replaced in
+/// it; where the file system has no locks a small gap remains.
+class Turn {
+public:
+    /// Waits for the others. Missing folders are made, for the user alone; leftovers are removed, as `removeLeftovers`
+    /// does. Where `file` is a symbolic link, what it points to is meant. Throws std::system_error.
+    explicit Turn(const std::filesystem::path& file);
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    /// The state of the file; none where there is none.
+    std::optional<Fingerprint> state() const;
+
+    /// Puts `bytes` in the place of the file, at once or not at all, and waits until they are on the disk. The new file
+    /// is the user's alone. `seen` becomes its state when it is in its place.
+    ///
+    /// The file that is replaced is kept under `versionOf(file, 1)`, and those kept before move on by one number, as
+    /// many as `versions`. What cannot be kept is no reason not to replace. Throws std::system_error; the old file is
+    /// then untouched, unless only the last wait failed.
+    void replace(std::string_view bytes, std::optional<Fingerprint>& seen, int versions);
+
+private:
+    void keepVersions(int versions) const;
+
+    std::filesystem::path m_target;
+    std::unique_ptr<LockedFolder> m_folder;
+};
+
+/// What hidden files for `file` begin with; six letters or digits follow: ".<name>.<word>-", beside it. Where `file` is
+/// a symbolic link, what it points to is meant.
+std::filesystem::path hiddenPrefix(const std::filesystem::path& file, const std::string& word);
+/// The files that begin with `prefix` and end with six letters or digits, sorted by name.
+std::vector<std::filesystem::path> filesNamed(const std::filesystem::path& prefix);
+
+/// A file that belongs to a running program as long as this object lives, and can be told from one that was left
+/// behind by a program that ended.
+class OwnedFile {
+public:
+    /// Makes one beside `file`, with a name that begins with `hiddenPrefix(file, word)`. Throws std::system_error.
+    OwnedFile(const std::filesystem::path& file, const std::string& word);
+    /// Takes over one that was left behind; none where it is gone, a link, or its owner is alive.
+    static std::unique_ptr<OwnedFile> takeOver(const std::filesystem::path& file);
+    /// The file stays.
+    ~OwnedFile();
+    OwnedFile(const OwnedFile&) = delete;
+    OwnedFile& operator=(const OwnedFile&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+    /// At once or not at all, without waiting for the disk. Throws std::system_error.
+    void replace(std::string_view bytes);
+    void remove() const;
+
+private:
+    OwnedFile(std::filesystem::path path, int number) : m_path(std::move(path)), m_number(number) {}
+
+    std::filesystem::path m_temporaryPrefix; ///< Empty for one that was taken over, which is not replaced.
+    std::filesystem::path m_path;
+    int m_number = -1;
+};
 
 /// Removes the temporary files of programs that were killed while they replaced `file`. Nothing is removed while
 /// another program replaces a file of the folder, nor where the file system has no locks to tell; and no file that is

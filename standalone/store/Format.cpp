@@ -6,7 +6,6 @@
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSet>
 
 #include <algorithm>
 #include <charconv>
@@ -14,27 +13,11 @@
 
 namespace store {
 
-namespace {
-
-using host::NSColor;
-using host::TitleToken;
-using model::Configuration;
-using Colour = std::shared_ptr<const NSColor>;
-using Font = std::shared_ptr<host::ImprinterFont>;
-
 namespace key {
-constexpr QLatin1String format("format");
-constexpr QLatin1String version("version");
-constexpr QLatin1String configurations("configurations");
-constexpr QLatin1String uniqueID("uniqueID");
-constexpr QLatin1String name("name");
-constexpr QLatin1String combined("combinedConfiguration");
-constexpr QLatin1String members("members");
 constexpr QLatin1String duplicateRecord("duplicateRecord");
 constexpr QLatin1String titleTokens("titleTokens");
 constexpr QLatin1String position("position");
 constexpr QLatin1String offset("offset");
-constexpr QLatin1String rotation("rotation");
 constexpr QLatin1String occurance("occurance");
 constexpr QLatin1String customOccurance("customOccurance");
 constexpr QLatin1String borderEnabled("borderEnabled");
@@ -54,6 +37,14 @@ constexpr QLatin1String strikethrough("strikethrough");
 constexpr QLatin1String sRGB("sRGB");
 constexpr QLatin1String gray("gray");
 } // namespace key
+
+namespace {
+
+using host::NSColor;
+using host::TitleToken;
+using model::Configuration;
+using Colour = std::shared_ptr<const NSColor>;
+using Font = std::shared_ptr<host::ImprinterFont>;
 
 constexpr QLatin1String formatName("imprinter-configurations");
 
@@ -291,6 +282,8 @@ Entry configurationEntry(const QJsonValue& value, const Place& place, UnknownKey
     return entry;
 }
 
+} // namespace
+
 QJsonObject document(QByteArray bytes) {
     escapeByteOrderMarks(bytes);
     QJsonParseError error;
@@ -302,6 +295,8 @@ QJsonObject document(QByteArray bytes) {
     }
     return document.object();
 }
+
+namespace {
 
 // Writing.
 
@@ -342,21 +337,22 @@ class Writer {
 public:
     Writer(const model::ImprinterModel& model, const UnknownKeys& unknown) : m_model(model), m_unknown(unknown) {}
 
-    QJsonArray configurations() const {
+    Forms forms() const {
         const auto all = m_model.configurations();
         if (all->size() > mostConfigurations)
             refuse(Code::tooLarge, QStringLiteral("The list of configurations"),
                    QStringLiteral("has more than %1 entries").arg(mostConfigurations));
-        QJsonArray written;
-        QSet<QString> identifiers;
+        Forms written;
+        written.document = m_unknown.document;
         for (const auto& configuration : *all) {
             const auto identifier = toQString(configuration->uniqueID());
-            identifiers.insert(identifier.toCaseFolded());
+            const auto key = folded(identifier);
             // What a reader would refuse must not be written.
-            if (identifier.isEmpty() || identifiers.size() == written.size())
+            if (identifier.isEmpty() || written.byIdentifier.contains(key))
                 refuse(Code::unstorable, QStringLiteral("The identifier “%1”").arg(identifier),
                        QStringLiteral("is empty or another's"));
-            written.append(object(configuration));
+            written.order.push_back(key);
+            written.byIdentifier.emplace(key, object(configuration));
         }
         return written;
     }
@@ -380,7 +376,7 @@ private:
         o[key::combined] = c.combinedConfiguration();
         o[key::duplicateRecord] = integerValue(c.duplicateRecord());
         if (c.combinedConfiguration()) {
-            o[key::members] = members(c, the("member list"));
+            o[key::members] = members(c, owner, the("member list"));
             return o;
         }
         o[key::titleTokens] = title(c, owner);
@@ -401,11 +397,15 @@ private:
         return o;
     }
 
-    QJsonArray members(const host::ImprinterConfiguration& combined, const QString& what) const {
+    QJsonArray members(const host::ImprinterConfiguration& combined, const QString& owner, const QString& what) const {
         QJsonArray written;
-        for (const auto& member : *combined.configurations())
-            if (m_model.indexOfConfiguration(member) != platform::NSNotFound)
-                written.append(textValue(member->uniqueID(), what));
+        for (const auto& member : *combined.configurations()) {
+            if (m_model.indexOfConfiguration(member) == platform::NSNotFound)
+                refuse(Code::unstorable,
+                       QStringLiteral("The member “%1” of “%2”").arg(toQString(member->name()), owner),
+                       QStringLiteral("is not in the list of configurations"));
+            written.append(textValue(member->uniqueID(), what));
+        }
         if (written.size() > mostMembers)
             refuse(Code::tooLarge, what, QStringLiteral("has more than %1 entries").arg(mostMembers));
         return written;
@@ -422,6 +422,9 @@ private:
                 written.append(textValue(*text, QStringLiteral("The title of “%1”").arg(owner)));
             else if (const auto* run = std::get_if<Font>(&token); run && *run)
                 written.append(fontRun(*run, ++runs, owner));
+            else
+                refuse(Code::unstorable, QStringLiteral("The title of “%1”").arg(owner),
+                       QStringLiteral("has a token that is neither text nor font"));
         }
         if (written.size() > mostTitleTokens)
             refuse(Code::tooLarge, QStringLiteral("The title of “%1”").arg(owner),
@@ -471,11 +474,11 @@ std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, Unknow
         auto entry = configurationEntry(value, here, unknown);
         // The pane tells identifiers apart without regard to case.
         const auto identifier = toQString(entry.configuration->uniqueID());
-        const auto folded = identifier.toCaseFolded();
-        if (byFoldedIdentifier.contains(folded))
+        const auto key = folded(identifier);
+        if (byFoldedIdentifier.contains(key))
             here.refuse(Code::invalid, QStringLiteral("has the uniqueID “%1”, as configurations[%2] has")
-                                           .arg(identifier, QString::number(byFoldedIdentifier.value(folded))));
-        byFoldedIdentifier.insert(folded, static_cast<qsizetype>(configurations.size()));
+                                           .arg(identifier, QString::number(byFoldedIdentifier.value(key))));
+        byFoldedIdentifier.insert(key, static_cast<qsizetype>(configurations.size()));
         configurations.push_back(std::move(entry.configuration));
         members.push_back(std::move(entry.members));
     }
@@ -489,7 +492,7 @@ std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, Unknow
         for (const auto entries = list(members[i], mostMembers, membersPlace); const auto& value : entries) {
             const Place memberPlace{&membersPlace, {}, index++};
             const auto identifier = toQString(text(value, memberPlace));
-            const auto found = byFoldedIdentifier.constFind(identifier.toCaseFolded());
+            const auto found = byFoldedIdentifier.constFind(folded(identifier));
             if (found == byFoldedIdentifier.constEnd())
                 memberPlace.refuse(Code::invalid, QStringLiteral("names “%1”, which is not there").arg(identifier));
             const auto& member = configurations[static_cast<std::size_t>(*found)];
@@ -508,17 +511,40 @@ bool looksLikeConfigurations(const QByteArray& bytes) {
     return (start.startsWith('{') || start.startsWith("\xEF\xBB\xBF{")) && bytes.contains(formatName.data());
 }
 
-QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown, qsizetype mostBytes) {
-    auto object = unknown.document;
+Forms formsOf(const model::ImprinterModel& model, const UnknownKeys& unknown) {
+    return Writer(model, unknown).forms();
+}
+
+Forms formsIn(const QByteArray& bytes) {
+    UnknownKeys unknown;
+    model::ImprinterModel model;
+    model.setConfigurations(read(bytes, unknown));
+    return formsOf(model, unknown);
+}
+
+QByteArray bytesOf(const QJsonObject& document) {
+    auto bytes = QJsonDocument(document).toJson();
+    escapeByteOrderMarks(bytes);
+    return bytes;
+}
+
+QByteArray bytesOf(const Forms& forms, qsizetype mostBytes) {
+    QJsonArray configurations;
+    for (const auto& identifier : forms.order)
+        configurations.append(forms.byIdentifier.at(identifier));
+    auto object = forms.document;
     object[key::format] = formatName;
     object[key::version] = formatVersion;
-    object[key::configurations] = Writer(model, unknown).configurations();
-    auto bytes = QJsonDocument(object).toJson();
-    escapeByteOrderMarks(bytes);
+    object[key::configurations] = configurations;
+    auto bytes = bytesOf(object);
     if (bytes.size() > mostBytes)
         refuse(Code::tooLarge, QStringLiteral("The file of configurations"),
                QStringLiteral("would be larger than %1 MiB").arg(mostBytes >> 20));
     return bytes;
+}
+
+QString folded(const QString& identifier) {
+    return identifier.toCaseFolded();
 }
 
 } // namespace store

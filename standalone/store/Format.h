@@ -29,13 +29,47 @@ struct UnknownKeys {
     std::map<std::weak_ptr<const platform::NSObject>, QJsonObject, std::owner_less<>> objects;
 };
 
+/// Configurations in the form they have in a file.
+struct Forms {
+    /// Keys of the document that this version does not know.
+    QJsonObject document;
+    /// Identifiers, their case folded, in the order of the list.
+    std::vector<QString> order;
+    std::map<QString, QJsonObject> byIdentifier;
+};
+
 /// Throws Problem.
 std::vector<std::shared_ptr<model::Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown);
+
+/// Throws Problem where something has no form in a file.
+Forms formsOf(const model::ImprinterModel& model, const UnknownKeys& unknown);
+
+/// What a file holds, every key written out. Throws Problem.
+Forms formsIn(const QByteArray& bytes);
 
 /// Whether the bytes, damaged as they may be, look like a file of configurations.
 bool looksLikeConfigurations(const QByteArray& bytes);
 
-/// Throws Problem, also where it would be more than `mostBytes`.
-QByteArray write(const model::ImprinterModel& model, const UnknownKeys& unknown, qsizetype mostBytes);
+/// The document of a file. Throws Problem where it would be more than `mostBytes`.
+QByteArray bytesOf(const Forms& forms, qsizetype mostBytes);
+
+/// The JSON object that a file consists of. Throws Problem where it is none.
+QJsonObject document(QByteArray bytes);
+/// The file of a JSON object.
+QByteArray bytesOf(const QJsonObject& document);
+
+/// As `identifier` is told apart from others.
+QString folded(const QString& identifier);
+
+namespace key {
+inline constexpr QLatin1String format("format");
+inline constexpr QLatin1String version("version");
+inline constexpr QLatin1String configurations("configurations");
+inline constexpr QLatin1String uniqueID("uniqueID");
+inline constexpr QLatin1String name("name");
+inline constexpr QLatin1String combined("combinedConfiguration");
+inline constexpr QLatin1String members("members");
+inline constexpr QLatin1String rotation("rotation");
+} // namespace key
 
 } // namespace store

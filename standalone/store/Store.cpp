@@ -3,6 +3,8 @@
 
 #include "File.h"
 #include "Format.h"
+#include "Journal.h"
+#include "Merge.h"
 
 #include <Foundation/NSString.h>
 
@@ -54,7 +56,15 @@ struct Store::State {
     UnknownKeys unknown;
     /// The state of the file that was loaded or saved last; none where there was no file.
     std::optional<Fingerprint> seen;
+    /// What the file had in that state; none before the file was loaded.
+    std::optional<QByteArray> baseBytes;
+    /// The same, made when it is needed; without bytes it is the supplied configurations.
+    mutable std::optional<Forms> base;
     bool readOnly = false;
+    /// The last file may not be on the disk yet.
+    bool unsynced = false;
+    int versions = mostVersions;
+    std::unique_ptr<OwnedFile> journal;
 };
 
 /// What is in the place of the file.
@@ -81,8 +91,18 @@ fs::path Store::defaultPath() {
 }
 
 Store::Reading Store::readFile() const {
-    const auto stopped = [](Code code, std::u16string sentence, bool mayBeRenamed) {
-        return Reading{suppliedConfigurations(), {}, code, std::move(sentence), mayBeRenamed};
+    const auto supplied = [] {
+        Reading reading;
+        reading.configurations = suppliedConfigurations();
+        reading.state.baseBytes.emplace();
+        return reading;
+    };
+    const auto stopped = [&](Code code, std::u16string sentence, bool mayBeRenamed) {
+        auto reading = supplied();
+        reading.problem = code;
+        reading.sentence = std::move(sentence);
+        reading.mayBeRenamed = mayBeRenamed;
+        return reading;
     };
     const auto configurations = u"The configurations in " + quoted(m_file);
     std::error_code none;
@@ -98,18 +118,19 @@ Store::Reading Store::readFile() const {
         content = store::readFile(m_file, m_mostBytes);
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
-            return {suppliedConfigurations(), {}, std::nullopt, {}, false};
-        const bool renamed = isDefault && fs::is_regular_file(status);
+            return supplied();
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
-                           renamed);
-        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed);
+                           isDefault && fs::is_regular_file(status));
+        // Nothing is known against the file.
+        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", false);
     }
     const auto bytes = QByteArray::fromRawData(content.bytes.data(), static_cast<qsizetype>(content.bytes.size()));
     try {
         Reading reading;
         reading.configurations = store::read(bytes, reading.state.unknown);
         reading.state.seen = content.fingerprint;
+        reading.state.baseBytes = QByteArray(bytes.data(), bytes.size());
         return reading;
     } catch (const Problem& problem) {
         const auto why = u" (" + problem.text.toStdU16String() + u")";
@@ -137,30 +158,251 @@ LoadResult Store::load() {
         reading.state.readOnly = result.readOnly = !keepAside(m_file, reading.mayBeRenamed, reading.sentence);
         result.messages.push_back({*reading.problem, reading.sentence, m_file});
     }
+    reading.state.versions = m_state->versions;
+    reading.state.journal = std::move(m_state->journal);
     *m_state = std::move(reading.state);
     if (!result.readOnly)
         removeLeftovers(m_file);
     return result;
 }
 
-std::optional<Failure> Store::save(const model::ImprinterModel& model) {
-    if (m_state->readOnly)
-        return Failure{Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.", m_file};
+Failure Store::failureAbout(Code code, std::u16string sentence) const {
+    return {code, std::move(sentence), m_file};
+}
+
+std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>()>& work) const {
     try {
-        const auto bytes = write(model, m_state->unknown, static_cast<qsizetype>(m_mostBytes));
-        if (!replaceFile(m_file, {bytes.data(), static_cast<std::size_t>(bytes.size())}, m_state->seen))
-            return Failure{Code::changedElsewhere,
-                           u"Another program has written the configurations in " + quoted(m_file) +
-                               u", and nothing was saved.",
-                           m_file};
+        return work();
     } catch (const Problem& problem) {
-        return Failure{problem.code, problem.text.toStdU16String(), m_file};
+        return failureAbout(problem.code, problem.text.toStdU16String());
     } catch (const std::system_error& error) {
-        return Failure{Code::unwritable,
-                       u"The configurations could not be saved in " + quoted(m_file) + u" (" + reason(error) + u").",
-                       m_file};
+        return failureAbout(Code::unwritable, u"The configurations could not be saved in " + quoted(m_file) + u" (" +
+                                                  reason(error) + u").");
     }
-    return std::nullopt;
+}
+
+const Forms& Store::base() const {
+    auto& base = m_state->base;
+    if (!base && !m_state->baseBytes->isEmpty()) {
+        base = formsIn(*m_state->baseBytes);
+    } else if (!base) {
+        model::ImprinterModel model;
+        model.setConfigurations(suppliedConfigurations());
+        base = formsOf(model, {});
+    }
+    return *base;
+}
+
+namespace {
+
+/// The answers to what is contested; none where there is no answer to one.
+bool decide(const std::vector<Contested>& contested, const Ask& ask, std::vector<Decision>& decisions) {
+    const auto nameIn = [](const QJsonObject& form) { return form.value(key::name).toString().toStdU16String(); };
+    for (const auto& about : contested) {
+        const auto choice = ask ? ask({nameIn(about.mine), nameIn(about.theirs)}) : std::nullopt;
+        if (!choice)
+            return false;
+        decisions.push_back({about, *choice});
+    }
+    return true;
+}
+
+std::u16string namesOf(const std::vector<Contested>& contested) {
+    std::u16string names;
+    for (const auto& about : contested)
+        names += (names.empty() ? u"“" : u", “") + about.mine.value(key::name).toString().toStdU16String() + u"”";
+    return names;
+}
+
+/// Takes what is unknown about `from` and its font runs over to `to` and its, in their order.
+void moveUnknown(UnknownKeys& unknown, const UnknownKeys& found, const std::shared_ptr<model::Configuration>& from,
+                 const std::shared_ptr<model::Configuration>& to) {
+    const auto move = [&](const auto& source, const auto& target) {
+        unknown.objects.erase(std::shared_ptr<const platform::NSObject>(target));
+        if (const auto keys = found.objects.find(std::shared_ptr<const platform::NSObject>(source));
+            keys != found.objects.end())
+            unknown.objects.emplace(std::shared_ptr<const platform::NSObject>(target), keys->second);
+    };
+    move(from, to);
+    const auto sources = from->titleTokens();
+    const auto targets = to->titleTokens();
+    for (std::size_t i = 0; i < platform::count(sources); ++i)
+        if (const auto* run = std::get_if<std::shared_ptr<host::ImprinterFont>>(&(*sources)[i]))
+            move(*run, std::get<std::shared_ptr<host::ImprinterFont>>((*targets)[i]));
+}
+
+} // namespace
+
+void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model) {
+    UnknownKeys found;
+    const auto read = store::read(bytesOf(forms, static_cast<qsizetype>(m_mostBytes)), found);
+    m_state->unknown.document = found.document;
+
+    // Whoever shows a configuration knows it by its object, which therefore stays, and takes over what has changed.
+    std::map<QString, std::shared_ptr<model::Configuration>> present;
+    for (const auto& handed : *model.configurations())
+        present.emplace(folded(QString::fromStdU16String(handed->uniqueID())),
+                        std::dynamic_pointer_cast<model::Configuration>(handed));
+    std::vector<std::shared_ptr<model::Configuration>> list;
+    std::map<std::shared_ptr<host::ImprinterConfiguration>, std::shared_ptr<model::Configuration>> kept;
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        const auto own = present.find(forms.order[i]);
+        const bool stays =
+            own != present.end() && own->second->combinedConfiguration() == read[i]->combinedConfiguration();
+        list.push_back(stays ? own->second : read[i]);
+        kept.emplace(read[i], list.back());
+    }
+    const auto before = *model.configurations();
+    if (!std::equal(before.begin(), before.end(), list.begin(), list.end()))
+        model.setConfigurations(list);
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        const auto& identifier = forms.order[i];
+        if (read[i]->combinedConfiguration()) {
+            std::vector<std::shared_ptr<host::ImprinterConfiguration>> members;
+            for (const auto& member : *read[i]->configurations())
+                members.push_back(kept.at(member));
+            if (*list[i]->configurations() != members) {
+                const auto present_ = *list[i]->configurations();
+                for (const auto& member : present_)
+                    list[i]->deleteConfiguration(member);
+                for (const auto& member : members)
+                    list[i]->addConfiguration(member);
+            }
+        }
+        const auto was = former.byIdentifier.find(identifier);
+        if (list[i] != read[i] &&
+            (was == former.byIdentifier.end() || was->second != forms.byIdentifier.at(identifier)))
+            list[i]->setValuesOf(*read[i]);
+        if (list[i] == read[i] || was == former.byIdentifier.end() || was->second != forms.byIdentifier.at(identifier))
+            moveUnknown(m_state->unknown, found, read[i], list[i]);
+    }
+}
+
+std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask) {
+    if (m_state->readOnly)
+        return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.");
+    const auto nothing = [&](Code code, const std::u16string& why) {
+        return failureAbout(code, u"Another program has written the configurations in " + quoted(m_file) + why +
+                                      u", and nothing was saved.");
+    };
+    const auto attempt = [&](std::vector<Contested>& contested,
+                             const std::vector<Decision>& decisions) -> std::optional<Failure> {
+        const auto mine = formsOf(model, m_state->unknown);
+        Turn turn(m_file);
+        const auto state = turn.state();
+        auto forms = mine;
+        bool isThere = state && state == m_state->seen && !m_state->unsynced && isSame(mine, base());
+        auto seen = m_state->seen;
+        if (state && state != m_state->seen) {
+            if (!m_state->baseBytes)
+                return nothing(Code::changedElsewhere, {});
+            auto theirs = readFile();
+            if (theirs.problem)
+                return nothing(Code::changedElsewhere, u". " + theirs.sentence);
+            const auto theirForms = formsIn(*theirs.state.baseBytes);
+            auto merged = merge(base(), mine, theirForms, decisions);
+            contested = std::move(merged.contested);
+            if (!contested.empty())
+                return std::nullopt;
+            forms = std::move(merged.forms);
+            isThere = isSame(forms, theirForms);
+            seen = theirs.state.seen;
+            if (isThere)
+                forms = theirForms;
+        }
+        std::optional<Failure> failure;
+        if (!isThere) {
+            const auto bytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
+            const auto before = seen;
+            failure = guarded([&] {
+                turn.replace({bytes.data(), static_cast<std::size_t>(bytes.size())}, seen, m_state->versions);
+                return std::nullopt;
+            });
+            // The new file may be in its place though the disk has not confirmed it.
+            if (failure && seen == before)
+                return failure;
+        }
+        m_state->seen = seen;
+        m_state->unsynced = failure.has_value();
+        if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
+            adopt(forms, mine, model);
+        m_state->baseBytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
+        m_state->base = std::move(forms);
+        return failure;
+    };
+    return guarded([&]() -> std::optional<Failure> {
+        for (std::vector<Decision> decisions;;) {
+            std::vector<Contested> contested;
+            if (auto failure = attempt(contested, decisions))
+                return failure;
+            if (contested.empty())
+                break;
+            if (!decide(contested, ask, decisions))
+                return failureAbout(Code::contested, u"Another program has changed the configurations in " +
+                                                         quoted(m_file) + u", and " + namesOf(contested) +
+                                                         u" differently than here; nothing was saved.");
+        }
+        dropJournal(m_state->journal);
+        return std::nullopt;
+    });
+}
+
+fs::path Store::previousVersion(int number) const {
+    return versionOf(targetOf(m_file), number);
+}
+
+void Store::keepNoVersions() {
+    m_state->versions = 0;
+}
+
+std::optional<Failure> Store::keepUnsaved(const model::ImprinterModel& model) {
+    if (m_state->readOnly || !m_state->baseBytes)
+        return std::nullopt;
+    return guarded([&]() -> std::optional<Failure> {
+        const auto mine = formsOf(model, m_state->unknown);
+        if (isSame(mine, base()))
+            dropJournal(m_state->journal);
+        else
+            writeJournal(m_state->journal, m_file, base(), mine);
+        return std::nullopt;
+    });
+}
+
+std::vector<Unsaved> Store::findUnsaved() const {
+    std::vector<Unsaved> found;
+    for (const auto& path : journalsFor(m_file)) {
+        const auto file = OwnedFile::takeOver(path);
+        if (const auto journal = file ? readJournal(*file) : std::nullopt)
+            found.push_back({path, journal->changed()});
+    }
+    return found;
+}
+
+std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask) {
+    return guarded([&]() -> std::optional<Failure> {
+        const auto file = OwnedFile::takeOver(unsaved.journal);
+        auto journal = file ? readJournal(*file) : std::nullopt;
+        if (!journal)
+            return failureAbout(Code::unreadable, quoted(unsaved.journal) + u" cannot be read.");
+        const auto current = formsOf(model, m_state->unknown);
+        journal->fillUp(current);
+        auto merged = merge(journal->before, journal->after, current, {});
+        for (std::vector<Decision> decisions; !merged.contested.empty();
+             merged = merge(journal->before, journal->after, current, decisions))
+            if (!decide(merged.contested, ask, decisions))
+                return failureAbout(Code::contested,
+                                    namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
+        adopt(merged.forms, current, model);
+        if (auto failure = keepUnsaved(model))
+            return failure;
+        file->remove();
+        return std::nullopt;
+    });
+}
+
+void Store::discard(const Unsaved& unsaved) {
+    if (const auto file = OwnedFile::takeOver(unsaved.journal))
+        file->remove();
 }
 
 } // namespace store

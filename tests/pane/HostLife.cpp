@@ -85,6 +85,42 @@ protected:
         });
     }
 
+    /// Presses the button with this text in each message box that comes while it is left to work.
+    class Presser {
+    public:
+        explicit Presser(QString text) : m_button(std::move(text)) {
+            QObject::connect(&m_poll, &QTimer::timeout, [this] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                if (!box)
+                    return;
+                seen.push_back(box->text());
+                for (auto* button : box->buttons())
+                    if (button->text().remove(u'&') == m_button)
+                        return button->click();
+                box->reject();
+            });
+            m_poll.start(1);
+        }
+        std::vector<QString> seen;
+
+    private:
+        QString m_button;
+        QTimer m_poll;
+    };
+
+    std::vector<fs::path> journals() const {
+        std::vector<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(folder))
+            if (entry.path().filename().string().starts_with(".configurations.json.unsaved-"))
+                found.push_back(entry.path());
+        return found;
+    }
+    /// The program ends as when it is killed: nobody closes the window.
+    void end() {
+        window.reset();
+        session.reset();
+    }
+
     void press(std::u16string_view action) {
         NSAlert::setAnswerer([](const NSAlert&) { return NSAlertFirstButtonReturn; });
         auto& pane = window->pane().pane();
@@ -144,6 +180,133 @@ TEST_F(HostLife, AFailedSaveKeepsTheWindowOpenOnce) {
     window->close();
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(contents(folder / "file"), "in the way");
+}
+
+TEST_F(HostLife, WhatIsNotSavedIsInAJournalAMomentLaterAndOfferedAtTheNextStart) {
+    const auto store = folder / "configurations.json";
+    open(store);
+    session->keepJournal();
+    session->model().saveConfigurations();
+    const auto saved = contents(store);
+    const auto first = session->model().configurations()->front();
+    for (int key = 0; key < 50; ++key)
+        first->setName(u"Unsaved" + std::u16string(static_cast<std::size_t>(key), u'!'));
+    EXPECT_TRUE(journals().empty()) << "not for each key";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return journals().size() == 1; }));
+    const auto fromKilled = folder / "as it was when the program was killed";
+    fs::copy_file(journals().front(), fromKilled);
+    end();
+    EXPECT_EQ(contents(store), saved) << "the store itself changes only when it is saved";
+    fs::copy_file(fromKilled, journals().front(), fs::copy_options::overwrite_existing);
+
+    open(store);
+    session->keepJournal();
+    Presser presser(QStringLiteral("Take Over"));
+    window->offerUnsaved();
+    ASSERT_EQ(presser.seen.size(), 1U);
+    EXPECT_EQ(current()->name(), u"Unsaved" + std::u16string(49, u'!'));
+    EXPECT_EQ(window->pane().table()->viewAtColumnRow(0, 0)->textField()->stringValue(), current()->name());
+    EXPECT_EQ(contents(store), saved);
+    window->close();
+    EXPECT_NE(contents(store).find("Unsaved!!"), std::string::npos);
+    EXPECT_TRUE(journals().empty()) << "a save drops it";
+    window->offerUnsaved();
+    EXPECT_EQ(presser.seen.size(), 1U);
+}
+
+TEST_F(HostLife, WhatNobodyWantsOfAJournalIsDiscardedAndWhatIsLeftForLaterIsOfferedAgain) {
+    open(folder / "configurations.json");
+    session->keepJournal();
+    current()->setName(u"Unsaved");
+    end();
+    ASSERT_EQ(journals().size(), 1U);
+    for (const char* answer : {"Later", "Discard"}) {
+        open(folder / "configurations.json");
+        Presser presser(QString::fromLatin1(answer));
+        window->offerUnsaved();
+        EXPECT_EQ(presser.seen.size(), 1U) << answer;
+        EXPECT_NE(current()->name(), u"Unsaved");
+        window->close();
+        end();
+    }
+    EXPECT_TRUE(journals().empty());
+}
+
+TEST_F(HostLife, WhatCouldNotBeSavedIsInTheJournalBeforeAnybodyIsTold) {
+    open(folder / "configurations.json");
+    session->keepJournal();
+    session->model().saveConfigurations();
+    std::ofstream(folder / "configurations.json") << "another program broke it";
+    current()->setName(u"Unsaved");
+    int journalsThen = 0;
+    session->setOnSaveFailure([&](const auto&) { journalsThen = static_cast<int>(journals().size()); });
+    window->close();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(journalsThen, 1);
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    end();
+    EXPECT_EQ(journals().size(), 1U) << "closing in spite of the message loses nothing";
+    EXPECT_EQ(contents(folder / "configurations.json"), "another program broke it");
+}
+
+TEST_F(HostLife, TheWindowAsksWhoseChangesStay) {
+    for (const auto& [button, stored] : std::vector<std::pair<QString, std::string>>{
+             {QStringLiteral("Keep Mine"), "Mine"}, {QStringLiteral("Take Theirs"), "Theirs"}}) {
+        const auto file = folder / (stored + ".json");
+        open(file);
+        session->model().saveConfigurations();
+        app::Session other(file);
+        other.model().configurations()->front()->setName(u"Theirs");
+        other.model().configurations()->back()->setName(u"Last");
+        other.saveChanges();
+        const auto shown = current();
+        shown->setName(u"Mine");
+        Presser presser(button);
+        window->close();
+        EXPECT_FALSE(window->isVisible());
+        ASSERT_EQ(presser.seen.size(), 1U);
+        EXPECT_TRUE(presser.seen[0].contains(QStringLiteral("Mine")));
+        EXPECT_EQ(toUtf8(shown->name()), stored);
+        app::Session next(file);
+        EXPECT_EQ(toUtf8(next.model().configurations()->front()->name()), stored);
+        EXPECT_EQ(next.model().configurations()->back()->name(), u"Last");
+        end();
+    }
+}
+
+TEST_F(HostLife, WithoutAnAnswerAboutWhoseChangesStayTheWindowStaysOpenAndNothingIsSaved) {
+    open(folder / "configurations.json");
+    session->model().saveConfigurations();
+    app::Session other(folder / "configurations.json");
+    other.model().configurations()->front()->setName(u"Theirs");
+    other.saveChanges();
+    const auto theirs = contents(folder / "configurations.json");
+    current()->setName(u"Mine");
+    Presser presser(QStringLiteral("Cancel"));
+    window->close();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(presser.seen.size(), 2U) << "the question, and what came of it";
+    EXPECT_EQ(current()->name(), u"Mine");
+    EXPECT_EQ(contents(folder / "configurations.json"), theirs);
+}
+
+TEST_F(HostLife, WhatAnotherProgramSavedIsShownAfterASave) {
+    open(folder / "configurations.json");
+    session->model().saveConfigurations();
+    app::Session other(folder / "configurations.json");
+    other.model().configurations()->front()->setName(u"Theirs");
+    other.model().configurations()->front()->setRotation(33);
+    other.model().createConfiguration(false)->setName(u"New");
+    other.saveChanges();
+    (*session->model().configurations())[1]->setName(u"Mine");
+    session->model().saveConfigurations();
+    const auto table = window->pane().table();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return table->numberOfRows() == 4; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return table->viewAtColumnRow(0, 0)->textField()->stringValue() == u"Theirs"; }));
+    EXPECT_EQ(window->findChild<QLineEdit*>(QStringLiteral("rotation"))->text(), QStringLiteral("33"));
+    window->close();
+    EXPECT_EQ(app::Session(folder / "configurations.json").model().configurations()->front()->rotation(), 33);
 }
 
 TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <PrivateFolder.h>
+#include <files/PrivateFolder.h>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
-using app::PrivateFolder;
+using files::PrivateFolder;
 
 namespace {
 

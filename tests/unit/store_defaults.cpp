@@ -39,7 +39,8 @@ TEST_F(FirstStart, AnswersTheSuppliedConfigurationsAndWritesNothing) {
 TEST_F(FirstStart, DoesNotSupplyAgainWhatWasDeletedAndSaved) {
     store::Store store(file);
     store.load();
-    ASSERT_EQ(sentenceOf(store.save(model::ImprinterModel())), "");
+    model::ImprinterModel empty;
+    ASSERT_EQ(sentenceOf(store.save(empty)), "");
     EXPECT_TRUE(store::Store(file).load().configurations.empty());
 }
 

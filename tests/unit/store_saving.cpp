@@ -112,6 +112,16 @@ TEST_F(Saving, RefusesByNameWhatHasNoFormInAFile) {
                   c.setTitleTokens(titleOf({u"good", half + u"bad"}));
               },
               "The title of “x” has half a surrogate pair"},
+             {[&](C& c) {
+                  c.setTitleTokens(titleOf({u"a", std::make_shared<platform::NSObject>()}));
+              },
+              "The title of “x” has a token that is neither text nor font"},
+             {[&](C& c) { c.setTitleTokens(titleOf({std::shared_ptr<host::ImprinterFont>()})); },
+              "The title of “x” has a token that is neither text nor font"},
+             {[&](C& c) {
+                  c.setTitleTokens(titleOf({std::shared_ptr<platform::NSObject>(), u"b"}));
+              },
+              "The title of “x” has a token that is neither text nor font"},
              {[&](C& c) { c.setName(u"x" + half); }, "The name of “x\uFFFD” has half a surrogate pair"},
              {[&](C& c) { c.setTitleTokens(titleOf(std::vector<host::TitleToken>(10001, u"t"))); },
               "The title of “x” has more than 10000 tokens"},
@@ -126,6 +136,21 @@ TEST_F(Saving, RefusesByNameWhatHasNoFormInAFile) {
         EXPECT_TRUE(failure->code == Code::unstorable || failure->code == Code::tooLarge);
         expectNothingLost();
     }
+}
+
+TEST_F(Saving, RefusesByNameAMemberThatIsNotInTheList) {
+    const auto combined = Configuration::make(true);
+    combined->setName(u"all");
+    const auto stranger = Configuration::make(false);
+    stranger->setName(u"stranger");
+    combined->addConfiguration(configuration);
+    combined->addConfiguration(stranger);
+    const auto failure = store.save(*modelOf({configuration, combined}));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::unstorable);
+    EXPECT_EQ(sentenceOf(failure),
+              "The member “stranger” of “all” is not in the list of configurations, and nothing was saved.");
+    expectNothingLost();
 }
 
 TEST_F(Saving, DoesNotMindWhatACombinedConfigurationKeepsInMemoryOnly) {
@@ -288,21 +313,6 @@ TEST_F(Saving, IntoAFolderThatCannotBeMadeIsAFailure) {
     expectNothingLost();
 }
 
-TEST_F(Saving, DoesNotWriteOverWhatAnotherProgramSavedSince) {
-    store::Store other(file);
-    const auto theirs = other.load().configurations;
-    theirs.at(0)->setName(u"theirs");
-    ASSERT_FALSE(other.save(*modelOf(theirs)));
-    saved = content();
-    const auto failure = store.save(*model);
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->code, Code::changedElsewhere);
-    expectNothingLost();
-    // After having seen their file we may replace it.
-    EXPECT_EQ(namesOf(store.load().configurations), std::vector<std::string>{"theirs"});
-    EXPECT_FALSE(store.save(*model));
-}
-
 TEST_F(Saving, DoesNotWriteOverAFileThatWasNeverLoaded) {
     const auto failure = store::Store(file).save(*model);
     ASSERT_TRUE(failure);
@@ -318,7 +328,7 @@ TEST_F(Saving, WritesTheFileAgainWhenItIsGone) {
 
 TEST_F(Saving, IsWhatTheModelAsksItsSaverFor) {
     std::optional<store::Failure> failure;
-    model->setSaver([&](const model::ImprinterModel& asked) { failure = store.save(asked); });
+    model->setSaver([&](model::ImprinterModel& asked) { failure = store.save(asked); });
     model->saveConfigurations();
     EXPECT_FALSE(failure);
     EXPECT_NE(content().find("after"), std::string::npos);

@@ -54,7 +54,7 @@ std::string StoreTest::content() const {
 std::vector<std::string> StoreTest::othersInFolder() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder))
-        if (entry.path() != file)
+        if (entry.path() != file && !entry.path().filename().string().starts_with("configurations.previous-"))
             names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;

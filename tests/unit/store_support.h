@@ -29,7 +29,7 @@ protected:
     /// Puts `text` in the place of the store's file.
     void put(const std::string& text) const;
     std::string content() const;
-    /// The names in the folder but that of the store's file, sorted.
+    /// The names in the folder but those of the store's file and its former versions, sorted.
     std::vector<std::string> othersInFolder() const;
 
     std::filesystem::path data;

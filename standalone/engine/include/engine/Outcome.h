@@ -21,6 +21,7 @@ enum class Code {
     nothingToRemove, ///< No page bears a stamp that could be removed.
     sameFile,        ///< Output and input are one file, and the job does not say in place.
     cannotWrite,     ///< The output cannot be written.
+    changed,         ///< Somebody changed the input in the meantime.
     cancelled,       ///< The job's progress function answered no.
 };
 

@@ -38,6 +38,9 @@ struct StampJob {
     /// stamp. A document that loses stamps is written anew if it can be, so that it does not grow each time.
     bool replace = false;
 
+    /// Write nothing, and answer what would come of it; the warnings also name pages that a stamp does not fit on.
+    bool dryRun = false;
+
     std::string password; ///< The user's or owner's, for encrypted documents: as the document has it, or in UTF-8.
     bool inPlace = false; ///< Output and input may be one file.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.

@@ -27,6 +27,10 @@ public:
     /// A copy with an identifier of its own. The title's font runs are copied too, the members are shared.
     std::shared_ptr<Configuration> copy() const;
 
+    /// Takes over every value of `other`, with font runs of its own; identifier, kind and members stay. One change for
+    /// whoever is told.
+    void setValuesOf(const Configuration& other);
+
     std::u16string uniqueID() const override { return m_uniqueID; }
     std::u16string name() const override { return m_values.name; }
     void setName(const std::u16string& name) override;

@@ -4,9 +4,13 @@
 #include <host/Imprinter.h>
 #include <model/Configuration.h>
 
+#include <set>
 #include <unordered_map>
 
 namespace model {
+
+/// What a copy of something called `name` is called: "… copy", or "… copy 2" and so on where that is taken.
+std::u16string nameOfCopy(const std::u16string& name, const std::set<std::u16string>& taken);
 
 /// The model of the stand-alone host: the ordered list of configurations, in memory.
 ///
@@ -15,8 +19,9 @@ namespace model {
 /// change. To be used on the main thread only.
 class ImprinterModel final : public host::Imprinter {
 public:
-    /// Stores every configuration of the model; tells people about a failure itself.
-    using Saver = std::function<void(const ImprinterModel& model)>;
+    /// Stores every configuration of the model; tells people about a failure itself. What others stored in the meantime
+    /// may come into the model.
+    using Saver = std::function<void(ImprinterModel& model)>;
     /// As `imprintFileAtURLWithIndex`.
     using Stamper = std::function<std::optional<host::NSURL>(
         const std::optional<host::NSURL>& url, const std::shared_ptr<host::ImprinterConfiguration>& configuration,
@@ -59,7 +64,6 @@ public:
 private:
     void adopt(const std::shared_ptr<Configuration>& configuration);
     void listChanged();
-    std::u16string nameOfCopy(const std::u16string& name) const;
 
     std::vector<std::shared_ptr<Configuration>> m_list;
     std::unordered_map<std::u16string, std::shared_ptr<Configuration>> m_byIdentifier;

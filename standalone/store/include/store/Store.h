@@ -5,8 +5,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <optional>
 
 namespace store {
+
+struct Forms;
 
 /// What went wrong with the file of configurations.
 enum class Code {
@@ -18,7 +22,8 @@ enum class Code {
     tooLarge,         ///< it has, or would get, more of something than a file may have
     unstorable,       ///< the model holds a value that has no form in a file
     readOnly,         ///< the file that was loaded must not be written
-    changedElsewhere, ///< another program wrote the file since it was loaded or saved
+    changedElsewhere, ///< another program wrote the file, and what it wrote cannot be merged, or nobody read it
+    contested,        ///< another program changed a configuration that was changed here too
     unwritable,       ///< the file system refused
 };
 
@@ -40,6 +45,28 @@ struct LoadResult {
     bool standIns = false;
 };
 
+/// A configuration that was changed differently here and by another program, or was when a program ended and since.
+struct Conflict {
+    std::u16string mine;   ///< its name here
+    std::u16string theirs; ///< its name there
+};
+
+enum class Choice {
+    mine,   ///< as it is here
+    theirs, ///< as it is there
+    both,   ///< as it is here, and theirs as a copy after it
+};
+
+/// Asks a person about a conflict; none where nothing is to be done at all. Without a function there is nobody to ask.
+using Ask = std::function<std::optional<Choice>(const Conflict& conflict)>;
+
+/// Changes that a program left behind when it ended without having saved them.
+struct Unsaved {
+    std::filesystem::path journal;
+    /// How many configurations were changed, created or deleted; 0 where only their order was.
+    std::size_t configurations = 0;
+};
+
 /// The configurations on disk: one file, described in docs/file-format.md.
 ///
 /// A file that cannot be understood is never overwritten: it is kept aside under another name, or left in its place. A
@@ -59,6 +86,8 @@ public:
     static std::filesystem::path defaultPath();
 
     const std::filesystem::path& file() const { return m_file; }
+    /// Where the file of the last save but `number` is kept, from 1 to 3, as long as there is one.
+    std::filesystem::path previousVersion(int number) const;
 
     /// Reads the file and changes nothing on disk, for whoever does not save. Where there is none, or none that can be
     /// understood, the supplied configurations are answered. The result is read-only.
@@ -66,24 +95,46 @@ public:
 
     /// Reads the file as `read` does, so that it can be saved.
     ///
-    /// An unreadable or damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number
-    /// where that exists. Left in its place, and read-only, is: what a newer program wrote; what is no ordinary file;
-    /// what cannot be renamed; and, at any other than the default path, what does not look like a file of
-    /// configurations. What a killed program left behind when it saved is removed.
+    /// A damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number where that
+    /// exists. Left in its place, and read-only, is: what cannot be read; what a newer program wrote; what is no
+    /// ordinary file; what cannot be renamed; and, at any other than the default path, what does not look like a file
+    /// of configurations. What a killed program left behind when it saved is removed.
     LoadResult load();
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
-    /// `load`: a file that was not loaded, or was written by another program since, is left alone.
+    /// `load`: a file that was not loaded is left alone. Where nothing was changed, nothing is written.
     ///
-    /// The new file replaces the old one at once or not at all, and is on the disk when this returns. Members that are
-    /// not in the model, and title tokens that are neither text nor font run, are left out.
-    [[nodiscard]] std::optional<Failure> save(const model::ImprinterModel& model);
+    /// Where another program has written the file since it was loaded or saved, its changes and those of the model are
+    /// joined, and the model becomes what is written: its objects stay, and take over what the other program changed.
+    /// About what both changed `ask` is asked, while other programs may go on; without an answer nothing is saved, the
+    /// model stays as it is, and the failure is `contested`.
+    ///
+    /// The new file replaces the old one at once or not at all, and is on the disk when this returns; the last three
+    /// files are kept beside it. What has no form in a file, such as a member that is not in the model, is a failure
+    /// that names it.
+    [[nodiscard]] std::optional<Failure> save(model::ImprinterModel& model, const Ask& ask = {});
+    /// Keeps no former files: for one that is written to be given away.
+    void keepNoVersions();
+
+    /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
+    /// without saving; removes the journal where there is nothing to keep. Does not wait for the disk.
+    std::optional<Failure> keepUnsaved(const model::ImprinterModel& model);
+    /// The journals that other programs left behind; not those of programs that run.
+    std::vector<Unsaved> findUnsaved() const;
+    /// Joins what a journal holds with the model, as `save` would, and removes it as soon as this store's own journal
+    /// has it. The file stays as it is.
+    std::optional<Failure> takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask = {});
+    void discard(const Unsaved& unsaved);
 
 private:
     struct State;
     struct Reading;
 
     Reading readFile() const;
+    Failure failureAbout(Code code, std::u16string sentence) const;
+    std::optional<Failure> guarded(const std::function<std::optional<Failure>()>& work) const;
+    const Forms& base() const;
+    void adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model);
     std::filesystem::path m_file;
     std::uintmax_t m_mostBytes;
     std::unique_ptr<State> m_state;

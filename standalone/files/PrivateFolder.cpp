@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "PrivateFolder.h"
+#include <files/PrivateFolder.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace app {
+namespace files {
 
 namespace fs = std::filesystem;
 
@@ -102,4 +102,4 @@ int PrivateFolder::removeLeftovers() {
     return removed;
 }
 
-} // namespace app
+} // namespace files

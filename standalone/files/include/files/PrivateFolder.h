@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-namespace app {
+namespace files {
 
 /// A folder for files of this run alone: readable by nobody else, with a name that cannot be guessed, removed with the
 /// object. In the user's runtime folder, else in the system's folder for temporary files.
@@ -29,4 +29,4 @@ private:
     int m_lock = -1;
 };
 
-} // namespace app
+} // namespace files

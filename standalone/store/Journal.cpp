@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "Journal.h"
+
+#include "Merge.h"
+
+#include <QJsonArray>
+
+#include <set>
+
+namespace store {
+
+namespace key {
+constexpr QLatin1String before("before");
+constexpr QLatin1String after("after");
+constexpr QLatin1String order("order");
+} // namespace key
+
+namespace {
+
+constexpr QLatin1String journalFormat("imprinter-unsaved-changes");
+constexpr qint64 journalVersion = 1;
+constexpr char unsaved[] = "unsaved";
+
+/// One side of a journal: the whole order, and the forms that differ from `other`.
+QJsonObject sideOf(const Forms& forms, const Forms& other) {
+    QJsonArray order;
+    QJsonArray configurations;
+    for (const auto& identifier : forms.order) {
+        order.append(identifier);
+        const auto& form = forms.byIdentifier.at(identifier);
+        const auto found = other.byIdentifier.find(identifier);
+        if (found == other.byIdentifier.end() || !isSame(form, found->second))
+            configurations.append(form);
+    }
+    return {{key::order, order}, {key::configurations, configurations}};
+}
+
+Forms formsOf(const QJsonObject& side) {
+    Forms forms;
+    for (const auto& identifier : side.value(key::order).toArray())
+        forms.order.push_back(identifier.toString());
+    for (const auto& value : side.value(key::configurations).toArray()) {
+        const auto form = value.toObject();
+        forms.byIdentifier.emplace(folded(form.value(key::uniqueID).toString()), form);
+    }
+    return forms;
+}
+
+} // namespace
+
+std::size_t Journal::changed() const {
+    std::set<QString> identifiers;
+    for (const auto* forms : {&before, &after})
+        for (const auto& [identifier, form] : forms->byIdentifier)
+            identifiers.insert(identifier);
+    return identifiers.size();
+}
+
+void Journal::fillUp(const Forms& current) {
+    std::set<QString> changed;
+    for (const auto* forms : {&before, &after})
+        for (const auto& [identifier, form] : forms->byIdentifier)
+            changed.insert(identifier);
+    for (auto* forms : {&before, &after})
+        for (const auto& identifier : forms->order)
+            if (!changed.contains(identifier)) {
+                const auto found = current.byIdentifier.find(identifier);
+                // What is gone since was not changed here, so that nobody asks what it was.
+                forms->byIdentifier.emplace(identifier,
+                                            found == current.byIdentifier.end() ? QJsonObject() : found->second);
+            }
+}
+
+std::vector<std::filesystem::path> journalsFor(const std::filesystem::path& file) {
+    return filesNamed(hiddenPrefix(file, unsaved));
+}
+
+std::optional<Journal> readJournal(const OwnedFile& file) {
+    try {
+        const auto content = readFile(file.path(), 2 * Store::largestFile).bytes;
+        if (content.empty())
+            file.remove();
+        const auto object = document(QByteArray(content.data(), static_cast<qsizetype>(content.size())));
+        if (object.value(key::format).toString() != journalFormat || object.value(key::version) != journalVersion)
+            return std::nullopt;
+        return Journal{formsOf(object.value(key::before).toObject()), formsOf(object.value(key::after).toObject())};
+    } catch (const Problem&) {
+        return std::nullopt;
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    }
+}
+
+void writeJournal(std::unique_ptr<OwnedFile>& journal, const std::filesystem::path& file, const Forms& before,
+                  const Forms& after) {
+    const auto bytes = bytesOf({{key::format, journalFormat},
+                                {key::version, journalVersion},
+                                {key::before, sideOf(before, after)},
+                                {key::after, sideOf(after, before)}});
+    if (!journal)
+        journal = std::make_unique<OwnedFile>(file, unsaved);
+    journal->replace({bytes.data(), static_cast<std::size_t>(bytes.size())});
+}
+
+void dropJournal(std::unique_ptr<OwnedFile>& journal) {
+    if (journal)
+        journal->remove();
+    journal.reset();
+}
+
+} // namespace store

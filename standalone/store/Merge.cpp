@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "Merge.h"
+
+#include <QJsonArray>
+#include <QUuid>
+
+#include <algorithm>
+#include <set>
+
+namespace store {
+
+namespace {
+
+using Form = std::optional<QJsonObject>;
+
+double rotationOf(const QJsonObject& form) {
+    const auto value = form.value(key::rotation);
+    return value.isString() ? value.toString().toDouble() : value.toDouble();
+}
+
+bool isSame(const Form& form, const Form& other) {
+    return form && other ? store::isSame(*form, *other) : form.has_value() == other.has_value();
+}
+
+Form formIn(const Forms& forms, const QString& identifier) {
+    const auto found = forms.byIdentifier.find(identifier);
+    return found == forms.byIdentifier.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool isCombined(const Form& form) {
+    return form && form->value(key::combined).toBool();
+}
+
+class Merger {
+public:
+    Merger(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions)
+        : m_base(base), m_mine(mine), m_theirs(theirs), m_decisions(decisions) {}
+
+    Merged merge() {
+        m_result.forms.document = m_theirs.document;
+        std::set<QString> ordinary;
+        std::set<QString> combined;
+        for (const auto* forms : {&m_base, &m_mine, &m_theirs})
+            for (const auto& [identifier, form] : forms->byIdentifier)
+                (isCombined(form) ? combined : ordinary).insert(identifier);
+        for (const auto& identifier : combined)
+            ordinary.erase(identifier);
+        for (const auto& identifier : ordinary)
+            decide(identifier, formIn(m_base, identifier), formIn(m_mine, identifier), formIn(m_theirs, identifier));
+        // What became of the members is known now: one that is gone is gone from all, which is no change of its own.
+        for (const auto& identifier : combined)
+            decide(identifier, withMembersThatStay(formIn(m_base, identifier)),
+                   withMembersThatStay(formIn(m_mine, identifier)), withMembersThatStay(formIn(m_theirs, identifier)));
+        m_result.forms.order = order();
+        return std::move(m_result);
+    }
+
+private:
+    void decide(const QString& identifier, const Form& base, const Form& mine, const Form& theirs) {
+        if (isSame(mine, base))
+            put(identifier, theirs);
+        else if (isSame(theirs, base) || isSame(mine, theirs) || !theirs)
+            put(identifier, mine);
+        else if (!mine)
+            put(identifier, theirs); // what was edited outlives its deletion
+        else
+            decide({identifier, *mine, *theirs});
+    }
+
+    void decide(const Contested& contested) {
+        const auto decision = std::find_if(m_decisions.begin(), m_decisions.end(), [&](const Decision& made) {
+            return made.about.identifier == contested.identifier && store::isSame(made.about.mine, contested.mine) &&
+                   store::isSame(made.about.theirs, contested.theirs);
+        });
+        if (decision == m_decisions.end()) {
+            m_result.contested.push_back(contested);
+            put(contested.identifier, contested.mine);
+            return;
+        }
+        put(contested.identifier, decision->choice == Choice::theirs ? contested.theirs : contested.mine);
+        if (decision->choice == Choice::both)
+            putCopy(contested);
+    }
+
+    void put(const QString& identifier, const Form& form) {
+        if (form)
+            m_result.forms.byIdentifier.emplace(identifier, *form);
+    }
+
+    /// Theirs, as a configuration of its own.
+    void putCopy(const Contested& contested) {
+        std::set<std::u16string> taken;
+        for (const Forms* forms : {&m_mine, &m_theirs, &std::as_const(m_result.forms)})
+            for (const auto& [identifier, form] : forms->byIdentifier)
+                taken.insert(form.value(key::name).toString().toStdU16String());
+        const auto identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+        auto copy = contested.theirs;
+        copy[key::uniqueID] = identifier;
+        copy[key::name] = QString::fromStdU16String(
+            model::nameOfCopy(contested.theirs.value(key::name).toString().toStdU16String(), taken));
+        put(folded(identifier), copy);
+        m_copies.emplace(contested.identifier, folded(identifier));
+    }
+
+    Form withMembersThatStay(Form form) const {
+        if (!isCombined(form))
+            return form;
+        QJsonArray members;
+        for (const auto& member : form->value(key::members).toArray()) {
+            const auto found = m_result.forms.byIdentifier.find(folded(member.toString()));
+            if (found != m_result.forms.byIdentifier.end() && !isCombined(found->second))
+                members.append(member);
+        }
+        (*form)[key::members] = members;
+        return form;
+    }
+
+    /// Those of `identifiers` that are in `among` too.
+    static std::vector<QString> kept(const std::vector<QString>& identifiers, const std::set<QString>& among) {
+        std::vector<QString> result;
+        std::copy_if(identifiers.begin(), identifiers.end(), std::back_inserter(result),
+                     [&](const auto& identifier) { return among.contains(identifier); });
+        return result;
+    }
+
+    std::vector<QString> order() const {
+        const auto setOf = [](const std::vector<QString>& list) { return std::set<QString>(list.begin(), list.end()); };
+        std::set<QString> staying;
+        for (const auto& [identifier, form] : m_result.forms.byIdentifier)
+            staying.insert(identifier);
+        // Whoever moved something says where all go; the other's new ones follow what they stood behind.
+        const auto common = setOf(kept(kept(m_base.order, setOf(m_mine.order)), setOf(m_theirs.order)));
+        const bool moved = kept(m_mine.order, common) != kept(m_base.order, common);
+        auto list = kept(moved ? m_mine.order : m_theirs.order, staying);
+        const auto rest = kept(moved ? m_theirs.order : m_mine.order, staying);
+        const auto listed = setOf(list);
+        const auto inRest = setOf(rest);
+        auto place = list.begin();
+        for (const auto& identifier : rest) {
+            if (listed.contains(identifier)) {
+                place = std::find(list.begin(), list.end(), identifier) + 1;
+                continue;
+            }
+            while (place != list.end() && !inRest.contains(*place))
+                ++place;
+            place = list.insert(place, identifier) + 1;
+        }
+        for (const auto& [original, copy] : m_copies)
+            list.insert(std::find(list.begin(), list.end(), original) + 1, copy);
+        return list;
+    }
+
+    const Forms& m_base;
+    const Forms& m_mine;
+    const Forms& m_theirs;
+    const std::vector<Decision>& m_decisions;
+    std::map<QString, QString> m_copies;
+    Merged m_result;
+};
+
+} // namespace
+
+bool isSame(const QJsonObject& form, const QJsonObject& other) {
+    if (form == other)
+        return true;
+    if (!form.contains(key::rotation) || !other.contains(key::rotation) ||
+        static_cast<float>(rotationOf(form)) != static_cast<float>(rotationOf(other)))
+        return false;
+    auto rest = form;
+    rest[key::rotation] = other.value(key::rotation);
+    return rest == other;
+}
+
+bool isSame(const Forms& forms, const Forms& others) {
+    return forms.order == others.order && forms.document == others.document &&
+           std::all_of(forms.byIdentifier.begin(), forms.byIdentifier.end(), [&](const auto& entry) {
+               const auto other = others.byIdentifier.find(entry.first);
+               return other != others.byIdentifier.end() && isSame(entry.second, other->second);
+           });
+}
+
+Merged merge(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions) {
+    return Merger(base, mine, theirs, decisions).merge();
+}
+
+} // namespace store

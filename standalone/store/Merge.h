@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Format.h"
+
+namespace store {
+
+/// Whether both say the same. Rotations are compared in single precision, in which they are edited.
+bool isSame(const QJsonObject& form, const QJsonObject& other);
+/// The same, and in the same order.
+bool isSame(const Forms& forms, const Forms& others);
+
+/// A configuration that was changed differently in both.
+struct Contested {
+    QString identifier;
+    QJsonObject mine;
+    QJsonObject theirs;
+};
+
+/// What is to be done about a contested configuration, as long as it is contested by these two forms.
+struct Decision {
+    Contested about;
+    Choice choice;
+};
+
+struct Merged {
+    Forms forms;
+    /// What no decision is about; as long as there is one, `forms` is not to be used.
+    std::vector<Contested> contested;
+};
+
+/// Joins what was changed in `mine` and in `theirs` since both were `base`, as docs/file-format.md says.
+Merged merge(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions);
+
+} // namespace store

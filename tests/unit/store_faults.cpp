@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+// Each call of a save fails in turn, in each way: there is the old file or the new one, and the message says why.
+
+#include "../support/FailingCalls.h"
+#include "store_support.h"
+
+#include <cstring>
+#include <fstream>
+
+namespace {
+
+using testing_support::FailingCalls;
+using testing_support::SmallSteps;
+
+struct Fate {
+    int error;
+    bool forGood;
+};
+const std::vector<Fate> fates{{ENOSPC, false}, {ENOSPC, true},  {EIO, false}, {EIO, true},
+                              {EACCES, false}, {EACCES, true}, {EPERM, false}};
+
+class Faults : public StoreTest {
+protected:
+    /// Saves what `prepare` makes, with each call failing in turn, until none is left to fail; `meanwhile` is done
+    /// between loading and saving, and `look` after it.
+    void eachCallFails(const std::function<void()>& prepare, const std::function<void()>& meanwhile = {},
+                       const std::function<void()>& look = {}) {
+        for (const auto& [error, forGood] : fates)
+            for (std::size_t number = 1;; ++number) {
+                std::filesystem::remove_all(folder);
+                std::filesystem::create_directories(folder);
+                prepare();
+                std::optional<store::Failure> failure;
+                std::string failed;
+                store::Store store(file);
+                const auto model = modelOf(store.load().configurations);
+                if (meanwhile)
+                    meanwhile();
+                const bool wasThere = std::filesystem::exists(file);
+                const auto old = content();
+                model->configurations()->front()->setName(u"after");
+                {
+                    FailingCalls calls(number, error, forGood);
+                    failure = store.save(*model);
+                    failed = calls.failed();
+                }
+                if (look)
+                    look();
+                if (failed.empty()) {
+                    EXPECT_FALSE(failure);
+                    EXPECT_GT(number, 8u) << "that many calls a save makes at least";
+                    break;
+                }
+                SCOPED_TRACE(failed + " " + std::to_string(number) + ": " + std::strerror(error) +
+                             (forGood ? " for good" : ""));
+                std::filesystem::create_directories(folder);
+                EXPECT_TRUE(othersInFolder().empty()) << othersInFolder().front();
+                const bool isOld = content() == old && std::filesystem::exists(file) == wasThere;
+                const bool isNew = namesOf(store::Store(file).read().configurations).front() == "after";
+                EXPECT_TRUE(isOld || isNew);
+                if (failure) {
+                    EXPECT_EQ(failure->file, file);
+                    EXPECT_NE(sentenceOf(failure).find(file.string()), std::string::npos) << sentenceOf(failure);
+                    EXPECT_NE(sentenceOf(failure).find(std::strerror(error)), std::string::npos)
+                        << sentenceOf(failure);
+                } else {
+                    EXPECT_TRUE(isNew) << "nobody is told that all is well when it is not";
+                }
+                // When the bad day is over, the same is saved.
+                EXPECT_EQ(sentenceOf(store.save(*model)), "");
+                if (look)
+                    look();
+                EXPECT_EQ(namesOf(store::Store(file).read().configurations).front(), "after");
+            }
+    }
+};
+
+TEST_F(Faults, OfAFirstSaveLeaveNoFileOrAWholeOne) {
+    eachCallFails([] {});
+}
+
+TEST_F(Faults, OfAFirstSaveIntoAFolderThatIsNotThereLeaveNoFileOrAWholeOne) {
+    eachCallFails([&] { std::filesystem::remove_all(folder); });
+}
+
+TEST_F(Faults, OfASaveLeaveTheOldFileOrTheNewOne) {
+    eachCallFails([&] { put(documentOf(R"({"uniqueID": "a", "name": "before"})")); });
+}
+
+TEST_F(Faults, OfASaveLeaveFormerVersionsThatCanBeRead) {
+    const auto prepare = [&] {
+        for (const std::string name : {"3", "2", "1"})
+            std::ofstream(folder / ("configurations.previous-" + name + ".json"))
+                << documentOf(R"({"uniqueID": "a", "name": ")" + name + R"("})");
+        put(documentOf(R"({"uniqueID": "a", "name": "before"})"));
+    };
+    eachCallFails(prepare, {}, [&] {
+        int versions = 0;
+        for (int number = 1; number <= 3; ++number)
+            if (const auto version = store::Store(file).previousVersion(number); std::filesystem::exists(version)) {
+                ++versions;
+                EXPECT_FALSE(store::Store(version).read().standIns);
+            }
+        EXPECT_GE(versions, 2);
+    });
+}
+
+TEST_F(Faults, OfASaveThatJoinsLeaveTheirsOrBoth) {
+    eachCallFails([&] { put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "b"})")); },
+                  [&] {
+                      put(documentOf(R"({"uniqueID": "a", "name": "before"}, {"uniqueID": "b", "name": "theirs"})"));
+                  },
+                  [&] { EXPECT_NE(content().find("theirs"), std::string::npos); });
+}
+
+TEST_F(Faults, OfAJournalLeaveTheOldJournalOrTheNewOne) {
+    for (const auto& [error, forGood] : fates)
+        for (std::size_t number = 1;; ++number) {
+            SCOPED_TRACE(std::to_string(number) + ": " + std::strerror(error));
+            std::filesystem::remove_all(folder);
+            std::filesystem::create_directory(folder);
+            put(documentOf(R"({"uniqueID": "a", "name": "before"})"));
+            std::optional<store::Failure> failure;
+            bool reached = false;
+            {
+                store::Store store(file);
+                const auto model = modelOf(store.load().configurations);
+                model->configurations()->front()->setName(u"first");
+                ASSERT_FALSE(store.keepUnsaved(*model));
+                model->configurations()->front()->setName(u"second");
+                FailingCalls calls(number, error, forGood);
+                failure = store.keepUnsaved(*model);
+                reached = calls.wasReached();
+            }
+            EXPECT_EQ(othersInFolder().size(), 1u);
+            store::Store next(file);
+            const auto model = modelOf(next.load().configurations);
+            const auto found = next.findUnsaved();
+            ASSERT_EQ(found.size(), 1u);
+            ASSERT_FALSE(next.takeOver(found[0], *model));
+            const auto name = model->configurations()->front()->name();
+            EXPECT_TRUE(name == u"second" || (failure && name == u"first"));
+            if (!reached) {
+                EXPECT_GT(number, 3u);
+                break;
+            }
+        }
+}
+
+TEST_F(Faults, OfAReadLeaveTheFileWhereItIs) {
+    for (std::size_t number = 1;; ++number) {
+        put(documentOf(R"({"uniqueID": "a", "name": "before"})"));
+        const auto old = content();
+        store::Store store(file);
+        store::LoadResult result;
+        bool reached = false;
+        {
+            FailingCalls calls(number, EIO);
+            result = store.load();
+            reached = calls.wasReached();
+        }
+        EXPECT_EQ(content(), old);
+        EXPECT_TRUE(othersInFolder().empty());
+        if (!reached)
+            break;
+        if (result.standIns) {
+            EXPECT_TRUE(result.readOnly);
+            EXPECT_NE(sentenceOf(result).find(std::strerror(EIO)), std::string::npos) << sentenceOf(result);
+        }
+    }
+}
+
+TEST_F(Faults, DoNotIncludeACallThatDoesOnlyAPartOfWhatItIsAskedFor) {
+    put(documentOf(R"({"uniqueID": "a", "name": "before"})"));
+    store::Store store(file);
+    SmallSteps calls;
+    const auto model = modelOf(store.load().configurations);
+    EXPECT_EQ(model->configurations()->front()->name(), u"before");
+    model->configurations()->front()->setName(u"after");
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_EQ(namesOf(store::Store(file).read().configurations), std::vector<std::string>{"after"});
+    EXPECT_GT(calls.steps, 100);
+}
+
+} // namespace
