@@ -19,6 +19,10 @@ namespace {
 [[noreturn]] void failJpeg(j_common_ptr info) {
     if (info->err->msg_code == JERR_IMAGE_TOO_BIG)
         throw Failure(Code::tooLarge, "The picture has more than 100 million pixels.");
+    static const int unknown[] = {JERR_BAD_PRECISION, JERR_SOF_UNSUPPORTED,    JERR_ARITH_NOTIMPL,
+                                  JERR_NOT_COMPILED,  JERR_CONVERSION_NOTIMPL, JERR_NOTIMPL};
+    if (std::find(std::begin(unknown), std::end(unknown), info->err->msg_code) != std::end(unknown))
+        throw Failure(Code::unsupported, "JPEG pictures of this kind cannot be stamped.");
     throw Failure(Code::damaged, "The picture is damaged.");
 }
 

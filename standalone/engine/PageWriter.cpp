@@ -9,6 +9,8 @@ namespace engine {
 
 namespace {
 
+const std::string kName = "/ImprinterStamp"; // followed by a number
+
 /// What makes up for all that a page's content leaves open.
 std::string closingOf(const PageContent& content) {
     std::string closing = '\n' + content.closing;
@@ -36,7 +38,8 @@ PageWriter::PageWriter(PdfObjects& objects, const std::vector<StampPlan>& plans,
 }
 
 void PageWriter::stamp(const Page& page, const std::vector<StampPress::Bearing>& bearings) {
-    const auto& names = namesOf(page);
+    auto& objects = objectsOf(page);
+    const bool shares = !objects.reference.empty();
     const auto& content = m_reader.content(page.content);
     std::string contents = "[";
     std::string suffix;
@@ -47,16 +50,21 @@ void PageWriter::stamp(const Page& page, const std::vector<StampPress::Bearing>&
         appendContent(content, contents);
         suffix = closingOf(content);
     }
-    std::string objects = names.objects;
+    std::string own = shares ? std::string() : objects.entries;
     std::size_t number = 0;
     for (const auto& bearing : bearings) {
         const auto& plan = m_plans[bearing.plan];
         const auto& form = m_press->forms()[bearing.form];
         std::string name;
-        do
-            name = "/ImprinterStamp" + std::to_string(number++);
-        while (names.taken.count(name) > 0);
-        objects += name + ' ' + formFor(bearing.form);
+        if (shares) {
+            auto& known = objects.stamps[bearing.form];
+            if (known.empty())
+                known = nextName(objects, objects.next);
+            name = known;
+        } else {
+            name = nextName(objects, number);
+            own += name + ' ' + formFor(bearing.form);
+        }
         suffix += m_marks[bearing.plan];
         const auto m = placeStamp(form.size, shownSize(page.geometry), plan.anchor, plan.offset, plan.degrees)
                            .then(userSpaceFromShown(page.geometry));
@@ -69,16 +77,32 @@ void PageWriter::stamp(const Page& page, const std::vector<StampPress::Bearing>&
     auto& stream = m_suffixes[suffix];
     if (stream.empty())
         stream = addStream(suffix);
-    m_objects.changePage(page.object, contents + stream + ']', "<<" + names.others + "/XObject<<" + objects + ">>>>");
+    m_objects.changePage(page.object, contents + stream + ']',
+                         "<<" + othersOf(page) + "/XObject" + (shares ? ' ' + objects.reference : "<<" + own + ">>") +
+                             ">>");
 }
 
 void PageWriter::bare(const Page& page) {
-    const auto& names = namesOf(page);
+    const auto& objects = objectsOf(page);
     std::string contents = "[";
     appendContent(m_reader.content(page.content), contents);
-    m_objects.changePage(page.object, contents + ']',
-                         "<<" + names.others + (names.objects.empty() ? "" : "/XObject<<" + names.objects + ">>") +
-                             ">>");
+    std::string resources = "<<" + othersOf(page);
+    if (!objects.reference.empty())
+        resources += "/XObject " + objects.reference;
+    else if (!objects.entries.empty())
+        resources += "/XObject<<" + objects.entries + ">>";
+    m_objects.changePage(page.object, contents + ']', resources + ">>");
+}
+
+void PageWriter::finish() {
+    m_sharedObjects.forEach([this](Objects& objects) {
+        if (objects.reference.empty())
+            return;
+        std::string body = "<<" + objects.entries;
+        for (const auto& [form, name] : objects.stamps)
+            body += name + ' ' + formFor(form);
+        m_objects.fill(objects.reference, body + ">>");
+    });
 }
 
 void PageWriter::appendContent(const PageContent& content, std::string& contents) {
@@ -99,52 +123,96 @@ std::string PageWriter::addStream(const std::string& content) {
                                                  : m_objects.addStream({}, content);
 }
 
-const PageWriter::Names& PageWriter::namesOf(const Page& page) {
-    QPDFObjectHandle resources = page.resources;
-    QPDFObjectHandle object = page.object;
-    if (!page.drops.empty() || (!resources.isIndirect() && object.getKey("/Resources").isDictionary()))
-        return m_ownNames = read(resources, false, page.drops);
-    // What several pages may share is read once.
-    if (resources.isIndirect()) {
-        const auto [place, isNew] = m_indirectNames.try_emplace(resources.getObjGen());
-        if (isNew)
-            place->second = read(resources, true, {});
-        return place->second;
-    }
-    for (auto& [known, names] : m_inheritedNames)
-        if (known.isSameObjectAs(resources))
-            return names;
-    return m_inheritedNames.emplace_back(resources, read(resources, true, {})).second;
+std::string PageWriter::nextName(const Objects& objects, std::size_t& number) {
+    std::string name;
+    do
+        name = kName + std::to_string(number++);
+    while (objects.taken.count(name) > 0);
+    return name;
 }
 
-PageWriter::Names PageWriter::read(QPDFObjectHandle resources, bool shared, const std::set<std::string>& drops) {
-    Names names;
-    if (!resources.isDictionary())
-        return names;
-    for (const auto& [key, found] : resources.getDictAsMap()) {
-        QPDFObjectHandle value = found;
-        if (key == "/XObject") {
-            if (!value.isDictionary())
-                continue;
-            for (const auto& [name, object] : value.getDictAsMap()) {
-                if (drops.count(name) > 0)
-                    continue;
-                appendName(names.objects, name);
-                names.objects += ' ' + QPDFObjectHandle(object).unparse();
-                if (name.starts_with("/ImprinterStamp"))
-                    names.taken.insert(name);
-            }
-            continue;
+bool PageWriter::ownsResources(const Page& page) {
+    return !page.resources.isIndirect() && QPDFObjectHandle(page.object).getKey("/Resources").isDictionary();
+}
+
+PageWriter::Objects* PageWriter::sharedObjectsOf(const Page& page) {
+    QPDFObjectHandle resources = page.resources;
+    auto objects = resources.isDictionary() ? resources.getKey("/XObject") : QPDFObjectHandle::newNull();
+    if (objects.isIndirect() && objects.isDictionary())
+        return &m_sharedObjects.of(objects);
+    return ownsResources(page) ? nullptr : &m_sharedObjects.of(resources);
+}
+
+void PageWriter::expect(const Page& page) {
+    if (auto* const shared = sharedObjectsOf(page)) {
+        shared->drops.insert(page.drops.begin(), page.drops.end());
+        shared->keeps.insert(page.keeps.begin(), page.keeps.end());
+    }
+}
+
+PageWriter::Objects& PageWriter::objectsOf(const Page& page) {
+    auto* const shared = sharedObjectsOf(page);
+    if (!shared) {
+        m_ownObjects = {};
+        m_ownObjects.drops = page.drops;
+        readObjects(page, m_ownObjects);
+        return m_ownObjects;
+    }
+    if (!shared->isRead) {
+        readObjects(page, *shared);
+        // Few of them cost less than a reference on each page.
+        constexpr std::size_t fewObjects = 256;
+        if (shared->entries.size() > fewObjects) {
+            // A list of its own is amended: pages that are not written may share it, and shall lose stamps as well.
+            auto list = QPDFObjectHandle(page.resources).getKey("/XObject");
+            shared->reference = list.isIndirect() ? list.unparse() : m_objects.reserve();
         }
+    }
+    return *shared;
+}
+
+void PageWriter::readObjects(const Page& page, Objects& objects) {
+    objects.isRead = true;
+    QPDFObjectHandle resources = page.resources;
+    auto dictionary = resources.isDictionary() ? resources.getKey("/XObject") : QPDFObjectHandle::newNull();
+    if (!dictionary.isDictionary())
+        return;
+    for (const auto& [name, object] : dictionary.getDictAsMap()) {
+        if (objects.drops.count(name) > 0 && objects.keeps.count(name) == 0)
+            continue;
+        appendName(objects.entries, name);
+        objects.entries += ' ' + QPDFObjectHandle(object).unparse();
+        if (name.starts_with(kName))
+            objects.taken.insert(name);
+    }
+}
+
+const std::string& PageWriter::othersOf(const Page& page) {
+    if (ownsResources(page))
+        return m_ownOthers = readOthers(page.resources, false);
+    auto& others = m_sharedOthers.of(page.resources);
+    if (!others)
+        others = readOthers(page.resources, true);
+    return *others;
+}
+
+std::string PageWriter::readOthers(QPDFObjectHandle resources, bool shared) {
+    std::string others;
+    if (!resources.isDictionary())
+        return others;
+    for (const auto& [key, found] : resources.getDictAsMap()) {
+        if (key == "/XObject")
+            continue;
+        QPDFObjectHandle value = found;
         auto text = value.unparse();
         // A long value that many pages share stays one.
         constexpr std::size_t longText = 40;
         if (shared && !value.isIndirect() && text.size() > longText)
             text = m_objects.add(text);
-        appendName(names.others, key);
-        names.others += ' ' + text;
+        appendName(others, key);
+        others += ' ' + text;
     }
-    return names;
+    return others;
 }
 
 const std::string& PageWriter::formFor(std::uint32_t number) {

@@ -7,6 +7,15 @@ std::string PdfRewrite::add(std::string_view body) {
     return m_document.makeIndirectObject(QPDFObjectHandle::parse(&m_document, std::string(body))).unparse();
 }
 
+std::string PdfRewrite::reserve() {
+    return m_document.makeIndirectObject(QPDFObjectHandle::newDictionary()).unparse();
+}
+
+void PdfRewrite::fill(const std::string& reference, std::string_view body) {
+    const QPDFObjGen id(std::stoi(reference), std::stoi(reference.substr(reference.find(' '))));
+    m_document.replaceObject(id, QPDFObjectHandle::parse(&m_document, std::string(body)));
+}
+
 std::string PdfRewrite::addStream(std::string_view entries, std::string_view data) {
     auto stream = m_document.newStream(std::string(data));
     // What is to be deflated is so already; the document's writer would set up its tables for each stream.

@@ -17,6 +17,10 @@ public:
 
     /// Adds an object and answers a reference to it.
     virtual std::string add(std::string_view body) = 0;
+    /// Answers a reference to an object that `fill` has to give its body.
+    virtual std::string reserve() = 0;
+    /// Gives an object its body, in place of the one it had. To be called once for each.
+    virtual void fill(const std::string& reference, std::string_view body) = 0;
     /// Adds a stream whose dictionary has these entries besides its length.
     virtual std::string addStream(std::string_view entries, std::string_view data) = 0;
     /// Gives a page other contents and resources; everything else about it stays.
@@ -29,6 +33,8 @@ public:
     explicit PdfRewrite(QPDF& document) : m_document(document) {}
 
     std::string add(std::string_view body) override;
+    std::string reserve() override;
+    void fill(const std::string& reference, std::string_view body) override;
     std::string addStream(std::string_view entries, std::string_view data) override;
     void changePage(QPDFObjectHandle page, const std::string& contents, const std::string& resources) override;
 

@@ -17,6 +17,7 @@
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFSystemError.hh>
 #include <qpdf/QPDFWriter.hh>
+#include <qpdf/QUtil.hh>
 
 #include <algorithm>
 #include <future>
@@ -55,19 +56,22 @@ bool certifies(QPDFObjectHandle signature) {
     return false;
 }
 
-/// Looks for signatures that were given among these form fields and the fields below them.
-void findSignatures(QPDFObjectHandle fields, int levels, Signatures& found) {
+/// Looks for signatures that were given among these form fields and the fields below them. A field's kind, and its
+/// value, hold for those below it.
+void findSignatures(QPDFObjectHandle fields, bool below, int levels, Signatures& found) {
     if (!fields.isArray() || levels == 0)
         return;
     for (auto field : fields.getArrayAsVector()) {
         if (!field.isDictionary())
             continue;
+        auto kind = field.getKey("/FT");
+        const bool isSignature = kind.isName() ? kind.isNameAndEquals("/Sig") : below;
         auto value = field.getKey("/V");
-        if (field.getKey("/FT").isNameAndEquals("/Sig") && value.isDictionary()) {
+        if (isSignature && value.isDictionary()) {
             found.present = true;
             found.certifying = found.certifying || certifies(value);
         }
-        findSignatures(field.getKey("/Kids"), levels - 1, found);
+        findSignatures(field.getKey("/Kids"), isSignature, levels - 1, found);
     }
 }
 
@@ -76,12 +80,10 @@ Signatures signaturesOf(QPDFObjectHandle root) {
     auto permissions = root.getKey("/Perms");
     found.certifying = permissions.isDictionary() && permissions.hasKey("/DocMDP");
     auto form = root.getKey("/AcroForm");
-    if (form.isDictionary()) {
-        auto flags = form.getKey("/SigFlags");
-        found.present = flags.isInteger() && flags.getIntValue() & 1;
-        constexpr int deepest = 16;
-        findSignatures(form.getKey("/Fields"), deepest, found);
-    }
+    // The form's flags say that there is a field for a signature, not that anybody signed.
+    constexpr int deepest = 16;
+    if (form.isDictionary())
+        findSignatures(form.getKey("/Fields"), false, deepest, found);
     return found;
 }
 
@@ -149,6 +151,14 @@ private:
     std::future<void> m_done;
 };
 
+/// Whether the library had to repair anything. What it does for a page that stands twice in the tree is no repair.
+bool wasDamaged(QPDF& document) {
+    bool result = false;
+    for (const auto& warning : document.getWarnings())
+        result = result || warning.getMessageDetail().find("more than once in the pages tree") == std::string::npos;
+    return result;
+}
+
 enum class Task { stamp, unstamp };
 
 /// One document being worked on.
@@ -210,15 +220,19 @@ public:
             if (removes)
                 content = stripStamps(streams, removesAll ? nullptr : &identifiers, flate);
             stripped[i] = content.found;
-            if (!isChosen[i] && !content.found)
+            if (!isChosen[i] && !content.found && content.kept.empty())
                 continue;
             const auto attributes = inheritance.of(source.object);
             source.geometry = geometryOf(source.object, attributes);
             source.resources = attributes.resources;
             source.drops = std::move(content.names);
+            source.keeps = std::move(content.kept);
+            if (!isChosen[i] && !content.found)
+                continue;
             source.content = content.text ? reader->add(std::move(*content.text))
                                           : reader->add(content.found ? content.streams : streams);
         }
+        m_removes = std::find(stripped.begin(), stripped.end(), true) != stripped.end();
         reader->finish(m_document.anyWarnings());
         StampPress* stamps = nullptr;
         std::size_t changed = 0;
@@ -246,6 +260,9 @@ public:
             m_file.release();
             {
                 PageWriter writer(objects, plans, stamps, *reader);
+                for (const auto& source : sources)
+                    if (!source.drops.empty() || !source.keeps.empty())
+                        writer.expect(source);
                 for (std::size_t i = 0; i < pages.size(); ++i) {
                     if (i % 64 == 0)
                         m_progress.tell(0.4 + (last - 0.4) * static_cast<double>(i) / static_cast<double>(pages.size()),
@@ -255,6 +272,7 @@ public:
                     else if (stripped[i])
                         writer.bare(sources[i]);
                 }
+                writer.finish();
             }
             // The writer of the document needs none of it.
             sources = {};
@@ -272,7 +290,7 @@ public:
 
 private:
     void tellOfDamage() {
-        if (m_document.anyWarnings())
+        if (wasDamaged(m_document))
             m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
     }
 
@@ -304,8 +322,8 @@ private:
                                           "signatures invalid.");
         if (m_job.saving == Saving::update && !possible)
             throw Failure(Code::unsupported, "The document cannot be updated incrementally.");
-        // What is removed shall not stay in the file.
-        const bool isBetter = !m_linearized && m_task == Task::stamp;
+        // What is removed shall not stay in the file, which would grow with each replacement.
+        const bool isBetter = !m_linearized && !m_removes;
         return possible && (isSigned || m_job.saving == Saving::update || isBetter);
     }
 
@@ -362,18 +380,41 @@ private:
     MappedFile m_file;
     QPDF m_document;
     bool m_linearized = false;
+    bool m_removes = false; ///< Whether a page loses stamps.
 };
 
-/// Answers what `work` does; what the library throws becomes a `Failure`.
+/// Answers what `work` does with the job. Older ciphers know a password as bytes of an encoding that depends on who set
+/// it, so that its other spellings are tried after the one given.
+template <class Work>
+std::size_t withAnySpelling(const StampJob& job, const Work& work) {
+    try {
+        return work(job);
+    } catch (const QPDFExc& error) {
+        if (error.getErrorCode() != qpdf_e_password || job.password.empty())
+            throw;
+    }
+    auto attempt = job;
+    for (const auto& password : QUtil::possible_repaired_encodings(job.password)) {
+        attempt.password = password;
+        try {
+            return work(attempt);
+        } catch (const QPDFExc& error) {
+            if (error.getErrorCode() != qpdf_e_password)
+                throw;
+        }
+    }
+    throw Failure(Code::encrypted, "The password is wrong.");
+}
+
+/// The same; what the library throws becomes a `Failure`.
 template <class Work>
 std::size_t guarded(const StampJob& job, const Work& work) {
     try {
-        return work();
+        return withAnySpelling(job, work);
     } catch (const QPDFExc& error) {
         switch (error.getErrorCode()) {
         case qpdf_e_password:
-            throw Failure(Code::encrypted,
-                          job.password.empty() ? "The document needs a password." : "The password is wrong.");
+            throw Failure(Code::encrypted, "The document needs a password.");
         case qpdf_e_unsupported:
             throw Failure(Code::unsupported, "The document is encrypted in a way that is not supported.");
         case qpdf_e_system:
@@ -397,19 +438,21 @@ std::size_t guarded(const StampJob& job, const Work& work) {
 } // namespace
 
 std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report) {
-    return guarded(job, [&] { return PdfStamping(Task::stamp, job, facts, report).run(); });
+    return guarded(job,
+                   [&](const StampJob& attempt) { return PdfStamping(Task::stamp, attempt, facts, report).run(); });
 }
 
 std::size_t unstampPdf(const StampJob& job, Report& report) {
-    return guarded(job, [&] { return PdfStamping(Task::unstamp, job, {}, report).run(); });
+    return guarded(job, [&](const StampJob& attempt) { return PdfStamping(Task::unstamp, attempt, {}, report).run(); });
 }
 
 std::size_t countPdfPages(const StampJob& job) {
-    return guarded(job, [&] {
-        const MappedFile file(job.input);
+    return guarded(job, [](const StampJob& attempt) {
+        const MappedFile file(attempt.input);
         QPDF document;
         document.setSuppressWarnings(true);
-        document.processMemoryFile(job.input.c_str(), file.bytes().data(), file.bytes().size(), job.password.c_str());
+        document.processMemoryFile(attempt.input.c_str(), file.bytes().data(), file.bytes().size(),
+                                   attempt.password.c_str());
         return document.getAllPages().size();
     });
 }

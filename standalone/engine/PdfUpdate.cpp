@@ -89,11 +89,19 @@ void PdfUpdate::begin(int number, int generation) {
 }
 
 std::string PdfUpdate::add(std::string_view body) {
-    const int number = m_next++;
-    begin(number, 0);
+    const auto reference = reserve();
+    fill(reference, body);
+    return reference;
+}
+
+std::string PdfUpdate::reserve() {
+    return std::to_string(m_next++) + " 0 R";
+}
+
+void PdfUpdate::fill(const std::string& reference, std::string_view body) {
+    begin(std::stoi(reference), std::stoi(reference.substr(reference.find(' '))));
     put(body);
     put("\nendobj\n");
-    return std::to_string(number) + " 0 R";
 }
 
 std::string PdfUpdate::addStream(std::string_view entries, std::string_view data) {

@@ -21,6 +21,8 @@ public:
     static bool isPossible(QPDF& document, std::string_view bytes);
 
     std::string add(std::string_view body) override;
+    std::string reserve() override;
+    void fill(const std::string& reference, std::string_view body) override;
     std::string addStream(std::string_view entries, std::string_view data) override;
     void changePage(QPDFObjectHandle page, const std::string& contents, const std::string& resources) override;
 

@@ -67,21 +67,20 @@ StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const 
     if (text.find(kTag) == std::string::npos)
         return result;
 
-    std::set<std::string> stillUsed;
     std::vector<ContentMark> gone;
     for (auto& mark : findMarks(text)) {
         const auto identifier = mark.tag == "/Artifact" ? identifierOf(mark.properties) : std::optional<std::string>();
         if (!identifier)
             continue;
         const bool goes = !wanted || wanted->count(*identifier) > 0;
-        (goes ? result.names : stillUsed).insert(mark.drawn.begin(), mark.drawn.end());
+        (goes ? result.names : result.kept).insert(mark.drawn.begin(), mark.drawn.end());
         if (goes)
             gone.push_back(std::move(mark));
     }
     if (gone.empty())
         return result;
     result.found = true;
-    for (const auto& name : stillUsed)
+    for (const auto& name : result.kept)
         result.names.erase(name);
 
     // 1. Where the last stream is nothing but ours, so is the one that saves the state before the page's own.

@@ -18,6 +18,7 @@ struct StrippedContent {
     std::vector<QPDFObjectHandle> streams; ///< What is left, where it is whole streams;
     std::optional<std::string> text;       ///< else all of it as one text.
     std::set<std::string> names;           ///< Names of resources that only the stamps used.
+    std::set<std::string> kept;            ///< Names that stamps use which stay; told whether there was one or not.
 };
 
 /// Finds the stamps of earlier runs in a page's content and takes away those of the configurations whose identifiers

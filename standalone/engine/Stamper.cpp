@@ -44,6 +44,9 @@ Facts factsOf(const StampJob& job) {
 }
 
 std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
+    // An earlier stamp would stay below the new one.
+    if (job.replace)
+        throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be replaced.");
     FaceLibrary faces(job.defaultFont);
     const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };

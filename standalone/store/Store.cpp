@@ -119,11 +119,11 @@ Store::Reading Store::readFile() const {
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
             return supplied();
+        const bool renamed = isDefault && fs::is_regular_file(status);
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
-                           isDefault && fs::is_regular_file(status));
-        // Nothing is known against the file.
-        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", false);
+                           renamed);
+        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed);
     }
     const auto bytes = QByteArray::fromRawData(content.bytes.data(), static_cast<qsizetype>(content.bytes.size()));
     try {

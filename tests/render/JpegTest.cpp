@@ -3,6 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio> // libjpeg's header needs it first
+
+#include <jpeglib.h>
+
 using namespace render;
 
 namespace {
@@ -15,6 +21,45 @@ std::filesystem::path makeJpeg(const Folder& folder, const std::string& options,
     EXPECT_EQ(made.status, 0) << made.output;
     return path;
 }
+
+/// A file's coefficients as they are, undecoded, and where they belong.
+struct Coefficients {
+    struct Component {
+        int across = 1; ///< Blocks in a unit.
+        int down = 1;
+        unsigned columns = 0;
+        std::vector<std::array<JCOEF, DCTSIZE2>> blocks;
+    };
+    QSize unit; ///< In pixels.
+    std::vector<Component> components;
+
+    explicit Coefficients(const std::filesystem::path& path) {
+        const auto bytes = readFile(path);
+        jpeg_decompress_struct info{};
+        jpeg_error_mgr errors{};
+        info.err = jpeg_std_error(&errors);
+        jpeg_create_decompress(&info);
+        jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+        jpeg_read_header(&info, TRUE);
+        jvirt_barray_ptr* const arrays = jpeg_read_coefficients(&info);
+        unit = {8 * info.max_h_samp_factor, 8 * info.max_v_samp_factor};
+        for (int i = 0; i < info.num_components; ++i) {
+            const auto& shape = info.comp_info[i];
+            Component component{shape.h_samp_factor, shape.v_samp_factor, shape.width_in_blocks, {}};
+            for (JDIMENSION row = 0; row < shape.height_in_blocks; ++row) {
+                const JBLOCKROW line =
+                    info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&info), arrays[i], row, 1, FALSE)[0];
+                for (JDIMENSION column = 0; column < shape.width_in_blocks; ++column) {
+                    auto& block = component.blocks.emplace_back();
+                    std::copy(std::begin(line[column]), std::end(line[column]), block.begin());
+                }
+            }
+            components.push_back(std::move(component));
+        }
+        jpeg_finish_decompress(&info);
+        jpeg_destroy_decompress(&info);
+    }
+};
 
 struct Stamped {
     Folder folder;
@@ -132,5 +177,71 @@ TEST(JpegPictures, ATurnedPictureIsStampedAsItIsShownAndKeepsItsTag) {
         EXPECT_NEAR(dark.right() + 1, shown.width() - 18, 1);
         EXPECT_NEAR(dark.top(), 18, 1);
         EXPECT_GT(dark.width(), 2 * dark.height());
+    }
+}
+
+TEST(JpegPictures, NoCoefficientOutsideTheTouchedUnitsChanges) {
+    // Where the stamp's ink is, on a picture of another kind.
+    const auto with = boxed();
+    with->shift = {3, -2};
+    Folder folder;
+    white(403, 299).save((folder / "in.png").c_str());
+    ASSERT_TRUE(engine::stampFile(job(folder / "in.png", folder / "out.png", {with})));
+    const QRect ink = differingArea(QImage((folder / "in.png").c_str()), QImage((folder / "out.png").c_str()));
+    for (const char* options :
+         {"-sampling-factor 2x2", "-sampling-factor 2x1", "-sampling-factor 1x2", "-sampling-factor 4x1",
+          "-sampling-factor 2x2 -interlace JPEG", "-colorspace Gray", "-colorspace Gray -sampling-factor 2x2"}) {
+        SCOPED_TRACE(options);
+        const Stamped result(std::string("-quality 88 ") + options, with, "403x299");
+        const Coefficients before(result.folder / "in.jpg");
+        const Coefficients after(result.folder / "out.jpg");
+        ASSERT_EQ(before.components.size(), after.components.size());
+        EXPECT_EQ(before.unit, after.unit);
+        const int width = before.unit.width();
+        const int height = before.unit.height();
+        const QRect touched(QPoint(ink.left() / width, ink.top() / height),
+                            QPoint(ink.right() / width, ink.bottom() / height));
+        std::size_t changed = 0;
+        for (std::size_t c = 0; c < before.components.size(); ++c) {
+            const auto& one = before.components[c];
+            const auto& other = after.components[c];
+            ASSERT_EQ(one.blocks.size(), other.blocks.size());
+            for (std::size_t i = 0; i < one.blocks.size(); ++i) {
+                if (one.blocks[i] == other.blocks[i])
+                    continue;
+                ++changed;
+                const QPoint place(static_cast<int>(i % one.columns) / one.across,
+                                   static_cast<int>(i / one.columns) / one.down);
+                EXPECT_TRUE(touched.contains(place)) << c << ": " << place.x() << ' ' << place.y();
+            }
+        }
+        EXPECT_GT(changed, 10U);
+    }
+}
+
+TEST(JpegPictures, WhatFollowsTheEndOfTheFileStays) {
+    Folder folder;
+    const auto path = makeJpeg(folder, "-quality 90");
+    writeFile(path, readFile(path) + "Something of its own");
+    const auto outcome = engine::stampFile(job(path, folder / "out.jpg", {boxed()}));
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_TRUE(outcome.warnings.empty());
+    EXPECT_TRUE(readFile(folder / "out.jpg").ends_with("Something of its own"));
+}
+
+TEST(JpegPictures, KindsThatCannotBeStampedAreNotCalledDamaged) {
+    Folder folder;
+    const auto path = makeJpeg(folder, "-quality 90");
+    auto deep = readFile(path);
+    const auto frame = deep.find("\xff\xc0");
+    ASSERT_NE(frame, std::string::npos);
+    auto lossless = deep;
+    deep[frame + 1] = '\xc1';
+    deep[frame + 4] = 12; // bits
+    lossless[frame + 1] = '\xc3';
+    for (const auto& bytes : {deep, lossless}) {
+        writeFile(folder / "odd.jpg", bytes);
+        const auto outcome = engine::stampFile(job(folder / "odd.jpg", folder / "out.jpg", {boxed()}));
+        EXPECT_EQ(outcome.code, engine::Code::unsupported) << outcome.sentence;
     }
 }

@@ -141,3 +141,34 @@ TEST(Replacing, TakesThePlaceOfTheOldStampAndLeavesThoseOfOthers) {
     ASSERT_TRUE(engine::stampFile(job(folder / "in.pdf", folder / "c.pdf", {other, fresh})));
     EXPECT_TRUE(rendersAlike(folder / "c.pdf", folder / "b.pdf", 2));
 }
+
+TEST(Replacing, AgainAndAgainDoesNotMakeTheFileGrow) {
+    Folder folder;
+    writeFile(folder / "in.pdf", document(20, kPage, kContent));
+    auto task = job(folder / "in.pdf", folder / "in.pdf", {titled(u"One", u"1", 8)});
+    task.inPlace = true;
+    task.replace = true;
+    std::uintmax_t second = 0;
+    for (int i = 1; i <= 30; ++i) {
+        const auto outcome = engine::stampFile(task);
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        if (i == 2)
+            second = std::filesystem::file_size(folder / "in.pdf");
+    }
+    EXPECT_LE(std::filesystem::file_size(folder / "in.pdf"), second + 64);
+    EXPECT_EQ(textOf(folder / "in.pdf").substr(0, 12), "One\n\n\fOne\n\n\f");
+}
+
+TEST(Replacing, OnAPictureIsRefusedSinceTheOldStampWouldStay) {
+    Folder folder;
+    for (const char* name : {"a.png", "a.jpg", "a.tif"}) {
+        SCOPED_TRACE(name);
+        ASSERT_EQ(run("convert -size 200x100 xc:white " + quoted(folder / name)).status, 0);
+        auto task = job(folder / name, folder / "out", {titled(u"One", u"1", 8)});
+        task.replace = true;
+        const auto outcome = engine::stampFile(task);
+        EXPECT_EQ(outcome.code, Code::unsupported);
+        EXPECT_EQ(outcome.sentence, "A stamp on a picture is part of the picture and cannot be replaced.");
+        EXPECT_FALSE(std::filesystem::exists(folder / "out"));
+    }
+}

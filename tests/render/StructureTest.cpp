@@ -144,6 +144,22 @@ TEST(PdfStructure, EncryptionIsKeptAndAsksForItsPassword) {
     }
 }
 
+TEST(PdfStructure, APasswordIsKnownHoweverTheDocumentSpellsIt) {
+    for (const char* cipher : {"256", "128 --use-aes=y", "128 --use-aes=n", "40"}) {
+        SCOPED_TRACE(cipher);
+        const bool isUnicode = std::string(cipher) == "256";
+        Work work(document(1, kPage, "0 0 9 9 re f"));
+        work.makeOver("--allow-weak-crypto --password-mode=bytes --encrypt " +
+                      std::string(isUnicode ? "gr\xc3\xbcn" : "gr\xfcn") + " owner " + cipher + " --");
+        work.task.password = "gr\xc3\xbcn";
+        EXPECT_EQ(engine::countPages(work.task), 1U);
+        const auto outcome = work.stamp();
+        EXPECT_TRUE(outcome) << outcome.sentence;
+        work.task.password = "gr\xc3\xb6n";
+        EXPECT_EQ(work.stamp().sentence, "The password is wrong.");
+    }
+}
+
 TEST(PdfStructure, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
     Work work(document(1, kPage, "0 0 9 9 re f"));
     work.makeOver("--encrypt '' owner 256 --modify=none --");
@@ -155,7 +171,8 @@ TEST(PdfStructure, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
 }
 
 TEST(PdfStructure, SignedDocumentsAreLeftAloneUnlessTheJobSaysOtherwise) {
-    Work work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >>"));
+    Work work(
+        document(1, kPage, "", "/AcroForm << /Fields [<< /FT /Sig /T (a) /V << /Type /Sig >> >>] /SigFlags 3 >>"));
     EXPECT_EQ(work.stamp().code, Code::isSigned);
     work.task.allowSigned = true;
     EXPECT_TRUE(work.stamp());
@@ -167,6 +184,14 @@ TEST(PdfStructure, ASignatureCountsWithoutTheFormsFlagAnEmptyFieldDoesNot) {
     };
     EXPECT_EQ(Work(document(1, kPage, "", form("/V << /Type /Sig >>"))).stamp().code, Code::isSigned);
     EXPECT_EQ(Work(document(1, kPage, "", form(""))).stamp().code, Code::ok);
+    // The flag says that there are such fields, be they signed or not.
+    EXPECT_EQ(Work(document(1, kPage, "", "/AcroForm << /Fields [] /SigFlags 3 >>")).stamp().code, Code::ok);
+    // A field's kind holds for those below it.
+    EXPECT_EQ(Work(document(1, kPage, "",
+                            "/AcroForm << /Fields [<< /FT /Sig /T (a) /Kids [<< /T (b) /V << /Type /Sig >> >>] >>] >>"))
+                  .stamp()
+                  .code,
+              Code::isSigned);
 }
 
 TEST(PdfStructure, CertifiedDocumentsAreRefusedWhateverTheJobSays) {
@@ -183,7 +208,9 @@ TEST(PdfStructure, APageThatStandsTwiceInTheTreeGetsTheStampOfEachPlace) {
     Work work(file.bytes());
     work.task.configurations[0]->setTitleTokens(std::make_shared<const std::vector<host::TitleToken>>(
         std::vector<host::TitleToken>{std::u16string(u"%pageNumber%")}));
-    ASSERT_TRUE(work.stamp());
+    const auto outcome = work.stamp();
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_TRUE(outcome.warnings.empty()) << outcome.warnings.front();
     EXPECT_EQ(work.text(1), "1\n\n\f");
     EXPECT_EQ(work.text(2), "2\n\n\f");
 }
@@ -237,4 +264,78 @@ TEST(PdfStructure, ADocumentWhoseTrailerLacksItsSizeComesOutWhole) {
     Work work(bytes);
     ASSERT_TRUE(work.stamp());
     EXPECT_EQ(work.check().find("WARNING"), std::string::npos) << work.check();
+}
+
+TEST(PdfStructure, PagesThatShareManyPicturesShareThemStampedToo) {
+    constexpr int count = 400;
+    // In resources of all pages, in a list of pictures of all pages, and inherited.
+    for (const std::string kind : {"resources", "pictures", "inherited"}) {
+        SCOPED_TRACE(kind);
+        DocumentBytes file;
+        file.add("<< /Type /Catalog /Pages 2 0 R >>");
+        file.add("");
+        file.add("");
+        std::string pictures = "<<";
+        std::string kids;
+        for (int i = 0; i < count; ++i) {
+            const int picture = file.addStream(
+                "\x80",
+                "/Type /XObject /Subtype /Image /Width 1 /Height 1 /BitsPerComponent 8 /ColorSpace /DeviceGray");
+            const auto name = " /Im" + std::to_string(i);
+            const int content = file.addStream("q 30 0 0 20 40 40 cm" + name + " Do Q");
+            pictures += name + " " + std::to_string(picture) + " 0 R";
+            kids += std::to_string(file.add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 300 200] /Contents " +
+                                            std::to_string(content) + " 0 R" +
+                                            (kind == "resources"  ? " /Resources 3 0 R"
+                                             : kind == "pictures" ? " /Resources << /XObject 3 0 R >>"
+                                                                  : "") +
+                                            " >>")) +
+                    " 0 R ";
+        }
+        pictures += " >>";
+        const auto resources = "<< /XObject " + pictures + " >>";
+        file.replace(2, "<< /Type /Pages /Count " + std::to_string(count) + " /Kids [" + kids + "]" +
+                            (kind == "inherited" ? " /Resources " + resources : "") + " >>");
+        file.replace(3, kind == "pictures" ? pictures : resources);
+        Work work(file.bytes());
+        // A different stamp on each page, and one on every second page that stays.
+        const auto number = configuration(u"");
+        number->identifier = u"number";
+        number->setTitle({std::u16string(u"No. "), std::u16string(u"%pageNumber%")});
+        const auto other = configuration(u"Stays");
+        other->identifier = u"other";
+        other->pages = 2;
+        other->anchor = 8;
+        for (const auto saving : {engine::Saving::automatic, engine::Saving::rewrite}) {
+            work.task.saving = saving;
+            work.task.configurations = {number, other};
+            const auto outcome = work.stamp();
+            ASSERT_TRUE(outcome) << outcome.sentence;
+            const auto before = std::filesystem::file_size(work.task.input);
+            EXPECT_LT(std::filesystem::file_size(work.task.output), before + 30'000 + count * 1'000);
+            EXPECT_EQ(work.check().find("WARNING"), std::string::npos) << work.check();
+            EXPECT_EQ(work.text(399), "No. 399\n\n\f");
+            EXPECT_EQ(work.text(400), "No. 400\n\nStays\n\n\f");
+
+            // The one is removed, the other stays; then it goes too.
+            auto back = work.task;
+            back.saving = engine::Saving::automatic;
+            back.input = work.task.output;
+            back.output = work.folder / "back.pdf";
+            back.configurations = {number};
+            auto removed = engine::unstampFile(back);
+            ASSERT_TRUE(removed) << removed.sentence;
+            const auto text = run("pdftotext -q -f 399 -l 400 " + quoted(back.output) + " -").output;
+            EXPECT_EQ(text, "\fStays\n\n\f");
+            back.input = back.output;
+            back.output = work.folder / "bare.pdf";
+            back.configurations.clear();
+            removed = engine::unstampFile(back);
+            ASSERT_TRUE(removed) << removed.sentence;
+            EXPECT_LT(std::filesystem::file_size(back.output), before + 10'000 + count * 100);
+            EXPECT_EQ(work.plain("bare.pdf").find("ImprinterStamp"), std::string::npos);
+            for (const int page : {1, 400})
+                EXPECT_TRUE(differingArea(shownPage(work.task.input, page), shownPage(back.output, page)).isEmpty());
+        }
+    }
 }

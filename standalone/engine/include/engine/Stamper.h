@@ -34,13 +34,14 @@ struct StampJob {
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
-    /// Documents: first remove what earlier runs stamped with the same configurations.
+    /// First remove what earlier runs stamped with the same configurations; a failure for pictures, which cannot lose a
+    /// stamp. A document that loses stamps is written anew if it can be, so that it does not grow each time.
     bool replace = false;
 
     /// Write nothing, and answer what would come of it; the warnings also name pages that a stamp does not fit on.
     bool dryRun = false;
 
-    std::string password; ///< The user's or owner's, as bytes; for encrypted documents.
+    std::string password; ///< The user's or owner's, for encrypted documents: as the document has it, or in UTF-8.
     bool inPlace = false; ///< Output and input may be one file.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
     bool allowSigned = false;

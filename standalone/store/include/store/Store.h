@@ -95,10 +95,10 @@ public:
 
     /// Reads the file as `read` does, so that it can be saved.
     ///
-    /// A damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number where that
-    /// exists. Left in its place, and read-only, is: what cannot be read; what a newer program wrote; what is no
-    /// ordinary file; what cannot be renamed; and, at any other than the default path, what does not look like a file
-    /// of configurations. What a killed program left behind when it saved is removed.
+    /// An unreadable or damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number
+    /// where that exists. Left in its place, and read-only, is: what a newer program wrote; what is no ordinary file;
+    /// what cannot be renamed; and, at any other than the default path, what does not look like a file of
+    /// configurations. What a killed program left behind when it saved is removed.
     LoadResult load();
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
