@@ -7,10 +7,15 @@
 namespace platform::qt {
 
 void AskingTabBar::want(int index) {
+    const QPointer<AskingTabBar> alive(this);
+    const bool hadFocus = hasFocus();
     enter([this, index] {
         if (m_wanted && index >= 0 && index != currentIndex() && isTabEnabled(index))
             m_wanted(index);
     });
+    // Ending the edit takes the focus from whatever has it; who goes through the tabs by key goes on from there.
+    if (alive && hadFocus && !window()->focusWidget())
+        setFocus(Qt::OtherFocusReason);
 }
 
 void AskingTabBar::wantNext(int step) {

@@ -24,6 +24,7 @@ EmptyHint::EmptyHint(std::function<void()> makeOne, QWidget* parent) : QFrame(pa
     explanation->setForegroundRole(QPalette::Text);
     auto* button = new QPushButton(text(u"New Configuration"), this);
     button->setObjectName(QStringLiteral("makeFirst"));
+    setFocusProxy(button);
     connect(button, &QPushButton::clicked, this, std::move(makeOne));
     auto* texts = new QVBoxLayout;
     texts->setSpacing(4);

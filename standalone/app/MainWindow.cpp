@@ -115,8 +115,8 @@ void MainWindow::showPane() {
     m_hint = new EmptyHint([this] { runGuarded([this] { m_pane->perform(u"addConfiguration:"); }); }, whole);
     layout->addWidget(m_hint);
     layout->addWidget(widgetOf(*m_pane->view()), 1);
-    showHint();
     setCentralWidget(whole);
+    showHint();
     m_pane->didShow();
 }
 
@@ -126,8 +126,11 @@ void MainWindow::hidePane() {
 }
 
 void MainWindow::showHint() {
-    if (m_hint)
-        m_hint->setVisible(count(m_session.model().configurations()) == 0 && m_pane->performs(u"addConfiguration:"));
+    if (!m_hint)
+        return;
+    m_hint->setVisible(count(m_session.model().configurations()) == 0 && m_pane->performs(u"addConfiguration:"));
+    if (!m_hint->isHidden() && !focusWidget())
+        m_hint->setFocus();
 }
 
 void MainWindow::refreshPane() {

@@ -144,6 +144,20 @@ TEST_F(Keyboard, ReachesEveryControlOfACombinedConfiguration) {
     EXPECT_EQ(unreached(), "");
 }
 
+TEST_F(Keyboard, GoesOnFromTheTabsAfterChoosingOne) {
+    open();
+    showEditor(u"Location");
+    auto* bar = child("tabView")->findChild<QTabBar*>();
+    ASSERT_TRUE(bar);
+    bar->setFocus();
+    QTest::keyClick(bar, language() == "ar" ? Qt::Key_Left : Qt::Key_Right);
+    settle();
+    EXPECT_EQ(bar->currentIndex(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), bar);
+    QTest::keyClick(bar, Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), child("titleTokenField"));
+}
+
 TEST_F(Keyboard, MakesTheFirstConfiguration) {
     open();
     auto& model = session->model();
