@@ -9,7 +9,7 @@ screenshot shell-opened
 
 # The second row, with the mouse.
 click 100 96
-until_true "the host remembers the chosen configuration" test -n "$(setting ImprinterPrefLastSelected)"
+until_true "the host remembers the chosen configuration" eval '[ -n "$(setting ImprinterPrefLastSelected)" ]'
 second=$(setting ImprinterPrefLastSelected)
 # The third, with the keyboard.
 xdotool key Down
