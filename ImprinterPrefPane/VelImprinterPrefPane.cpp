@@ -17,6 +17,7 @@
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSClass.h>
 #include <Foundation/NSKeyedUnarchiver.h>
+#include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
@@ -40,6 +41,10 @@ constexpr NSInteger deleteTag = 2;
 
 /// How long after a change of the list the row to show is selected, in seconds.
 constexpr double selectionDelay = 0.2;
+
+/// The places of a stamp by their codes, as they are read out within a sentence.
+constexpr const char16_t* places[] = {u"top left",     u"top center",  u"top right",     u"center left", u"center",
+                                      u"center right", u"bottom left", u"bottom center", u"bottom right"};
 
 const ClassRegistration registration{VelImprinterPrefPane::describeClass()};
 
@@ -523,6 +528,23 @@ void VelImprinterPrefPane::updatePreview() {
         tell(m_popoverViewController, &VelPreviewViewController::setPreviewURL, m_previewURL);
 }
 
+std::u16string VelImprinterPrefPane::spokenPreview() const {
+    if (!m_currentConfiguration)
+        return {};
+    const NSNumberFormatter numbers(NSNumberFormatterStyle::decimal, NSLocale::currentLocale());
+    const auto one = numbers.stringFromNumber(1); // the sample is a picture, which is a single page
+    const auto name = m_currentConfiguration->name();
+    const auto position = static_cast<std::size_t>(m_currentConfiguration->position());
+    if (m_currentConfiguration->combinedConfiguration() || position >= std::size(places))
+        return stringWithFormat(localized(u"%@, page %@ of %@"), {name, one, one});
+    const auto place = localized(places[position]);
+    const double degrees = m_currentConfiguration->rotation();
+    if (degrees == 0)
+        return stringWithFormat(localized(u"%@, page %@ of %@, %@"), {name, one, one, place});
+    return stringWithFormat(localized(u"%@, page %@ of %@, %@, rotated %@ degrees"),
+                            {name, one, one, place, numbers.stringFromNumber(degrees)});
+}
+
 void VelImprinterPrefPane::setPopover(const std::shared_ptr<NSPopover>& popover) {
     m_popover = popover;
 }
@@ -537,6 +559,10 @@ void VelImprinterPrefPane::onPreview(const std::shared_ptr<NSObject>& sender) {
         controller->initWithNibNameBundle(u"VelPreviewViewController", NSBundle::bundleForClass(classTable()));
         setPopoverViewController(controller);
         controller->loadView();
+        controller->setDescriber([pane = std::weak_ptr(self())] {
+            const auto alive = pane.lock();
+            return alive ? alive->spokenPreview() : u"";
+        });
     }
     if (tell(m_popover, &NSPopover::isDetached)) {
         const auto window = tell(m_popoverViewController->view(), &NSView::window);

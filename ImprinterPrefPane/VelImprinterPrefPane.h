@@ -182,6 +182,9 @@ public:
 
     /// Has the host stamp the sample page with the current configuration; a nil answer leaves the picture on show.
     virtual void updatePreview();
+    /// The preview in words, for those who do not see it: "Received, page 1 of 1, top right, rotated 45 degrees". Empty
+    /// without a configuration.
+    std::u16string spokenPreview() const;
     /// Shows the last result beside the sender, or brings the window of a preview that was torn off to the front.
     virtual void onPreview(const std::shared_ptr<NSObject>& sender);
     /// Does nothing where there is one.

@@ -36,6 +36,10 @@ void VelPreviewViewController::resetZoom() {
     tell(m_scrollView, &NSScrollView::setMagnification, 1.0);
 }
 
+void VelPreviewViewController::setDescriber(const std::function<std::u16string()>& describe) {
+    tell(m_imageView, &NSImageView::setAccessibilityDescriber, describe);
+}
+
 void VelPreviewViewController::updatePreviewWithImprinterWith(
     const std::shared_ptr<host::Imprinter>& imprinter,
     const std::shared_ptr<host::ImprinterConfiguration>& configuration) {

@@ -7,6 +7,8 @@
 #include <Foundation/NSURL.h>
 #include <host/Imprinter.h>
 
+#include <functional>
+
 namespace pane {
 
 /// Shows the stamped sample page, which the user may magnify.
@@ -21,6 +23,8 @@ public:
     /// Loads the picture and shows it; a nil URL or an unreadable file clears what is shown.
     virtual void setPreviewURL(const std::optional<platform::NSURL>& url);
     virtual void resetZoom();
+    /// Asked by assistive technology for what the picture shows.
+    virtual void setDescriber(const std::function<std::u16string()>& describe);
     /// Has `imprinter` stamp the sample page with `configuration` and shows the result; a nil answer leaves the picture
     /// on show.
     virtual void updatePreviewWithImprinterWith(const std::shared_ptr<host::Imprinter>& imprinter,

@@ -2,6 +2,8 @@
 // Whatever is on the pasteboard, a title edited with it keeps its rules. The input is a list of acts, a byte each with
 // what it needs behind it: pasting texts, typing, copying, cutting, dragging, selecting, undoing, waiting.
 
+#include "Require.h"
+
 #include "../tests/support/FakeQueue.h"
 #include "../tests/support/PlainConfiguration.h"
 #include "../tests/unit/token_editor.h"
@@ -10,20 +12,9 @@
 #include <TitleTokens.h>
 #include <VelImprinterPrefPane.h>
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-
 namespace {
 
 using namespace platform;
-
-void require(bool holds, const char* rule) {
-    if (holds)
-        return;
-    std::fprintf(stderr, "%s\n", rule);
-    std::abort();
-}
 
 /// Texts are plain and placeholders tokens, as hosts show them.
 class Field final : public host::PlaceholderTokenField {

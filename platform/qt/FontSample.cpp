@@ -7,6 +7,9 @@
 #include <QFontInfo>
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 namespace platform::qt {
 
 namespace {
@@ -64,23 +67,30 @@ void FontSample::drawText(QPainter& painter, const QRect& rect, const QFont& fon
     // All lines stand on the baseline of the widget's own font, however tall their own is.
     const QFontMetricsF own(m_control);
     const double baseline = rect.y() + (rect.height() + own.ascent() - own.descent()) / 2;
+    const QFontMetricsF metrics(font);
+    const auto shown = metrics.elidedText(m_text, Qt::ElideRight, rect.width());
+    const bool mirrored = painter.layoutDirection() == Qt::RightToLeft;
+    const double x = mirrored ? rect.x() + rect.width() - std::ceil(metrics.horizontalAdvance(shown)) : rect.x();
     painter.setFont(font);
-    painter.drawText(QPointF(rect.x(), qRound(baseline)),
-                     QFontMetricsF(font).elidedText(m_text, Qt::ElideRight, rect.width()));
+    painter.drawText(QPointF(x, qRound(baseline)), shown);
 }
 
 void FontSample::draw(QPainter& painter, const QRect& rect) const {
     painter.save();
     painter.setClipRect(rect, Qt::IntersectClip);
+    const bool mirrored = painter.layoutDirection() == Qt::RightToLeft;
     auto place = rect;
     if (m_symbolic) {
         drawText(painter, rect, m_control);
-        place.adjust(qRound(QFontMetricsF(m_control).horizontalAdvance(m_text + QLatin1String("  "))), 0, 0, 0);
+        const int taken = qRound(QFontMetricsF(m_control).horizontalAdvance(m_text + QLatin1String("  ")));
+        place.adjust(mirrored ? 0 : taken, 0, mirrored ? -taken : 0, 0);
     }
     if (m_means == Means::outlines) {
         const QFontMetricsF own(m_control);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.translate(place.x(), qRound(place.y() + (place.height() + own.ascent() - own.descent()) / 2));
+        const double width = std::min<double>(std::ceil(m_outlines.boundingRect().right()), place.width());
+        painter.translate(mirrored ? place.x() + place.width() - width : place.x(),
+                          qRound(place.y() + (place.height() + own.ascent() - own.descent()) / 2));
         painter.fillPath(m_outlines, painter.pen().color());
     } else if (place.width() > 0) {
         drawText(painter, place, m_font);

@@ -37,7 +37,8 @@ public:
     /// In logical pixels, from the start of the text's baseline, y down; of the outlines' means.
     const QPainterPath& outlines() const { return m_outlines; }
 
-    /// Draws the text on the painter's pen, vertically in the middle of `rect` and no wider than that.
+    /// Draws the text on the painter's pen, vertically in the middle of `rect` and no wider than that; from the right
+    /// where the painter's layout runs from there.
     void draw(QPainter& painter, const QRect& rect) const;
 
 private:

@@ -5,6 +5,7 @@
 
 #include <AppKit/NSImage.h>
 
+#include <QAccessible>
 #include <QPaintEvent>
 #include <QPainter>
 
@@ -18,6 +19,19 @@ void ImageWidget::setImage(const QImage& image) {
     m_image = image;
     m_reduced = {};
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent changed(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&changed);
+    }
+}
+
+QString ImageWidget::description() const {
+    QString text;
+    enter([&] {
+        if (m_describe)
+            text = toQt(m_describe());
+    });
+    return text;
 }
 
 QRect ImageWidget::pictureRect() const {
@@ -63,6 +77,10 @@ public:
         const auto* picture = image ? dynamic_cast<const QtPicture*>(&image->picture()) : nullptr;
         if (shown)
             shown->setImage(picture ? picture->image : QImage());
+    }
+    void setDescriber(std::function<std::u16string()> describe) override {
+        if (auto* shown = as<ImageWidget>())
+            shown->setDescriber(std::move(describe));
     }
 };
 

@@ -19,10 +19,15 @@ public:
     /// Where the picture is drawn; empty without one.
     QRect pictureRect() const;
 
+    void setDescriber(std::function<std::u16string()> describe) { m_describe = std::move(describe); }
+    /// What the picture shows, in words.
+    QString description() const;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    std::function<std::u16string()> m_describe;
     QImage m_image;
     QImage m_reduced; // to the size last drawn, where that is smaller
 };

@@ -69,10 +69,13 @@ public:
         const int mark = markWidth(option.fontMetrics);
         if (item.state() != 0) {
             painter->setFont(option.font);
-            painter->drawText(QRect(option.rect.x(), option.rect.y(), mark, option.rect.height()), Qt::AlignCenter,
-                              QStringLiteral("\u2713"));
+            painter->drawText(QStyle::visualRect(option.direction, option.rect,
+                                                 QRect(option.rect.x(), option.rect.y(), mark, option.rect.height())),
+                              Qt::AlignCenter, QStringLiteral("\u2713"));
         }
-        sampleOf(item, option.font).draw(*painter, option.rect.adjusted(mark, 0, -padding, 0));
+        sampleOf(item, option.font)
+            .draw(*painter,
+                  QStyle::visualRect(option.direction, option.rect, option.rect.adjusted(mark, 0, -padding, 0)));
     }
 
 private:
@@ -163,7 +166,8 @@ void MenuList::place() {
     const int last = static_cast<int>(m_items.size()) - lines;
     const int first = std::clamp(selected - lines / 2, 0, last);
     const auto face = m_button.mapToGlobal(QPoint(0, (m_button.height() - line) / 2));
-    const QPoint wanted(face.x(), face.y() - (selected - first) * line - frameWidth());
+    const int start = m_button.isRightToLeft() ? face.x() + m_button.width() - this->width() : face.x();
+    const QPoint wanted(start, face.y() - (selected - first) * line - frameWidth());
     move(std::clamp(wanted.x(), room.left(), std::max(room.right() + 1 - this->width(), room.left())),
          std::clamp(wanted.y(), room.top(), std::max(room.bottom() + 1 - height(), room.top())));
     m_view->verticalScrollBar()->setMaximum(last);

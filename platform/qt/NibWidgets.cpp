@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NibWidgets.h"
 
+#include "Accessibility.h"
 #include "ButtonGroupKeys.h"
 #include "ButtonPeer.h"
 #include "ColorWellPeer.h"
@@ -24,6 +25,7 @@
 #include <QCheckBox>
 #include <QFile>
 #include <QHeaderView>
+#include <QLocale>
 #include <QPushButton>
 #include <QXmlStreamReader>
 
@@ -89,12 +91,16 @@ void giveReasons(const NSTextField& view, LineEdit& edit, NibText& text) {
                                                    formatter->stringFromNumber(formatter->maximum())})
                                : text.localized(QStringLiteral("Enter a number."));
     const auto length = stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
-                                         {fromQt(QString::number(view.maximumLength()))});
+                                         {fromQt(QLocale().toString(static_cast<qulonglong>(view.maximumLength())))});
     edit.setReasons(toQt(number), toQt(length));
 }
 
 void showField(const std::shared_ptr<NSTextField>& view, LineEdit& edit, NibText& text) {
     view->setFormatter(formatterOf(edit, text));
+    // Numbers stand at the end of the line whichever way their own letters run.
+    if (edit.alignment() & Qt::AlignRight)
+        edit.setAlignment((edit.isLeftToRight() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
+                          Qt::AlignVCenter);
     if (const int limit = edit.maxLength(); limit != std::numeric_limits<int>::max())
         view->setMaximumLength(static_cast<std::size_t>(limit));
     edit.setMaxLength(std::numeric_limits<int>::max());
@@ -112,7 +118,7 @@ void showTokens(const std::shared_ptr<NSTokenField>& view, TokenEdit& edit, NibT
         view->setMaximumLength(static_cast<std::size_t>(limit.toUInt()));
     edit.setTooLongReason(
         toQt(stringWithFormat(text.localized(QStringLiteral("No more than %@ characters fit in here.")),
-                              {fromQt(QString::number(view->maximumLength()))})));
+                              {fromQt(QLocale().toString(static_cast<qulonglong>(view->maximumLength())))})));
     view->setPeer(makeTokenFieldPeer(view, edit));
 }
 
@@ -343,6 +349,7 @@ QWidget* NibWidgetLoader::loadFile(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return nullptr;
+    installAccessibility();
     readCustomClasses(file);
     file.seek(0);
     clearPluginPaths();

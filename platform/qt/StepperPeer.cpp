@@ -11,7 +11,7 @@ namespace platform::qt {
 
 namespace {
 
-/// How much of the spin box lies hidden to the left of the widget.
+/// How much of the spin box lies hidden beside the widget, where the text would be.
 constexpr int hiddenText = 60;
 
 } // namespace
@@ -24,7 +24,7 @@ StepperWidget::StepperWidget(QWidget* parent) : QWidget(parent) {
 QStyleOptionSpinBox StepperWidget::option() const {
     QStyleOptionSpinBox option;
     option.initFrom(this);
-    option.rect = rect().adjusted(-hiddenText, 0, 0, 0);
+    option.rect = isLeftToRight() ? rect().adjusted(-hiddenText, 0, 0, 0) : rect().adjusted(0, 0, hiddenText, 0);
     option.frame = true;
     option.subControls = QStyle::SC_All;
     option.stepEnabled = QAbstractSpinBox::StepUpEnabled | QAbstractSpinBox::StepDownEnabled;
@@ -42,6 +42,7 @@ QSize StepperWidget::sizeHint() const {
                      QLineEdit().sizeHint().height() - 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth));
     const int height = style()->sizeFromContents(QStyle::CT_SpinBox, &box, text, this).height();
     box.rect = QRect(0, 0, 2 * hiddenText, height);
+    box.direction = Qt::LeftToRight;
     const auto up = style()->subControlRect(QStyle::CC_SpinBox, &box, QStyle::SC_SpinBoxUp, this);
     return {box.rect.right() - up.left() + 1, height};
 }
@@ -111,6 +112,7 @@ void StepperWidget::hideEvent(QHideEvent*) {
 }
 
 std::unique_ptr<ViewPeer> makeStepperPeer(const std::shared_ptr<NSStepper>& view, StepperWidget& widget) {
+    widget.setView(view);
     widget.setStepped(
         [weak = std::weak_ptr<NSStepper>(view)](int direction) { tell(weak, &NSStepper::userSteps, direction); });
     return std::make_unique<WidgetPeer>(widget);

@@ -19,6 +19,11 @@ public:
 
     /// Told +1 or -1.
     void setStepped(std::function<void(int)> stepped) { m_stepped = std::move(stepped); }
+    /// The stepper that is shown, for whoever asks about its value.
+    void setView(const std::shared_ptr<NSStepper>& view) { m_view = view; }
+    std::shared_ptr<NSStepper> view() const { return m_view.lock(); }
+    /// As pressing the upper arrow does (1), or the lower one (-1).
+    void step(int direction);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -34,9 +39,9 @@ protected:
 
 private:
     QStyleOptionSpinBox option() const;
-    void step(int direction);
     void release();
 
+    std::weak_ptr<NSStepper> m_view;
     std::function<void(int)> m_stepped;
     QBasicTimer m_repeat;
     int m_held = 0;

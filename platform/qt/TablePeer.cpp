@@ -205,7 +205,7 @@ void TableWidget::rename(const QModelIndex& index) {
     m_editor->setGeometry(visualRect(index));
     m_editor->showText(shown->text());
     m_editor->setField(m_editedField);
-    m_editor->setFinished([this] { closeEditor(); });
+    m_editor->setFinished([this] { removeEditor(); });
     shown->setEditor(m_editor);
     table->setEditedCell(cell);
     m_editor->show();
@@ -218,17 +218,17 @@ bool TableWidget::commitEditing() {
     if (editor && !editor->endEditing(NSTextField::Ending::focusLost))
         return false;
     if (editor == m_editor)
-        closeEditor();
+        removeEditor();
     return true;
 }
 
 void TableWidget::abandonEditing() {
     if (const auto field = m_editedField)
         field->userCancelsEditing();
-    closeEditor();
+    removeEditor();
 }
 
-void TableWidget::closeEditor() {
+void TableWidget::removeEditor() {
     if (!m_editor)
         return;
     auto* closing = m_editor.data();

@@ -53,7 +53,7 @@ private:
     void selectFromAnchor(NSInteger row);
     void renameLater(const QModelIndex& index);
     void renameSelected();
-    void closeEditor();
+    void removeEditor();
     void dragOver(const QDropEvent& event);
     void endDrag();
 

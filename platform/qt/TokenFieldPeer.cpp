@@ -82,6 +82,8 @@ public:
         return changed;
     }
 
+    QString titleOf(const QTextFormat& format) const { return m_tokens.at(format.intProperty(tokenKey)).title; }
+
     QSizeF intrinsicSize(QTextDocument*, int, const QTextFormat& format) override {
         // The document puts the object on the baseline; what is drawn below it has room by the height of lines.
         const auto size = tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
@@ -203,6 +205,21 @@ TokenText TokenEdit::content() const {
     return content;
 }
 
+std::vector<QString> TokenEdit::spokenCharacters() const {
+    std::vector<QString> spoken;
+    for (auto block = document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockNumber() > 0)
+            spoken.push_back(QStringLiteral("\n"));
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const auto fragment = it.fragment();
+            for (const auto character : fragment.text())
+                spoken.push_back(isToken(fragment.charFormat()) ? m_tokens->titleOf(fragment.charFormat())
+                                                                : QString(character));
+        }
+    }
+    return spoken;
+}
+
 void TokenEdit::replaceCharacters(NSRange range, const TokenText& replacement, Undoing undoing) {
     m_ownChange = true;
     QTextCursor cursor(document());
@@ -316,6 +333,8 @@ void TokenEdit::keyPressEvent(QKeyEvent* event) {
         typeLineBreak();
     else if (isReturn)
         endEditing(Ending::returnKey);
+    else if (event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier && !m_button->isHidden())
+        enter([this] { openInsertMenu(); }); // as the list of a pop-up button is opened
     else if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab)
         event->ignore();
     else if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo))
@@ -476,7 +495,8 @@ void TokenEdit::startDrag() {
 
 bool TokenEdit::canInsertFromMimeData(const QMimeData* source) const {
     const auto field = m_field.lock();
-    return field && hasTexts(source) && field->takesDraggedTypes({NSPasteboardTypeString});
+    // A file is for whatever is behind the field; its address is no title.
+    return field && hasTexts(source) && !hasFiles(source) && field->takesDraggedTypes({NSPasteboardTypeString});
 }
 
 void TokenEdit::dropEvent(QDropEvent* event) {
@@ -540,7 +560,9 @@ void TokenEdit::openInsertMenu() {
 
 void TokenEdit::contextMenuEvent(QContextMenuEvent* event) {
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    if (!byKey && !textCursor().hasSelection())
+    const auto pressed = byKey ? std::nullopt : characterAt(event->pos());
+    const auto selected = textCursor();
+    if (!byKey && !(pressed && selected.selectionStart() <= *pressed && *pressed < selected.selectionEnd()))
         setTextCursor(cursorForPosition(event->pos()));
     const auto at = byKey ? viewport()->mapToGlobal(cursorRect().bottomLeft()) : event->globalPos();
     enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at, false); });

@@ -36,6 +36,13 @@ public:
     void showRefusal(Refusal refusal);
     bool isRefused() const { return m_refused; }
 
+    /// What is read out for each character of the document: itself, or the title of the token that it stands for.
+    std::vector<QString> spokenCharacters() const;
+    /// Opens the menu of the button in the field.
+    void openInsertMenu();
+    /// Takes a change to the text that was not made by an event handled here.
+    void tellChange();
+
     bool endEditing(NSTextField::Ending ending) override;
 
 protected:
@@ -62,13 +69,11 @@ private:
 
     /// Gives every line the height of a token.
     void setLineHeight();
-    void tellChange();
     void typeLineBreak();
     /// The position of the character whose place the point is in; none beside the text.
     std::optional<int> characterAt(const QPoint& point) const;
     bool isTokenAt(int position) const;
     void startDrag();
-    void openInsertMenu();
     /// Its left upper corner stands at `place`, or its right one.
     void runMenu(const std::shared_ptr<NSMenu>& menu, QPoint place, bool endsThere);
     void placeButton();

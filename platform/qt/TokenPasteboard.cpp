@@ -5,6 +5,9 @@
 #include "Text.h"
 
 #include <QTextDocumentFragment>
+#include <QUrl>
+
+#include <algorithm>
 
 namespace platform::qt {
 
@@ -41,6 +44,11 @@ std::shared_ptr<NSPasteboard> pasteboardOf(const QMimeData* data) {
 
 bool hasTexts(const QMimeData* data) {
     return data && (data->hasText() || data->hasHtml() || data->hasFormat(itemsFormat));
+}
+
+bool hasFiles(const QMimeData* data) {
+    const auto urls = data ? data->urls() : QList<QUrl>();
+    return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
 }
 
 } // namespace platform::qt

@@ -16,5 +16,7 @@ std::unique_ptr<QMimeData> mimeDataOf(const NSPasteboard& pasteboard, const std:
 std::shared_ptr<NSPasteboard> pasteboardOf(const QMimeData* data);
 
 bool hasTexts(const QMimeData* data);
+/// Whether it carries files of this machine, as a file manager's drags do beside their addresses as text.
+bool hasFiles(const QMimeData* data);
 
 } // namespace platform::qt

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "MainWindow.h"
 
+#include "EmptyHint.h"
 #include "HostBundle.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
@@ -16,6 +17,7 @@
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -23,6 +25,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
+#include <QVBoxLayout>
 
 #include <iostream>
 
@@ -74,6 +77,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     m_session.setOnModelChange([this](const auto& configuration) {
         if (m_order->isVisible())
             m_order->refresh();
+        showHint();
         if (configuration)
             m_titleSettles.start();
         else
@@ -104,8 +108,26 @@ MainWindow::~MainWindow() {
 
 void MainWindow::showPane() {
     m_pane->willShow();
-    setCentralWidget(widgetOf(*m_pane->view()));
+    auto* whole = new QWidget;
+    auto* layout = new QVBoxLayout(whole);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_hint = new EmptyHint([this] { runGuarded([this] { m_pane->perform(u"addConfiguration:"); }); }, whole);
+    layout->addWidget(m_hint);
+    layout->addWidget(widgetOf(*m_pane->view()), 1);
+    showHint();
+    setCentralWidget(whole);
     m_pane->didShow();
+}
+
+void MainWindow::hidePane() {
+    widgetOf(*m_pane->view())->setParent(nullptr); // it belongs to the pane
+    delete takeCentralWidget();
+}
+
+void MainWindow::showHint() {
+    if (m_hint)
+        m_hint->setVisible(count(m_session.model().configurations()) == 0 && m_pane->performs(u"addConfiguration:"));
 }
 
 void MainWindow::refreshPane() {
@@ -209,7 +231,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     if (!m_session.hasUnsaved())
         m_session.saveChanges();
-    takeCentralWidget();
+    hidePane();
     runGuarded([this] { m_pane->didLeave(); });
     // What could not be saved is kept on the screen once; closing again does without.
     const bool stay = m_session.hasUnsaved() && !m_warned;
@@ -270,14 +292,14 @@ void MainWindow::stampDocument() {
                                  10000);
 }
 
-void MainWindow::stampFiles(const QStringList& files) {
+bool MainWindow::stampFiles(const QStringList& files) {
     if (files.isEmpty())
-        return;
+        return false;
     tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
     const auto configuration = m_pane->currentConfiguration();
     if (!isListed(configuration)) {
         QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
-        return;
+        return false;
     }
     std::vector<std::filesystem::path> inputs;
     for (const auto& file : files)
@@ -288,13 +310,37 @@ void MainWindow::stampFiles(const QStringList& files) {
                                 : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
     if (!duplicates &&
         QMessageBox::question(this, windowTitle(),
-                              toQt(stringWithFormat(fromUtf8(text(u"Stamp the original files? %@ files are replaced by "
-                                                                  u"their stamped versions.")
-                                                                 .toStdString()),
-                                                    {fromUtf8(std::to_string(inputs.size()))})),
+                              inputs.size() == 1
+                                  ? text(u"Stamp the original file? It is replaced by its stamped version.")
+                                  : text(u"Stamp the original files? %@ files are replaced by their stamped versions.",
+                                         {written(inputs.size())}),
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
-        return;
+        return false;
     statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
+    return true;
+}
+
+void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& documents) {
+    if (documents.empty())
+        return;
+    QStringList files;
+    for (const auto& document : documents)
+        files.append(fromPath(document));
+    const bool one = files.size() == 1;
+    const auto number = QLocale().toString(static_cast<qlonglong>(files.size()));
+    const auto what = one ? fromPath(documents.front().filename()) : number;
+    const auto title = one ? text(u"Stamp “%@”") : text(u"Stamp %@ Documents");
+    auto* button =
+        new QPushButton(QString(title).replace(QLatin1String("%@"), what).replace(u'&', QLatin1String("&&")));
+    button->setObjectName(QStringLiteral("waitingDocuments"));
+    button->setToolTip(files.join(u'\n'));
+    statusBar()->addPermanentWidget(button);
+    connect(button, &QPushButton::clicked, this, [this, files, button] {
+        runGuarded([&] {
+            if (stampFiles(files))
+                button->deleteLater();
+        });
+    });
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

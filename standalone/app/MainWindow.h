@@ -6,9 +6,12 @@
 #include "Session.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 namespace app {
+
+class EmptyHint;
 
 /// The window that shows the pane, and the program's menus.
 class MainWindow final : public QMainWindow {
@@ -17,6 +20,9 @@ public:
     ~MainWindow() override;
 
     PaneHost& pane() { return *m_pane; }
+
+    /// Shows a button that stamps these documents with the configuration then on show, until that is done.
+    void offerDocuments(const std::vector<std::filesystem::path>& documents);
 
     /// A sentence for people, shown as it stands.
     void warn(const QString& sentence);
@@ -43,10 +49,14 @@ private:
     /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
     void showSomething();
     void stampDocument();
-    /// Beside them or in place, as the configuration says.
-    void stampFiles(const QStringList& files);
+    /// Beside them or in place, as the configuration says. NO where the user wanted something else first.
+    bool stampFiles(const QStringList& files);
     void editSettings();
     void showPane();
+    /// Takes the pane's view out of the window.
+    void hidePane();
+    /// Shows what to do where there is no configuration, and only there.
+    void showHint();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
     void showOrder();
@@ -56,6 +66,7 @@ private:
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
     OrderPalette* m_order;
+    QPointer<EmptyHint> m_hint; // in the window while the pane is
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
     QTimer m_titleSettles;

@@ -54,6 +54,16 @@ void PaneHost::didShow() {
     runGuarded([this] { m_pane->didSelect(); });
 }
 
+bool PaneHost::performs(std::u16string_view action) const {
+    const auto* cls = m_pane->classTable();
+    return cls && cls->action(action);
+}
+
+void PaneHost::perform(std::u16string_view action) {
+    if (performs(action))
+        (*m_pane->classTable()->action(action))(*m_pane, nullptr);
+}
+
 bool PaneHost::commitEditing() {
     const auto window = view()->window();
     return !window || window->makeFirstResponder(nullptr);

@@ -4,13 +4,19 @@
 #include "HostBundle.h"
 #include "MainWindow.h"
 #include "SamplePdf.h"
+#include "SettingsDialog.h"
 
+#include <AppKit/NSAlert.h>
+#include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
 #include <Foundation/NSException.h>
 #include <app/Window.h>
 #include <engine/Stamper.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QPainter>
+#include <QTimer>
 
 #include <algorithm>
 #include <iostream>
@@ -64,7 +70,59 @@ bool grabPages(MainWindow& window, Session& session, const fs::path& folder) {
     window.pane().show(nullptr, model);
     all = grab(window, folder / "pane-empty.png") && all;
     window.pane().show(first, model);
+    tell(editor, &NSTabView::selectTabViewItemWithIdentifier, u"Appearance");
     return all;
+}
+
+/// The window with the preview above its button, as they stand on the screen.
+bool grabPreview(MainWindow& window, const fs::path& file) {
+    window.move(0, 300); // the preview is taller than the window
+    QApplication::processEvents();
+    auto* button = window.findChild<QWidget*>(QStringLiteral("previewBtn"));
+    QTimer::singleShot(0, button, [button] { static_cast<QAbstractButton*>(button)->click(); });
+    NSPopover::setAnimationDuration(0);
+    QApplication::processEvents();
+    auto* preview = QApplication::activePopupWidget();
+    if (!preview)
+        return written(false, file);
+    QApplication::processEvents(); // it has just been given its size
+    const auto picture = window.grab();
+    const auto whole = window.geometry().united(preview->geometry());
+    QPixmap both(whole.size() * picture.devicePixelRatio());
+    both.setDevicePixelRatio(picture.devicePixelRatio());
+    both.fill(Qt::transparent);
+    QPainter painter(&both);
+    painter.drawPixmap(window.geometry().topLeft() - whole.topLeft(), picture);
+    painter.drawPixmap(preview->geometry().topLeft() - whole.topLeft(), preview->grab());
+    painter.end();
+    preview->close();
+    QApplication::processEvents();
+    return written(both.save(QString::fromStdString(file.string())), file);
+}
+
+/// Of the palette of the order and of the settings, which stand beside the window.
+bool grabOthers(MainWindow& window, const fs::path& folder) {
+    auto* order = window.findChild<QWidget*>(QStringLiteral("orderPalette"));
+    order->show();
+    bool all = grab(*order, folder / "order.png");
+    order->hide();
+    SettingsDialog settings(&window);
+    settings.show();
+    all = grab(settings, folder / "settings.png") && all;
+    return all;
+}
+
+/// Of the window before there is anything in it.
+bool grabFirst(MainWindow& window, Session& session, const fs::path& file) {
+    auto& model = session.model();
+    while (count(model.configurations()) > 1)
+        model.deleteConfigurationAtIndex(0);
+    window.pane().show(model.configurations()->front(), model);
+    // The last one goes as a user deletes it.
+    NSAlert::setAnswerer([](const NSAlert&) { return NSAlertFirstButtonReturn; });
+    window.pane().perform(u"deleteConfiguration:");
+    NSAlert::setAnswerer({});
+    return grab(window, file);
 }
 
 bool stamp(const fs::path& input, const fs::path& output, Session& session) {
@@ -84,6 +142,26 @@ bool stamp(const fs::path& input, const fs::path& output, Session& session) {
 
 } // namespace
 
+void chooseLook(const std::string& look) {
+    const auto choose = [](QPalette palette, QRgb text, QRgb base, QRgb highlight, QRgb highlightedText,
+                           QRgb disabled) {
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+            palette.setColor(role, QColor(text));
+            palette.setColor(QPalette::Disabled, role, QColor(disabled));
+        }
+        palette.setColor(QPalette::Base, QColor(base));
+        palette.setColor(QPalette::ToolTipBase, QColor(base));
+        palette.setColor(QPalette::Highlight, QColor(highlight));
+        palette.setColor(QPalette::HighlightedText, QColor(highlightedText));
+        palette.setColor(QPalette::PlaceholderText, QColor(disabled));
+        QApplication::setPalette(palette);
+    };
+    if (look == "dark")
+        choose(QPalette(QColor(0x3A3A3CU), QColor(0x2C2C2EU)), 0xE8E8E8, 0x1E1E20, 0x3D8EC9, 0xFFFFFF, 0x808084);
+    else if (look == "contrast")
+        choose(QPalette(QColor(0x484848U), QColor(0x2C2C2CU)), 0xFFFFFF, 0x000000, 0xFFE000, 0x000000, 0xA0A0A0);
+}
+
 fs::path samplePage() {
     return bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg";
 }
@@ -98,6 +176,8 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     window.show();
     window.afterFirstPaint();
     bool all = grabPages(window, session, folder);
+    all = grabPreview(window, folder / "window-preview.png") && all;
+    all = grabOthers(window, folder) && all;
 
     const auto sample = samplePage();
     const auto plain = folder / "sample.pdf";
@@ -109,7 +189,8 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
         return false;
     }
     all = stamp(sample, folder / "sample-stamped.jpg", session) && all;
-    return stamp(plain, folder / "sample-stamped.pdf", session) && all;
+    all = stamp(plain, folder / "sample-stamped.pdf", session) && all;
+    return grabFirst(window, session, folder / "window-first.png") && all; // nothing here is stored
 }
 
 } // namespace app

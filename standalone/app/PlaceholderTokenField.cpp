@@ -6,8 +6,10 @@
 #include <AppKit/NSImage.h>
 #include <AppKit/NSTokenFieldCell.h>
 #include <Foundation/NSString.h>
+#include <host/ImprinterFont.h>
 
 #include <array>
+#include <set>
 
 using namespace platform;
 
@@ -126,6 +128,23 @@ std::shared_ptr<NSMenu> PlaceholderTokenField::contextMenu() {
     menu->addItemWithTitleActionKeyEquivalent(localized(u"Insert"), {}, {})->setSubmenu(offered);
     complete(menu, offered);
     return menu;
+}
+
+void PlaceholderTokenField::userUndid(const TokenText& text) {
+    host::PlaceholderTokenField::userUndid(text);
+    std::vector<std::shared_ptr<host::ImprinterFont>> runs;
+    std::set<host::NSUInteger> numbers;
+    for (const auto& piece : text.pieces())
+        if (const auto* object = std::get_if<std::shared_ptr<NSObject>>(&piece.object))
+            if (auto run = std::dynamic_pointer_cast<host::ImprinterFont>(*object)) {
+                numbers.insert(run->fontNumber());
+                runs.push_back(std::move(run));
+            }
+    if (numbers.size() == runs.size())
+        return;
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        runs[i]->setFontNumber(i);
+    refreshTokenTitles();
 }
 
 } // namespace app

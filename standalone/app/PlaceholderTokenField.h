@@ -29,6 +29,9 @@ public:
     /// Editing commands, and the insert menu as a submenu.
     std::shared_ptr<platform::NSMenu> contextMenu() override;
 
+    /// Beyond what every field does: of font runs that share a number since one of them came back, each gets its own.
+    void userUndid(const platform::TokenText& text) override;
+
 private:
     std::shared_ptr<platform::NSMenu> placeholderMenu() const;
     void complete(const std::shared_ptr<platform::NSMenu>& menu,

@@ -31,6 +31,7 @@ SettingsDialog::SettingsDialog(QWidget* parent) : QDialog(parent), m_duplicate(n
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
+    layout->setSizeConstraint(QLayout::SetFixedSize); // a smaller one would cut the explanation
     layout->addWidget(m_duplicate);
     layout->addWidget(explanation);
     layout->addStretch();

@@ -3,7 +3,6 @@
 
 #include "HostBundle.h"
 
-#include <Foundation/NSString.h>
 #include <engine/Naming.h>
 
 #include <QApplication>
@@ -83,16 +82,13 @@ StampSummary stampDocument(QWidget* parent, const fs::path& input, const fs::pat
 }
 
 QString tellSummary(QWidget* parent, const StampSummary& summary) {
-    const auto number = [](std::size_t count) { return platform::fromUtf8(std::to_string(count)); };
     const auto all = summary.done.size() + summary.failed.size();
     if (summary.failed.empty()) {
         if (summary.cancelled)
             return text(u"Cancelled.");
         if (all == 1)
             return text(u"Stamped:") + u' ' + QString::fromStdString(summary.done.front().path.string());
-        return all == 0 ? QString()
-                        : toQt(platform::stringWithFormat(
-                              platform::fromUtf8(text(u"%@ documents stamped.").toStdString()), {number(all)}));
+        return all == 0 ? QString() : text(u"%@ documents stamped.", {written(all)});
     }
     QStringList reasons;
     for (const auto& outcome : summary.failed) {
@@ -104,9 +100,9 @@ QString tellSummary(QWidget* parent, const StampSummary& summary) {
     }
     QMessageBox box(QMessageBox::Warning, parent->window()->windowTitle(), {}, QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
-    box.setText(toQt(
-        platform::stringWithFormat(platform::fromUtf8(text(u"%@ of %@ documents could not be stamped.").toStdString()),
-                                   {number(summary.failed.size()), number(all)})));
+    box.setText(
+        all == 1 ? text(u"The document could not be stamped.")
+                 : text(u"%@ of %@ documents could not be stamped.", {written(summary.failed.size()), written(all)}));
     box.setInformativeText(reasons.join(u'\n'));
     box.exec();
     return {};

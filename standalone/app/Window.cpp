@@ -2,6 +2,7 @@
 #include <app/Window.h>
 
 #include "HostBundle.h"
+#include "Language.h"
 #include "MainWindow.h"
 #include "Pictures.h"
 #include "Signals.h"
@@ -10,8 +11,6 @@
 #include <Foundation/NSUserDefaults.h>
 
 #include <QApplication>
-#include <QLibraryInfo>
-#include <QTranslator>
 
 #include <iostream>
 #include <map>
@@ -32,7 +31,7 @@ std::unique_ptr<MainWindow> openWindow(Session& session) {
 
 /// What the toolkit says about running without a display concerns nobody.
 void dropOffscreenNoise(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtDebugMsg || message.contains(QLatin1String("propagateSizeHints")) ||
+    if (type == QtDebugMsg || message.contains(QLatin1String("This plugin does not support")) ||
         message.contains(QLatin1String("XDG_RUNTIME_DIR")))
         return;
     std::cerr << message.toStdString() << '\n';
@@ -42,10 +41,7 @@ void prepare(QApplication& application) {
     QApplication::setApplicationName(QStringLiteral("imprinter"));
     QApplication::setApplicationDisplayName(QStringLiteral("Imprinter"));
     QGuiApplication::setDesktopFileName(QStringLiteral("imprinter"));
-    auto* translator = new QTranslator(&application);
-    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(translator);
+    followLanguage(application);
 }
 
 /// Settings as they are at first, which nobody keeps.
@@ -64,7 +60,8 @@ private:
 
 } // namespace
 
-int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
+int runWindow(int& argc, char** argv, const std::filesystem::path& store,
+              const std::vector<std::filesystem::path>& documents) {
     // A display that is named but not there would abort the toolkit; offscreen is what it then falls back to.
     const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
     if (!chosen)
@@ -79,6 +76,7 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store) {
     if (!window)
         return 1;
     closeOnSignals(*window);
+    window->offerDocuments(documents);
     window->show();
     for (const auto& message : session.messages())
         window->warn(toQt(message.sentence));
@@ -91,6 +89,7 @@ int drawPictures(int& argc, char** argv, const std::filesystem::path& store, con
     qInstallMessageHandler(dropOffscreenNoise);
     QApplication application(argc, argv);
     prepare(application);
+    chooseLook(qEnvironmentVariable("IMPRINTER_LOOK").toStdString());
     platform::NSUserDefaults::setStandardUserDefaults(std::make_shared<PassingDefaults>());
     Session session(store);
     for (const auto& message : session.messages())

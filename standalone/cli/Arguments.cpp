@@ -2,6 +2,7 @@
 #include "Arguments.h"
 
 #include "Commands.h"
+#include "TitleOptions.h"
 
 #include <Foundation/NSString.h>
 #include <store/Store.h>
@@ -54,7 +55,9 @@ std::vector<std::string> Arguments::values(const std::string& option) const {
 }
 
 bool takesValue(const std::string& option) {
-    return contains({"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs"}, option);
+    return contains({"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs"},
+                    option) ||
+           contains(titleOptions(), option);
 }
 
 std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments,

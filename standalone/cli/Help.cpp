@@ -7,10 +7,13 @@ const char* const helpText =
     R"(Imprinter stamps titles such as page numbers and "Received" onto PDF documents and pictures.
 
     imprinter                                      open the window
+    imprinter open FILE...                         open the window with files that wait to be stamped
     imprinter list                                 list the configurations
     imprinter show NAME...                         print configurations
     imprinter stamp --configuration NAME... [--output PATH | --in-place] FILE...
                                                    stamp files; PATH is a file for one, a folder for several
+    imprinter stamp --title TEXT [LOOKS] [--output PATH | --in-place] FILE...
+                                                   stamp a title that is told here
     imprinter unstamp [--configuration NAME...] [--output PATH | --in-place] FILE...
                                                    remove stamps from PDF documents, all or those named
     imprinter preview --configuration NAME --output PICTURE [SAMPLE]
@@ -21,6 +24,18 @@ const char* const helpText =
 
     --store FILE           before any command: use the configurations in FILE
     --configuration NAME   a name or an identifier; given several times, the stamps are put on in that order
+    --title TEXT           what to stamp, with or without configurations; %pageNumber%, %recordPageCount%, %date%,
+                           %time%, %recordName%, %user% and %runningNumber% stand for what they say
+      --font NAME          its font's PostScript name; DejaVuSans-Bold at first
+      --size POINTS        14 at first
+      --color COLOUR       a name, #rgb, #rrggbb or #rrggbbaa; black at first
+      --border STYLE       none, rectangle, rounded, oval, double, dashed, underline or corners
+      --border-color COLOUR, --thickness POINTS
+                           the text's colour and 1.5 at first
+      --fill COLOUR        a ground
+      --position PLACE     top-left, top, top-right, left, center, right, bottom-left, bottom or bottom-right
+      --offset X,Y         from there, in points to the right and up
+      --rotate DEGREES     counter-clockwise
     --output PATH          where to; "-" is the standard output
     --in-place             replace the files themselves
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
@@ -32,6 +47,8 @@ const char* const helpText =
     --allow-signed         stamp signed documents too; what was signed stays valid. Certified ones are never stamped
     --incremental          add to the documents, or fail where that is impossible
     --rewrite              write the documents anew. Without either, what suits each is chosen
+    --dry-run              write nothing, and say what would come of it: what cannot be stamped and why, characters that the
+                           font lacks, stamps that do not fit on their page
     --jobs N               work on N files at once
     --json                 print a line of JSON for each file
     --help, also after a command; --version
@@ -39,6 +56,7 @@ const char* const helpText =
 FILE may be "-", the standard input, whose result goes to the standard output unless --output says otherwise.
 
 Examples:
+    imprinter stamp --title "RECEIVED page %pageNumber% of %recordPageCount%" --color red --border rectangle letter.pdf
     imprinter stamp --configuration Received --output letter-received.pdf letter.pdf
     imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
     imprinter stamp --configuration Received --in-place --replace --jobs 4 inbox/*.pdf

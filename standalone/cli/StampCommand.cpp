@@ -4,6 +4,7 @@
 #include "Arguments.h"
 #include "Commands.h"
 #include "Progress.h"
+#include "TitleOptions.h"
 
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
@@ -256,6 +257,11 @@ public:
                 m_job.configurations.push_back(std::move(found));
             }
         }
+        std::string wrongLooks;
+        if (auto described = configurationFromOptions(m_arguments, wrongLooks))
+            m_job.configurations.push_back(std::move(described));
+        if (!wrongLooks.empty())
+            return complain(usage, wrongLooks);
         if (const int status = readPassword(); status != done)
             return status;
         if (const auto problem = findFiles(); !problem.empty())
@@ -264,7 +270,7 @@ public:
             return status;
         if (const auto collision = collisionIn(m_files); !collision.empty())
             return complain(usage, collision);
-        if (m_intoFolder) {
+        if (m_intoFolder && !m_job.dryRun) {
             const fs::path folder = m_arguments.value("--output");
             std::error_code error;
             fs::create_directories(folder, error);
@@ -282,8 +288,9 @@ private:
     /// A sentence about what is wrong with the options; empty where nothing is.
     std::string findJob() {
         const auto& a = m_arguments;
-        if (m_task == Task::stamp && !a.has("--configuration"))
-            return "which configuration? Name one with --configuration; `imprinter list` shows them";
+        if (m_task == Task::stamp && !a.has("--configuration") && !a.has("--title"))
+            return "which configuration? Name one with --configuration, `imprinter list` shows them, or say what is to "
+                   "be stamped with --title";
         if (a.files.empty())
             return m_task == Task::stamp ? "which file is to be stamped?" : "which file is to be freed from stamps?";
         if (a.has("--output") && a.value("--output").empty())
@@ -306,6 +313,7 @@ private:
                                               : engine::Saving::automatic;
         m_job.allowSigned = a.has("--allow-signed");
         m_job.replace = a.has("--replace");
+        m_job.dryRun = a.has("--dry-run");
         if (a.has("--pages")) {
             m_job.pages = engine::readPageRanges(a.value("--pages"));
             if (!m_job.pages)
@@ -439,7 +447,7 @@ private:
             return !isInterrupted;
         };
         auto outcome = m_task == Task::stamp ? engine::stampFile(job) : engine::unstampFile(job);
-        if (outcome && m_toStdout && !copyFile(file.output, STDOUT_FILENO, false)) {
+        if (outcome && m_toStdout && !m_job.dryRun && !copyFile(file.output, STDOUT_FILENO, false)) {
             outcome.code = engine::Code::cannotWrite;
             outcome.sentence = "The output cannot be written.";
             outcome.path = file.output;
@@ -473,7 +481,9 @@ private:
         }
         for (const auto& warning : outcome.warnings)
             complain(0, file.name + ": " + warning);
-        if (file.announced)
+        if (m_job.dryRun)
+            std::cout << file.name + ": " + outcome.sentence + '\n' << std::flush;
+        else if (file.announced)
             std::cout << file.resultName + '\n' << std::flush;
     }
 
@@ -515,16 +525,20 @@ private:
 
 int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
+    std::vector<std::string> withValue{"--configuration", "--output",       "--pages",
+                                       "--password-file", "--first-number", "--jobs"};
+    withValue.insert(withValue.end(), titleOptions().begin(), titleOptions().end());
     auto sorted = sortArguments(
-        arguments, {"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs"},
-        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite"}, problem);
+        arguments, withValue,
+        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
     return sorted ? Run(Task::stamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 
 int unstamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
-    auto sorted = sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
-                                {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite"}, problem);
+    auto sorted =
+        sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
+                      {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
     return sorted ? Run(Task::unstamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 

@@ -4,7 +4,7 @@
 
 _imprinter() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} at=1 command
-    local commands='list show stamp unstamp preview export import pictures'
+    local commands='open list show stamp unstamp preview export import pictures'
     local store=()
     COMPREPLY=()
     if [[ ${COMP_WORDS[1]} == --store ]]; then
@@ -20,7 +20,17 @@ _imprinter() {
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return ;;
-        --pages | --first-number | --jobs) return ;;
+        --border)
+            mapfile -t COMPREPLY < <(compgen -W 'none rectangle rounded oval double dashed underline corners' -- "$word")
+            return ;;
+        --position)
+            mapfile -t COMPREPLY < <(compgen -W 'top-left top top-right left center right bottom-left bottom
+                bottom-right' -- "$word")
+            return ;;
+        --color | --border-color | --fill)
+            mapfile -t COMPREPLY < <(compgen -W 'black blue gray green orange purple red white yellow' -- "$word")
+            return ;;
+        --pages | --first-number | --jobs | --title | --font | --size | --thickness | --offset | --rotate) return ;;
     esac
     if [[ $COMP_CWORD -gt $at && $word != -* && ($command == show || $command == export) ]]; then
         names=true
@@ -39,10 +49,11 @@ _imprinter() {
     if [[ $word == -* ]]; then
         local options='--help'
         case $command in
-            stamp) options+=' --configuration --output --in-place --pages --first-number --replace --password-file
-                --allow-signed --incremental --rewrite --jobs --json' ;;
+            stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
+                --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
+                --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
             unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
-                --rewrite --jobs --json' ;;
+                --rewrite --dry-run --jobs --json' ;;
             preview) options+=' --configuration --output' ;;
             export) options+=' --output' ;;
             import) options+=' --replace' ;;

@@ -20,6 +20,16 @@ void keepMemory() {
     mallopt(M_MXFAST, 0);
 }
 
+/// Answers the exit status.
+int openWindow(int& argc, char** argv, const std::filesystem::path& store,
+               const std::vector<std::filesystem::path>& documents) {
+    const int status = cli::hasDisplay() ? app::runWindow(argc, argv, store, documents) : app::noDisplay;
+    if (status == app::noDisplay)
+        std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works without "
+                     "one\n";
+    return status;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -34,17 +44,12 @@ int main(int argc, char** argv) {
         arguments.erase(arguments.begin(), arguments.begin() + 2);
     }
     try {
-        if (arguments.empty()) {
-            const int status = cli::hasDisplay() ? app::runWindow(argc, argv, store) : app::noDisplay;
-            if (status == app::noDisplay)
-                std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works "
-                             "without one\n";
-            return status;
-        }
+        if (arguments.empty())
+            return openWindow(argc, argv, store, {});
         const auto command = arguments.front();
         arguments.erase(arguments.begin());
         const auto work = cli::commandCalled(command);
-        if (work || command == "pictures") {
+        if (work || command == "pictures" || command == "open") {
             if (cli::askForHelp(arguments)) {
                 std::cout << cli::helpText;
                 return cli::done;
@@ -59,6 +64,12 @@ int main(int argc, char** argv) {
             keepMemory();
             return work(store, arguments);
         }
+        if (command == "open" && !arguments.empty() && arguments.front().starts_with("-")) {
+            std::cerr << "imprinter: `open` takes files, and no option " << arguments.front() << '\n';
+            return cli::usage;
+        }
+        if (command == "open")
+            return openWindow(argc, argv, store, {arguments.begin(), arguments.end()});
         if (command == "pictures") {
             if (arguments.size() != 1) {
                 std::cerr << "imprinter: `pictures` takes the folder to leave them in\n";

@@ -18,6 +18,7 @@ void judge(std::string& text, PageContent& content) {
     content.openStates = balance.openStates;
     content.openMarks = balance.openMarks;
     content.openText = balance.openText;
+    content.closing = balance.closing;
     content.text.reset();
     if (balance.surplusRestores.empty())
         return;
@@ -37,7 +38,7 @@ std::string decodedStream(QPDFObjectHandle stream, Flate& flate) {
         if (flate.inflate({reinterpret_cast<const char*>(raw->getBuffer()), raw->getSize()}, plain))
             return plain;
     }
-    const auto data = stream.getStreamData(qpdf_dl_generalized);
+    const auto data = stream.getStreamData(qpdf_dl_specialized);
     return {reinterpret_cast<const char*>(data->getBuffer()), data->getSize()};
 }
 

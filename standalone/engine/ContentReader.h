@@ -21,6 +21,7 @@ struct PageContent {
     std::size_t openStates = 0;
     std::size_t openMarks = 0;
     bool openText = false;
+    std::string closing; ///< See `ContentBalance`.
     /// In place of the streams: content without the restores that nothing was saved for, or without stamps it had.
     std::optional<std::string> text;
 

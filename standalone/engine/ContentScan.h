@@ -14,6 +14,7 @@ struct ContentBalance {
     std::vector<std::size_t> surplusRestores; ///< Offsets of each `Q` without `q`.
     bool openText = false;                    ///< `BT` without `ET`
     std::size_t openMarks = 0;                ///< `BMC` or `BDC` without `EMC`
+    std::string closing; ///< What closes strings, arrays, dictionaries and an image that the end lies in, a line each.
 };
 
 /// Counts the operators of a decoded content stream. Strings, comments and the data of inline images are passed over.

@@ -262,6 +262,10 @@ private:
                 if (other) {
                     face = other.get();
                     m_held[face] = other;
+                    if (m_report.namesFallbacks)
+                        m_report.sentences.insert("The font \"" + own->postScriptName() + "\" lacks the character " +
+                                                  named(codes) + "; it is taken from \"" + other->postScriptName() +
+                                                  "\".");
                 } else {
                     m_report.sentences.insert("No font on this machine has the character " + named(codes) + ".");
                 }

@@ -75,8 +75,10 @@ OutputFile::OutputFile(const std::filesystem::path& target, mode_t inputMode) {
     m_target = std::filesystem::canonical(target, none);
     if (none)
         m_target = target;
-    if (std::filesystem::is_directory(m_target, none))
-        throw std::system_error(EISDIR, std::generic_category());
+    // A device, a pipe or a socket would give way to a file.
+    if (std::filesystem::exists(m_target, none) && !std::filesystem::is_regular_file(m_target, none))
+        throw std::system_error(std::filesystem::is_directory(m_target, none) ? EISDIR : ENOTSUP,
+                                std::generic_category());
     m_descriptor = files::calls().open(folder().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
         auto name = pattern();

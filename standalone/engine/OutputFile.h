@@ -15,7 +15,7 @@ namespace engine {
 /// files without a name, not even when the program is killed. Errors are std::system_error.
 class OutputFile {
 public:
-    /// `target` may be a symbolic link, whose file is then replaced.
+    /// `target` may be a symbolic link, whose file is then replaced. What is there and no regular file is refused.
     ///
     /// What replaces a file gets its permissions, its owner and group as far as this user may give them, its access
     /// list and its extended attributes. A new file can be read by nobody who could not read the one it is made from,

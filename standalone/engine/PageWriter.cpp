@@ -11,7 +11,7 @@ namespace {
 
 /// What makes up for all that a page's content leaves open.
 std::string closingOf(const PageContent& content) {
-    std::string closing = "\n";
+    std::string closing = '\n' + content.closing;
     if (content.openText)
         closing += "ET\n";
     for (std::size_t i = 0; i < content.openMarks; ++i)

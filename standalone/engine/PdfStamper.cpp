@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PdfStamper.h"
 
+#include "FitCheck.h"
 #include "MappedFile.h"
 #include "OutputFile.h"
 #include "PageTree.h"
@@ -123,9 +124,9 @@ std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
 /// A press at work on a thread of its own, which ends with this object.
 class PressRun {
 public:
-    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, std::size_t pageCount,
-             bool aside)
-        : m_pageCount(pageCount), m_press(plans, facts, faces),
+    PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, const StampJob& job,
+             std::size_t pageCount, bool aside)
+        : m_pageCount(pageCount), m_press(plans, facts, faces, job.dryRun),
           m_done(std::async(aside ? std::launch::async : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {
     }
     ~PressRun() {
@@ -176,14 +177,14 @@ public:
         const bool aside = m_job.threads > 1;
         std::optional<PressRun> press;
         if (const auto stated = statedPageCount(m_document, bytes); stated > 0 && m_task == Task::stamp)
-            press.emplace(plans, m_facts, faces, stated, aside);
+            press.emplace(plans, m_facts, faces, m_job, stated, aside);
 
         const auto& pages = m_document.getAllPages();
         if (pages.empty())
             throw Failure(Code::damaged, "The document has no pages.");
         if (m_task == Task::stamp && (!press || press->pageCount() != pages.size())) {
             press.reset();
-            press.emplace(plans, m_facts, faces, pages.size(), aside);
+            press.emplace(plans, m_facts, faces, m_job, pages.size(), aside);
         }
 
         const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();
@@ -233,6 +234,14 @@ public:
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }
 
+        if (m_job.dryRun) {
+            mayUpdate(); // refuses what could only be written in a way that was not allowed
+            if (stamps)
+                checkFit(*stamps, plans, sources);
+            tellOfDamage();
+            return changed;
+        }
+
         const auto write = [&](PdfObjects& objects, double last) {
             m_file.release();
             {
@@ -257,12 +266,29 @@ public:
             update(write);
         else
             rewrite(write);
-        if (m_document.anyWarnings())
-            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+        tellOfDamage();
         return changed;
     }
 
 private:
+    void tellOfDamage() {
+        if (m_document.anyWarnings())
+            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+    }
+
+    void checkFit(StampPress& stamps, const std::vector<StampPlan>& plans,
+                  const std::vector<PageWriter::Page>& sources) {
+        FitCheck fit;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            for (const auto& bearing : stamps.pages()[i]) {
+                const auto& plan = plans[bearing.plan];
+                const auto& form = stamps.forms()[bearing.form];
+                const auto page = shownSize(sources[i].geometry);
+                fit.look(i + 1, form.ink, placeStamp(form.size, page, plan.anchor, plan.offset, plan.degrees), page);
+            }
+        fit.tell(m_report);
+    }
+
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
         const bool isSigned = signaturesOf(m_document.getRoot()).present;

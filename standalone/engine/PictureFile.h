@@ -52,8 +52,9 @@ int exifOrientation(std::string_view tiff);
 std::pair<double, double> exifResolution(std::string_view tiff);
 
 /// The file's bytes with the stamps painted in. A picture keeps its depth, resolution, profile, orientation and texts,
-/// and its colour model where that can show the stamps' colours. Throws `Failure`.
-std::string stampPng(std::string_view file, const PartsFor& partsFor);
+/// and its colour model where that can show the stamps' colours; `report` says where a profile stands in the way of
+/// that. Throws `Failure`.
+std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& report);
 
 /// The same for JPEG, without encoding anew what no stamp touches: only the coefficients of the touched units (8 by 8
 /// pixels times the file's largest sampling factors) are replaced. With subsampled colour a pixel beside such a unit

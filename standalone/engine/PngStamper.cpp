@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "DecodedPicture.h"
+#include "Flate.h"
 #include "PictureFile.h"
 #include "RasterPainter.h"
 
@@ -9,6 +10,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 namespace engine {
@@ -106,16 +108,75 @@ QImage withPalette(const QImage& image) {
     return result;
 }
 
-QImage decode(std::string_view file) {
+constexpr std::string_view kSignature = "\x89PNG\r\n\x1a\n";
+
+/// The one tone or colour that is clear wherever it occurs, in 16 bits a channel; none where there is no such.
+std::optional<QRgba64> clearColour(const std::vector<Chunk>& chunks) {
+    const int bits = chunks.front().data[8];
+    const int colourType = chunks.front().data[9];
+    const bool isGrey = colourType == 0;
+    if ((!isGrey && colourType != 2) || bits < 1 || bits > 16)
+        return std::nullopt;
+    for (const auto& chunk : chunks)
+        if (chunk.type == "tRNS" && chunk.data.size() == (isGrey ? 2 : 6)) {
+            const auto channel = [&](std::size_t i) {
+                const auto value = bigEndian(std::string(2, '\0').append(chunk.data.substr(isGrey ? 0 : 2 * i, 2)), 0);
+                return static_cast<quint16>(value * 65535 / ((1U << bits) - 1));
+            };
+            return qRgba64(channel(0), channel(1), channel(2), 65535);
+        }
+    return std::nullopt;
+}
+
+QImage decode(const std::vector<Chunk>& chunks) {
+    // 1. Nothing but pixels is left to the reader: it would speak up about profiles, and where one colour is clear it
+    //    mixes up channels of 16 bits and blackens tones.
+    const auto clear = clearColour(chunks);
+    QByteArray bytes(kSignature.data(), static_cast<qsizetype>(kSignature.size()));
+    for (const auto& chunk : chunks)
+        if (chunk.type == "IHDR" || chunk.type == "PLTE" || chunk.type == "IDAT" || chunk.type == "IEND" ||
+            (chunk.type == "tRNS" && !clear))
+            bytes.append(chunk.whole.data(), static_cast<qsizetype>(chunk.whole.size()));
     // The limit of our own is the one that counts; the reader's would refuse pictures well below it.
     QImageReader::setAllocationLimit(1024);
-    QByteArray bytes = QByteArray::fromRawData(file.data(), static_cast<qsizetype>(file.size()));
     QBuffer source(&bytes);
     source.open(QIODevice::ReadOnly);
     QImage image = QImageReader(&source, "png").read();
     if (image.isNull())
         throw Failure(Code::damaged, "The picture is damaged.");
+    if (!clear)
+        return image;
+
+    // 2. What is clear keeps its colour.
+    const bool deep = image.format() == QImage::Format_Grayscale16 || image.depth() == 64;
+    image.convertTo(deep ? QImage::Format_RGBA64 : QImage::Format_ARGB32);
+    const QRgb shallow = clear->toArgb32();
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (deep) {
+                auto& pixel = reinterpret_cast<QRgba64*>(image.scanLine(y))[x];
+                if (pixel == *clear)
+                    pixel.setAlpha(0);
+            } else {
+                auto& pixel = reinterpret_cast<QRgb*>(image.scanLine(y))[x];
+                if (pixel == shallow)
+                    pixel &= 0xFFFFFF;
+            }
     return image;
+}
+
+/// What a profile says its colours are made of: "GRAY", "RGB " and the like; empty where there is none that can be
+/// read.
+std::string profileSpace(const std::vector<Chunk>& chunks) {
+    for (const auto& chunk : chunks) {
+        const auto name = chunk.type == "iCCP" ? chunk.data.find('\0') : std::string_view::npos;
+        if (name == std::string_view::npos || chunk.data.size() < name + 2)
+            continue;
+        std::string profile;
+        if (Flate().inflate(chunk.data.substr(name + 2), profile) && profile.size() >= 20)
+            return profile.substr(16, 4);
+    }
+    return {};
 }
 
 /// What may be copied although pixels and colour type changed.
@@ -133,26 +194,34 @@ bool staysTrue(std::string_view type, bool sameColourType) {
 DecodedPicture decodePng(std::string_view file) {
     const auto chunks = chunksOf(file);
     const auto geometry = geometryOf(chunks);
-    const QImage decoded = decode(file);
+    const QImage decoded = decode(chunks);
     QImage image(decoded.size(), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter(&image).drawImage(0, 0, decoded);
     return {image, geometry};
 }
 
-std::string stampPng(std::string_view file, const PartsFor& partsFor) {
+std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& report) {
     const auto chunks = chunksOf(file);
     const auto geometry = geometryOf(chunks);
     if (chunks.back().type != "IEND")
         throw Failure(Code::damaged, "The picture breaks off before its end.");
-    QImage image = decode(file);
+    QImage image = decode(chunks);
 
     const auto parts = partsFor(geometry);
-    const bool paletted = image.format() == QImage::Format_Mono || image.format() == QImage::Format_MonoLSB ||
-                          image.format() == QImage::Format_Indexed8;
+    const int colourType = chunks.front().data[9];
+    const bool paletted = colourType == 3 || (colourType == 0 && (chunks.front().data[8] < 8 || (image.depth() == 32)));
     const bool grey = std::all_of(parts.begin(), parts.end(), [](const auto& part) { return isGrey(*part.stamp); });
     const bool deep = image.format() == QImage::Format_Grayscale16 || image.depth() == 64;
-    if (deep) {
+    // A profile of greys means nothing to colours. So the picture stays grey, and its other pixels look as before.
+    const auto profile = profileSpace(chunks);
+    const bool staysGrey = profile == "GRAY" && !image.hasAlphaChannel();
+    if (staysGrey) {
+        if (!grey)
+            report.sentences.insert("The picture has a colour profile of greys; the stamp was painted in greys.");
+        if (!deep)
+            image.convertTo(QImage::Format_Grayscale8);
+    } else if (deep) {
         if (image.format() != QImage::Format_Grayscale16 || !grey)
             image.convertTo(image.hasAlphaChannel() ? QImage::Format_RGBA64 : QImage::Format_RGBX64);
     } else if (image.format() != QImage::Format_Grayscale8 || !grey) {
@@ -163,8 +232,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor) {
     for (const auto& part : parts)
         blend(paintStamp(*part.stamp, part.shownFromStamp.then(pixels), image.size(), deep), image);
 
-    if (paletted) {
-        if (!image.hasAlphaChannel() && isGrey(image))
+    if (paletted && !staysGrey) {
+        if (profile.empty() && !image.hasAlphaChannel() && isGrey(image))
             image.convertTo(QImage::Format_Grayscale8);
         else if (const auto smaller = withPalette(image); !smaller.isNull())
             image = smaller;
@@ -179,8 +248,11 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor) {
     // Everything about the picture but its pixels is taken over as it stands.
     const std::string_view fresh(encoded.constData(), static_cast<std::size_t>(encoded.size()));
     const auto freshChunks = chunksOf(fresh);
+    const bool losesProfile = profile == "GRAY" && !staysGrey;
+    if (losesProfile)
+        report.sentences.insert("The picture's colour profile is for greys only and was left out.");
     const bool sameColourType = freshChunks.front().data.substr(8, 2) == chunks.front().data.substr(8, 2);
-    std::string result(file.substr(0, 8));
+    std::string result(kSignature);
     const auto addFresh = [&](std::string_view type) {
         for (const auto& chunk : freshChunks)
             if (chunk.type == type)
@@ -201,7 +273,7 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor) {
         if (chunk.type == "IDAT" && !pixelsPlaced) {
             addFresh("IDAT");
             pixelsPlaced = true;
-        } else if (staysTrue(chunk.type, sameColourType)) {
+        } else if (staysTrue(chunk.type, sameColourType) && !(losesProfile && chunk.type == "iCCP")) {
             result += chunk.whole;
         }
     }

@@ -29,8 +29,8 @@ public:
     };
 
     /// The arguments have to outlive this object.
-    StampPress(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces)
-        : m_plans(plans), m_facts(facts), m_faces(faces), m_painter(m_fonts) {}
+    StampPress(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, bool namesFallbacks)
+        : m_plans(plans), m_facts(facts), m_faces(faces), m_painter(m_fonts), m_report{{}, namesFallbacks} {}
 
     /// Makes the stamps of all pages. Ends early, its results of no use, once `stop` is called from another thread.
     void run(std::size_t pageCount);

@@ -40,7 +40,8 @@ bool onlyCloses(std::string_view text) {
         while (end < text.size() && !isSpace(text[end]))
             ++end;
         const auto token = text.substr(at, end - at);
-        if (token != "Q" && token != "ET" && token != "EMC")
+        static const std::string_view closers[] = {"Q", "ET", "EMC", ")", ">", "]", ">>", "EI"};
+        if (std::find(std::begin(closers), std::end(closers), token) == std::end(closers))
             return false;
         at = end;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <engine/Stamper.h>
 
+#include "FitCheck.h"
 #include "OutputFile.h"
 #include "PdfStamper.h"
 #include "PictureFile.h"
@@ -46,6 +47,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     FaceLibrary faces(job.defaultFont);
     const auto plans = planStamps(job.configurations, job.pages, faces, report);
     const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
+    FitCheck fit;
     const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
         auto facts = factsOf(job);
         facts.pageNumber = page;
@@ -57,9 +59,12 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
-            if (stamp)
-                parts.push_back(
-                    {stamp, placeStamp(stamp->size, shownSize(geometry), plan.anchor, plan.offset, plan.degrees)});
+            if (!stamp)
+                continue;
+            const auto shown = shownSize(geometry);
+            parts.push_back({stamp, placeStamp(stamp->size, shown, plan.anchor, plan.offset, plan.degrees)});
+            if (job.dryRun)
+                fit.look(page, stamp->ink, parts.back().shownFromStamp, shown);
         }
         if (job.progress && !job.progress(page - 1, pageCount))
             throw Failure(Code::cancelled, "The run was cancelled.");
@@ -74,13 +79,16 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     std::optional<InputState> input;
     const auto bytes = readWhole(job.input, input);
     std::size_t pages = 1;
-    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor)
+    const auto stamped = kind == Kind::png    ? stampPng(bytes, partsFor, report)
                          : kind == Kind::tiff ? stampTiff(bytes, partsForPage, pages)
                                               : stampJpeg(bytes, partsFor, report);
     if (pages == 0)
         throw nothing();
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
+    fit.tell(report);
+    if (job.dryRun)
+        return pages;
     OutputFile output(job.output, input->mode());
     output.write(stamped);
     input->expectAt(job.input);
@@ -92,19 +100,32 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
 
 namespace {
 
+/// Whether something is there that is neither a file nor a folder: a device, a pipe, a socket.
+bool isNoFile(const std::filesystem::path& path) {
+    std::error_code none;
+    return std::filesystem::is_other(path, none);
+}
+
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
-    Report report;
+    Report report{{}, job.dryRun};
     Outcome outcome;
     outcome.path = job.input;
     const InputState before(job.input);
     try {
+        // Reading a pipe might wait for ever, and would take from it what somebody else wants.
+        if (isNoFile(job.input))
+            throw Failure(Code::unreadable, "This is a pipe or a device, not a file.");
         const auto kind = kindOf(job.input);
         if (!job.inPlace && isSameFile(job.input, job.output))
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
             throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+        if (isNoFile(job.output)) {
+            outcome.path = job.output;
+            throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");
+        }
         const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
         if (hasOtherNames)
@@ -132,19 +153,26 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
     return outcome;
 }
 
+std::string wordFor(const StampJob& job, const char* done) {
+    return job.dryRun ? "would be" : done;
+}
+
 } // namespace
 
 Outcome stampFile(const StampJob& job) {
     auto outcome = outcomeOf(job, [&job](Kind kind, Report& report) {
         return kind == Kind::pdf ? stampPdf(job, factsOf(job), report) : stampPicture(job, kind, report);
     });
+    const bool one = outcome.pagesStamped == 1;
     if (outcome)
-        outcome.sentence = outcome.pagesStamped == 1 ? "1 page was stamped."
-                                                     : std::to_string(outcome.pagesStamped) + " pages were stamped.";
+        outcome.sentence = std::to_string(outcome.pagesStamped) + (one ? " page " : " pages ") +
+                           wordFor(job, one ? "was" : "were") + " stamped.";
     return outcome;
 }
 
 std::size_t countPages(const StampJob& job) {
+    if (isNoFile(job.input))
+        return 0;
     try {
         switch (kindOf(job.input)) {
         case Kind::unknown:
@@ -178,7 +206,7 @@ Outcome unstampFile(const StampJob& job) {
         return unstampPdf(job, report);
     });
     if (outcome)
-        outcome.sentence = "Stamps were removed from " + std::to_string(outcome.pagesStamped) +
+        outcome.sentence = "Stamps " + wordFor(job, "were") + " removed from " + std::to_string(outcome.pagesStamped) +
                            (outcome.pagesStamped == 1 ? " page." : " pages.");
     return outcome;
 }

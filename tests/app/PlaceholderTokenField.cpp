@@ -4,6 +4,7 @@
 #include <AppKit/NSImage.h>
 #include <AppKit/NSMenu.h>
 #include <engine/Layout.h>
+#include <model/Configuration.h>
 
 #include <gtest/gtest.h>
 
@@ -104,6 +105,29 @@ TEST_F(TitleField, ShowsItsItemsAsPictures) {
     ASSERT_TRUE(item->image());
     EXPECT_GT(item->image()->size().width, 20);
     EXPECT_EQ(item->title(), u"");
+}
+
+TEST_F(TitleField, ARunThatAnUndoBringsBackGetsANumberOfItsOwn) {
+    const auto configuration = model::Configuration::make(false);
+    const auto deleted = configuration->createFontToken();
+    const auto kept = configuration->createFontToken();
+    const auto textOf = [](const std::vector<std::shared_ptr<host::ImprinterFont>>& runs) {
+        TokenText text;
+        for (const auto& run : runs)
+            text.appendToken(std::shared_ptr<NSObject>(run));
+        return text;
+    };
+    deleted->setFontNumber(0);
+    kept->setFontNumber(0); // the repair after the deletion
+    field->setAttributedStringValue(textOf({kept}));
+    field->userUndid(textOf({deleted, kept}));
+    EXPECT_EQ(deleted->fontNumber(), 0U);
+    EXPECT_EQ(kept->fontNumber(), 1U);
+    // Numbers that differ are left as they are, whatever they are.
+    kept->setFontNumber(7);
+    field->userUndid(textOf({kept}));
+    field->userUndid(textOf({deleted, kept}));
+    EXPECT_EQ(kept->fontNumber(), 7U);
 }
 
 } // namespace

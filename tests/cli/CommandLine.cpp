@@ -329,6 +329,15 @@ TEST_F(CommandLine, WithoutADisplayTheWindowSaysSo) {
     EXPECT_NE(run.output.find("display"), std::string::npos) << run.output;
 }
 
+TEST_F(CommandLine, OpeningDocumentsNeedsADisplayAndTakesNoOptions) {
+    letter();
+    EXPECT_EQ(imprinter("open letter.pdf").status, 5);
+    const auto run = imprinter("open --output x letter.pdf");
+    EXPECT_EQ(run.status, 64);
+    EXPECT_EQ(run.output, "imprinter: `open` takes files, and no option --output\n");
+    EXPECT_EQ(imprinter("open --help").status, 0);
+}
+
 TEST_F(CommandLine, ADisplayThatIsNotThereIsSaidToBeNone) {
     const auto run =
         render::run("DISPLAY=:4711 WAYLAND_DISPLAY= HOME=" + quoted(folder.path()) + " " + quoted(IMPRINTER));

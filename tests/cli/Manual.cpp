@@ -33,7 +33,7 @@ TEST_F(Manual, ThePageIsWellFormedAndNamesEveryOptionOfTheHelp) {
     const auto shown = shell("MANWIDTH=100 man --warnings=all -l " + quoted(page) + " | col -b");
     EXPECT_EQ(shown.output.find("warning:"), std::string::npos) << shown.output;
     EXPECT_EQ(optionsIn(shown.output), optionsIn(imprinter("--help").output));
-    for (const char* command : {"list", "show", "stamp", "unstamp", "preview", "export", "import", "pictures"})
+    for (const char* command : {"open", "list", "show", "stamp", "unstamp", "preview", "export", "import", "pictures"})
         EXPECT_NE(shown.output.find(std::string("imprinter ") + command), std::string::npos) << command;
 }
 

@@ -651,7 +651,8 @@ TEST_F(BorderControls, EachStyleHasAPictureOfItsOwn) {
                              }
                              QTest::keyClick(&menu, Qt::Key_Escape);
                          }));
-    EXPECT_FALSE(dynamic_cast<QComboBox&>(widget(u"borderStylePopup")).itemIcon(0).isNull()) << "on the button too";
+    const auto& button = dynamic_cast<QComboBox&>(widget(u"borderStylePopup"));
+    EXPECT_FALSE(button.itemIcon(button.currentIndex()).isNull()) << "on the button too";
     ASSERT_EQ(pictures.size(), 7U);
     for (std::size_t i = 0; i < pictures.size(); ++i)
         for (std::size_t j = 0; j < i; ++j)

@@ -202,4 +202,62 @@ TEST_F(CombinedEditor, WithoutAnImprinterHasNoCandidates) {
     EXPECT_EQ(candidates->numberOfRows(), 0);
 }
 
+TEST_F(CombinedEditor, IsHandedTheImprinterAndThenTheConfigurationOnceItsPageIsShown) {
+    const auto all = configuration(u"all", true);
+    imprinter->setList({configuration(u"a"), all});
+    start();
+    editor = std::static_pointer_cast<pane::VelCombinedViewController>(outlet<NSViewController>(u"combinedVC"));
+    ASSERT_NE(mainPage(), u"Imprint Combined");
+    // What the editor held before, and nobody else does, tells when something else takes its place.
+    const auto tellsOfItsEnd = [this](auto* held, const char* what) {
+        return std::shared_ptr<std::remove_pointer_t<decltype(held)>>(held, [this, what](auto* former) {
+            log.push_back(std::string(what) + " handed over on " + toUtf8(mainPage()));
+            delete former;
+        });
+    };
+    editor->setImprinter(tellsOfItsEnd(new RecordingImprinter(log), "imprinter"));
+    editor->setConfiguration(tellsOfItsEnd(new RecordingConfiguration(log, u"former", true), "configuration"));
+    taken();
+    pane->setCurrentConfiguration(all);
+    auto messages = taken();
+    std::erase_if(messages, [](const std::string& message) {
+        return message.find("handed over") == std::string::npos && message != "imprinter nonCombinedConfigurations";
+    });
+    EXPECT_EQ(messages,
+              (MessageLog{"imprinter handed over on Imprint Combined", "configuration handed over on Imprint Combined",
+                          "imprinter nonCombinedConfigurations"}));
+    EXPECT_EQ(editor->imprinter(), imprinter);
+    EXPECT_EQ(editor->configuration(), all);
+}
+
+TEST_F(CombinedEditor, ReloadsTheCandidatesBeforeTheMembers) {
+    const auto all = configuration(u"all", true);
+    imprinter->setList({all});
+    start();
+    pane->setCurrentConfiguration(all);
+    editor = std::static_pointer_cast<pane::VelCombinedViewController>(outlet<NSViewController>(u"combinedVC"));
+    candidates = outlet<NSTableView>(u"allConfigsTableView");
+    ASSERT_EQ(candidates->numberOfRows(), 1) << "the recording host lists every one";
+    imprinter->setList({configuration(u"a"), configuration(u"b"), all});
+    std::vector<NSInteger> rowsWhenMembersAreCounted;
+    all->onSwitch = [&] { rowsWhenMembersAreCounted.push_back(candidates->numberOfRows()); };
+    editor->updateConfiguation();
+    all->onSwitch = nullptr;
+    EXPECT_EQ(rowsWhenMembersAreCounted, std::vector<NSInteger>{3});
+}
+
+TEST_F(CombinedEditor, AButtonThatAnActionDisabledIsEnabledByTheNextSelection) {
+    open(1);
+    candidates->userSelects(NSIndexSet{0, 1}, 1);
+    click("addBtn");
+    ASSERT_FALSE(button("addBtn").isEnabled());
+    candidates->userSelects(NSIndexSet(0), 0);
+    EXPECT_TRUE(button("addBtn").isEnabled());
+    members_->userSelects(NSIndexSet(2), 2);
+    click("removeBtn");
+    ASSERT_FALSE(button("removeBtn").isEnabled());
+    members_->userSelects(NSIndexSet(1), 1);
+    EXPECT_TRUE(button("removeBtn").isEnabled());
+}
+
 } // namespace

@@ -61,8 +61,9 @@ protected:
             letTimePass();
             useEverythingThatShows();
         }
-        for (const char16_t* action : {u"addConfiguration:", u"createCombinedConfiguration:", u"duplicateConfiguration:",
-                                       u"onPreview:", u"addTokenItem:", u"deleteConfiguration:", u"onAdd:"}) {
+        for (const char16_t* action :
+             {u"addConfiguration:", u"createCombinedConfiguration:", u"duplicateConfiguration:", u"onPreview:",
+              u"addTokenItem:", u"deleteConfiguration:", u"onAdd:"}) {
             if (const auto* command = pane->classTable()->action(action))
                 runGuarded([&] { (*command)(*pane, nullptr); });
             letTimePass();

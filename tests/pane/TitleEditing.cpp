@@ -197,6 +197,27 @@ TEST_F(TitleTokensByKey, TheCaretPassesATokenAsOneCharacter) {
     EXPECT_EQ(fontTitles(), std::vector<std::u16string>{u"Font 1"});                                                   \
     EXPECT_EQ(pane->currentFont(), f2)
 
+TEST_F(TitleTokensByKey, InRightToLeftTextTheArrowsFollowTheTextAndATokenIsOneCharacter) {
+    startWith({u"\u05D0\u05D1", page, u"\u05D2\u05D3"});
+    focusAt(0);
+    for (const int position : {1, 2, 3, 4}) {
+        key(Qt::Key_Left);
+        EXPECT_EQ(caret(), position);
+    }
+    key(Qt::Key_Right);
+    EXPECT_EQ(caret(), 3);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(editor->textCursor().selectionStart(), 2);
+    EXPECT_EQ(selectionLength(), 1) << "the token";
+    focusAt(3);
+    commit(QStringLiteral("\u05D4"));
+    EXPECT_EQ(titleNow(), (Title{u"\u05D0\u05D1", page, u"\u05D4\u05D2\u05D3"}));
+    focusAt(3);
+    key(Qt::Key_Backspace);
+    key(Qt::Key_Backspace);
+    EXPECT_EQ(titleNow(), Title{u"\u05D0\u05D1\u05D4\u05D2\u05D3"});
+}
+
 TEST_F(TitleTokensByKey, ARunDeletedByBackspaceIsRepaired) {
     startWith({F1, u"a", F2});
     f2->setFontNumber(1);
@@ -261,10 +282,39 @@ TEST_F(TitlePasting, ForeignTextKeepsNoPercentSignInFieldOrModel) {
     focusAt(1);
     pasteForeign(QStringLiteral("5% of 100%"));
     followUp();
-    EXPECT_EQ(shown(), (Title{u"a5 of 100b", page}));
+    EXPECT_EQ(titleNow(), (Title{u"a5 of 100b", page}));
     EXPECT_EQ(caret(), 9);
     key(Qt::Key_Tab);
     EXPECT_EQ(titleNow(), (Title{u"a5 of 100b", page}));
+}
+
+TEST_F(TitlePasting, ThePreviewAfterAForeignPasteIsOfTheTitleWithoutPercentSign) {
+    startWith({u"ab"});
+    focusAt(1);
+    pasteForeign(QStringLiteral("5%"));
+    taken();
+    followUp();
+    const auto messages = taken();
+    const auto stored = std::find(messages.rbegin(), messages.rend(), "a setTitleTokens");
+    const auto stamped = std::find_if(messages.rbegin(), messages.rend(), [](const std::string& message) {
+        return message.find("imprintFile") != std::string::npos;
+    });
+    ASSERT_NE(stored, messages.rend());
+    EXPECT_LT(stamped, stored) << "the last stamping comes after the last storing";
+    EXPECT_EQ(titleNow(), Title{u"a5b"});
+}
+
+TEST_F(TitlePasting, AKeyBeforeTheCleanUpIsToldOfLeavesNothingMoreToTell) {
+    startWith({u"ab"});
+    focusAt(1);
+    pasteForeign(QStringLiteral("5%"));
+    followUp();
+    taken();
+    type("x");
+    EXPECT_EQ(titleNow(), Title{u"a5xb"});
+    taken();
+    followUp();
+    EXPECT_EQ(taken(), MessageLog());
 }
 
 TEST_F(TitlePasting, ForeignTextBeginningWithAPercentSignLosesIt) {
@@ -481,6 +531,22 @@ TEST_F(TitleDragging, TextFromElsewhereGoesInWhereItIsDropped) {
     EXPECT_EQ(titleNow(), (Title{u"axyb", page}));
 }
 
+TEST_F(TitleDragging, AFileIsLeftToTheWindowThoughItBringsItsAddressAsText) {
+    startWith({u"ab"});
+    const auto taken = [&](const std::string& address) {
+        NSPasteboard carried;
+        const auto data = [](const std::string& text) {
+            return std::make_shared<const std::vector<std::uint8_t>>(text.begin(), text.end());
+        };
+        carried.setDataForType(data(address), u"text/plain");
+        carried.setDataForType(data(address + "\r\n"), u"text/uri-list");
+        DragUser user(*editor->viewport(), carried);
+        return user.enters(QPoint(5, 5));
+    };
+    EXPECT_FALSE(taken("file:///tmp/bundle.pdf"));
+    EXPECT_TRUE(taken("https://example.org/"));
+}
+
 TEST_F(TitleDragging, WhatIsNoTextIsNotTaken) {
     startWith({u"ab"});
     NSPasteboard carried;
@@ -500,6 +566,35 @@ TEST_F(TitleTokensByPointer, AClickSelectsATokenAndAClickOnTextPutsTheCaretThere
     }
     QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, middleOf(1));
     EXPECT_EQ(selectionLength(), 0);
+}
+
+TEST_F(TitleTokensByPointer, TheContextMenuKeepsASelectionOnlyWhereItIsOpenedOnIt) {
+    startWith({u"abcd", page, u"ef"});
+    const auto opensAt = [this](int position) {
+        withMenu(
+            [&] {
+                QContextMenuEvent event(QContextMenuEvent::Mouse, middleOf(position),
+                                        editor->viewport()->mapToGlobal(middleOf(position)));
+                QApplication::sendEvent(editor->viewport(), &event);
+            },
+            [](QMenu& menu) { menu.close(); });
+    };
+    select(1, 2);
+    opensAt(1);
+    EXPECT_EQ(selectionLength(), 2);
+    opensAt(5);
+    EXPECT_EQ(selectionLength(), 0);
+    EXPECT_GE(caret(), 5);
+}
+
+TEST_F(TitleTokensByPointer, InRightToLeftTextAClickSelectsTheTokenUnderIt) {
+    startWith({u"\u05D0\u05D1", page, u"\u05D2\u05D3", F1});
+    focusAt(0);
+    for (const int position : {2, 5}) {
+        QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, middleOf(position));
+        EXPECT_EQ(editor->textCursor().selectionStart(), position);
+        EXPECT_EQ(selectionLength(), 1);
+    }
 }
 
 TEST_F(TitleTokensByPointer, AClickInASelectionEndsIt) {

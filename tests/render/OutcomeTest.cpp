@@ -183,3 +183,28 @@ TEST(Outcomes, APictureThatBreaksOffIsReported) {
     writeFile(folder / "in", whole);
     EXPECT_TRUE(engine::stampFile(job(folder / "in", folder / "out", {configuration(u"Whole")})).warnings.empty());
 }
+
+TEST(Outcomes, ADeviceOrAPipeIsNeverReplacedByAFile) {
+    Folder folder;
+    writeFile(folder / "in.pdf", document(1, kPage, ""));
+    white(200, 100).save((folder / "in.png").c_str());
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink(folder / "pipe", folder / "link");
+    for (const char* input : {"in.pdf", "in.png"})
+        for (const char* output : {"pipe", "link"})
+            for (const auto saving : {engine::Saving::update, engine::Saving::rewrite}) {
+                auto task = job(folder / input, folder / output, {configuration(u"No")});
+                task.saving = saving;
+                const auto outcome = engine::stampFile(task);
+                EXPECT_EQ(outcome.code, Code::cannotWrite);
+                EXPECT_EQ(outcome.path, folder / output);
+                EXPECT_EQ(outcome.sentence, "The output is a pipe or a device, not a file.");
+                EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
+                EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+            }
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"in.pdf", "in.png", "link", "pipe"}));
+    // Nor is one read, which might wait for ever.
+    const auto outcome = engine::stampFile(job(folder / "pipe", folder / "out", {configuration(u"No")}));
+    EXPECT_EQ(outcome.code, Code::unreadable);
+    EXPECT_EQ(engine::countPages(job(folder / "pipe", folder / "out", {})), 0U);
+}

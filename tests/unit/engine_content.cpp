@@ -51,6 +51,38 @@ TEST(ContentScan, OperatorsAfterAnImageCount) {
     EXPECT_EQ(scanContent("/ID gs q").openStates, 1U);
 }
 
+TEST(ContentScan, AnImageEndsWhereItsDataDoes) {
+    for (const std::string content :
+         {"BI /W 1 /H 1 /BPC 8 /CS /G /F /A85 ID J,~>EI", "BI/W 2/H 1/BPC 8/CS/G/F[/AHx]ID 8040>EI",
+          "BI /Width 2 /Height 1 /BitsPerComponent 8 /ColorSpace /DeviceGray ID \x80\x40"
+          "EI",
+          "BI /W 3 /H 2 /IM true ID \x80\x40"
+          "EI",
+          "BI /W 1 /H 1 /BPC 8 /CS /RGB ID \r\nabcEI",
+          "BI /W 1 /H 1 /BPC 8 /CS [/Indexed /RGB 1 <000000ffffff>] ID aEI",
+          "BI /W 8 /H 1 /BPC 8 /CS /G ID q EI Q q\nEI",
+          "BI /W 2 /H 1 /BPC 8 /CS /G /F /RL ID \x01 Q\x80"
+          "EI",
+          "BI /W 4 /H 1 /BPC 8 /CS /Cs1 ID \x81\x82\x83\x84"
+          "EI",
+          "BI /W 9 /H 9 /BPC 8 /CS /G ID ab\nEI"}) {
+        SCOPED_TRACE(content);
+        const auto balance = scanContent("q " + content + "\nQ q 0 0 9 9 re f");
+        EXPECT_EQ(balance.openStates, 1U);
+        EXPECT_EQ(balance.surplusRestores.size(), 0U);
+        EXPECT_EQ(balance.closing, "");
+    }
+}
+
+TEST(ContentScan, WhatTheEndLiesInIsClosed) {
+    EXPECT_EQ(scanContent("(a").closing, ")\n");
+    EXPECT_EQ(scanContent("(a (b) (c \\)").closing, ")\n)\n");
+    EXPECT_EQ(scanContent("[ (a) <41").closing, ">\n]\n");
+    EXPECT_EQ(scanContent("/P << /MCID 0 /A [ (b").closing, ")\n]\n>>\n");
+    EXPECT_EQ(scanContent("q BI /W 1 ID a").closing, "EI\n");
+    EXPECT_EQ(scanContent("[(a)] << /B [<< >>] >> ] >> (c) Tj % (").closing, "");
+}
+
 TEST(ContentMarks, AreFoundWithTheirTagPropertiesAndWhatTheyDraw) {
     const std::string content =
         "q 1 0 0 1 2 3 cm /Fm0 Do Q\n/Artifact <</A /B /C (x >> BDC) /D [<< /E 1 >>]>> BDC\nq /S0 Do "

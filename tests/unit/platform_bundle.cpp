@@ -127,11 +127,16 @@ TEST_F(Bundles, ChooseTheFirstOfTheUsersLanguagesThatTheyHave) {
         {"another territory has none", {{"LANG", "pt_PT.UTF-8"}}, "en"},
         {"territory before its language", {{"LANG", "de_AT.UTF-8"}}, "de"},
         {"territory, then the next language", {{"LANG", "pt_BR.UTF-8"}, {"LANGUAGE", "pt_PT:ja"}}, "ja"},
+        {"Chinese as the territory writes it", {{"LANG", "zh_CN.UTF-8"}}, "zh-Hans"},
+        {"so does another", {{"LANG", "zh_SG.UTF-8"}}, "zh-Hans"},
+        {"another writes otherwise", {{"LANG", "zh_TW.UTF-8"}}, "en"},
+        {"Chinese with its script", {{"LANG", "zh_Hans_CN.UTF-8"}}, "zh-Hans"},
+        {"Chinese alone", {{"LANG", "zh"}}, "zh-Hans"},
         {"unknown language", {{"LANG", "sv_SE.UTF-8"}}, "en"},
         {"case matters", {{"LANG", "DE"}}, "en"},
     };
     writeInformation();
-    for (const auto* folder : {"en.lproj", "ja.lproj", "de.lproj", "pt-BR.lproj"})
+    for (const auto* folder : {"en.lproj", "ja.lproj", "de.lproj", "pt-BR.lproj", "zh-Hans.lproj"})
         fs::create_directory(path / folder);
     for (const auto& row : table) {
         for (const auto* name : Environment::names) {

@@ -14,6 +14,12 @@ void NSImageView::setImage(const std::shared_ptr<NSImage>& image) {
     showImage();
 }
 
+void NSImageView::setAccessibilityDescriber(std::function<std::u16string()> describe) {
+    m_describe = std::move(describe);
+    if (auto* shown = dynamic_cast<ImagePeer*>(peer()))
+        shown->setDescriber(m_describe);
+}
+
 void NSImageView::showImage() {
     if (auto* shown = dynamic_cast<ImagePeer*>(peer()))
         shown->setImage(m_image);
@@ -22,6 +28,8 @@ void NSImageView::showImage() {
 void NSImageView::showAll() {
     NSControl::showAll();
     showImage();
+    if (auto* shown = dynamic_cast<ImagePeer*>(peer()))
+        shown->setDescriber(m_describe);
 }
 
 } // namespace platform

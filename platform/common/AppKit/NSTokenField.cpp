@@ -180,18 +180,25 @@ void NSTokenField::setObjectValue(const NSArray<RepresentedObject>& objects) {
 void NSTokenField::setAttributedStringValue(const TokenText& text) {
     const bool changed = text != m_content;
     show(text);
-    if (currentEditor() || isBeingEdited()) {
-        m_untaken = true;
+    const bool edited = currentEditor() || isBeingEdited();
+    m_untaken = edited;
+    if (edited) {
         m_untold = m_untold || changed;
-        return;
+    } else {
+        Objects objects;
+        for (const auto& piece : text.pieces())
+            objects.push_back(piece.object);
+        m_objects = listOf(std::move(objects));
     }
-    Objects objects;
-    for (const auto& piece : text.pieces())
-        objects.push_back(piece.object);
-    m_untaken = false;
-    m_objects = listOf(std::move(objects));
-    if (changed && UserAct::current() != 0)
-        dispatchAsync([weak = std::weak_ptr(self())] { tell(weak, &NSTokenField::tellChange); });
+    // What is put in on the user's behalf is told of once whoever put it in is done with it, as part of the same act.
+    if (const auto act = UserAct::current(); changed && act != 0)
+        dispatchAsync([weak = std::weak_ptr(self()), act, edited] {
+            const auto field = weak.lock();
+            if (!field || (edited && !field->m_untold)) // which the next change has told of meanwhile
+                return;
+            const UserAct resumed(act);
+            field->tellChange();
+        });
 }
 
 std::shared_ptr<NSTextView> NSTokenField::currentEditor() {

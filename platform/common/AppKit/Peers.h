@@ -14,6 +14,7 @@
 #include <Foundation/NSIndexSet.h>
 
 #include <filesystem>
+#include <functional>
 
 namespace platform {
 
@@ -139,6 +140,8 @@ class ImagePeer : public virtual ViewPeer {
 public:
     /// Null shows nothing.
     virtual void setImage(const std::shared_ptr<const NSImage>& image) = 0;
+    /// Answers in words what the picture shows; may be empty.
+    virtual void setDescriber(std::function<std::u16string()>) {}
 };
 
 class ScrollPeer : public virtual ViewPeer {

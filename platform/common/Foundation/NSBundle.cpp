@@ -33,6 +33,11 @@ std::optional<std::string> bytesOfFile(const fs::path& path) {
     return bytes.str();
 }
 
+/// The language with the script that is written in a territory.
+std::string writingOfChinese(const std::string& territory) {
+    return territory == "TW" || territory == "HK" || territory == "MO" || territory == "Hant" ? "zh-Hant" : "zh-Hans";
+}
+
 /// The user's languages, the wanted one first, from the locale's environment: LANGUAGE, else the first set of LC_ALL,
 /// LC_MESSAGES and LANG. Encodings are cut off; "C" and "POSIX" stand for English.
 std::vector<std::string> userLanguages() {
@@ -48,9 +53,18 @@ std::vector<std::string> userLanguages() {
     for (std::string language; std::getline(list, language, ':');) {
         language.resize(std::min(language.find_first_of(".@"), language.size()));
         std::replace(language.begin(), language.end(), '_', '-');
-        languages.push_back(language);
-        if (const auto territory = language.find('-'); territory != std::string::npos)
-            languages.push_back(language.substr(0, territory));
+        if (language == "zh")
+            language = "zh-Hans";
+        while (!language.empty()) {
+            languages.push_back(language);
+            const auto part = language.rfind('-');
+            if (part == std::string::npos)
+                break;
+            // Whoever names a territory means its writing.
+            if (language.starts_with("zh-") && part == 2)
+                languages.push_back(writingOfChinese(language.substr(3)));
+            language.resize(part);
+        }
     }
     return languages;
 }

@@ -4,6 +4,8 @@
 #include <AppKit/NSControl.h>
 #include <AppKit/NSImage.h>
 
+#include <functional>
+
 namespace platform {
 
 /// Shows one picture, whole and in its proportions, as large as it fits.
@@ -16,6 +18,10 @@ public:
     /// Null clears the view.
     void setImage(const std::shared_ptr<NSImage>& image);
 
+    /// Asked by assistive technology, each time, for what the picture shows; the label stays the view's name.
+    const std::function<std::u16string()>& accessibilityDescriber() const { return m_describe; }
+    void setAccessibilityDescriber(std::function<std::u16string()> describe);
+
 protected:
     void showAll() override;
 
@@ -23,6 +29,7 @@ private:
     void showImage();
 
     std::shared_ptr<NSImage> m_image;
+    std::function<std::u16string()> m_describe;
 };
 
 } // namespace platform

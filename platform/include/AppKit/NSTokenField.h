@@ -109,7 +109,7 @@ public:
     /// again, and end the run before them.
     void userTyped(const TokenText& text);
     /// The user undid something, or did it again: the editor shows `text` now.
-    void userUndid(const TokenText& text);
+    virtual void userUndid(const TokenText& text);
     /// Backspace, or Delete, without a selection. Answers whether that selected a token; if not, the editor deletes.
     bool userSelectsTokenToDelete(bool forward);
     void userCuts();

@@ -129,4 +129,5 @@ def main():
         "<config><rescan><int>0</int></rescan></config>\n</fontconfig>\n")
 
 
-main()
+if __name__ == '__main__':
+    main()

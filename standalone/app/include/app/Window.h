@@ -2,14 +2,17 @@
 #pragma once
 
 #include <filesystem>
+#include <vector>
 
 namespace app {
 
 /// The exit status of `runWindow` where there is no display to open a window on.
 inline constexpr int noDisplay = 5;
 
-/// Opens the window on the configurations in `store` and runs until it is closed. Answers the program's exit status.
-int runWindow(int& argc, char** argv, const std::filesystem::path& store);
+/// Opens the window on the configurations in `store` and runs until it is closed. `documents` wait in it to be stamped.
+/// Answers the program's exit status.
+int runWindow(int& argc, char** argv, const std::filesystem::path& store,
+              const std::vector<std::filesystem::path>& documents = {});
 
 /// Leaves pictures in `folder`, made if it is not there: each page of the pane, the stamped sample page and a stamped
 /// PDF; prints their paths. Answers the program's exit status.

@@ -23,6 +23,9 @@ struct Facts {
 /// What a person should hear about a run that worked all the same; each sentence once.
 struct Report {
     std::set<std::string> sentences; ///< UTF-8
+    /// Whether to tell of characters that come from another font than their run's; nobody needs to hear of them who
+    /// sees the result.
+    bool namesFallbacks = false;
 };
 
 /// The style of text between two font runs.

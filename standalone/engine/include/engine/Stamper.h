@@ -37,6 +37,9 @@ struct StampJob {
     /// Documents: first remove what earlier runs stamped with the same configurations.
     bool replace = false;
 
+    /// Write nothing, and answer what would come of it; the warnings also name pages that a stamp does not fit on.
+    bool dryRun = false;
+
     std::string password; ///< The user's or owner's, as bytes; for encrypted documents.
     bool inPlace = false; ///< Output and input may be one file.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+// Nothing on any screen stays in English where the language of the environment is another one; numbers, the direction
+// of the layout and the toolkit's own dialogs follow it.
+
+#include "Screens.h"
+
+#include "HostBundle.h"
+
+#include <Foundation/NSBundle.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+
+#include <set>
+
+using namespace platform;
+using namespace testing_support;
+
+namespace {
+
+/// What is read on a screen, heard, or shown while the pointer rests there; marks of shortcuts taken out.
+std::set<QString> textsOf(QWidget& screen) {
+    std::set<QString> texts;
+    const auto add = [&](const QString& text) {
+        for (const auto& line : text.split(u'\n'))
+            texts.insert(QString(line).remove(u'&'));
+    };
+    QList<QWidget*> widgets = screen.findChildren<QWidget*>();
+    widgets.append(&screen);
+    for (auto* widget : widgets) {
+        if (widget->isWindow() && widget != &screen && !qobject_cast<QMenu*>(widget))
+            continue;
+        if (widget == &screen)
+            add(widget->windowTitle());
+        add(widget->accessibleName());
+        add(widget->toolTip());
+        for (const auto* action : widget->actions())
+            add(action->text());
+        if (const auto* label = qobject_cast<QLabel*>(widget))
+            add(label->text());
+        else if (const auto* button = qobject_cast<QAbstractButton*>(widget))
+            add(button->text());
+        else if (const auto* box = qobject_cast<QComboBox*>(widget))
+            for (int i = 0; i < box->count(); ++i)
+                add(box->itemText(i));
+        else if (const auto* tabs = qobject_cast<QTabBar*>(widget))
+            for (int i = 0; i < tabs->count(); ++i)
+                add(tabs->tabText(i));
+        else if (const auto* header = qobject_cast<QHeaderView*>(widget); header && header->isVisible())
+            for (int i = 0; i < header->count(); ++i)
+                add(header->model()->headerData(i, Qt::Horizontal).toString());
+        else if (const auto* field = qobject_cast<QLineEdit*>(widget))
+            add(field->placeholderText());
+    }
+    return texts;
+}
+
+bool hasLetters(const QString& text) {
+    int inARow = 0;
+    for (const auto character : text) {
+        inARow = character.isLetter() ? inARow + 1 : 0;
+        if (inARow == 2)
+            return true;
+    }
+    return false;
+}
+
+/// Names that are the user's, the program's, or keys of the keyboard; and the toolkit's words, which has no such
+/// language.
+bool staysAsItIs(const QString& text) {
+    static const std::set<QString> known{"Imprinter",   "Received",    "Page of Pages", "Confidential",
+                                         "DejaVu Sans", "Bold",        "letter.png",    "Ctrl+Up",
+                                         "Ctrl+Down",   "OK",          "Cancel",        "Yes",
+                                         "No",          "Scroll Left", "Scroll Right"};
+    return known.contains(text) || text.startsWith(QLatin1String("no.pdf")) || text.startsWith(QLatin1String("<html>"));
+}
+
+class Words : public Screens {
+protected:
+    static std::shared_ptr<NSBundle> paneBundle() {
+        return NSBundle::bundleWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane");
+    }
+};
+
+TEST_F(Words, NothingStaysInEnglish) {
+    open();
+    std::set<std::string> found;
+    const auto look = [&](const std::string& name, QWidget& screen) {
+        for (const auto& text : textsOf(screen)) {
+            bool english = false;
+            if (language() == "qps") {
+                english = hasLetters(text) && !staysAsItIs(text) && !text.contains(QChar(0x27E6));
+            } else {
+                // What the table translates otherwise has not been looked up.
+                for (const auto& bundle : {paneBundle(), app::hostBundle()}) {
+                    const auto local =
+                        app::toQt(bundle->localizedStringForKeyValueTable(text.toStdU16String(), u"", u""));
+                    english = english || local != text;
+                }
+                // Where a translation reads like another English key.
+                english = english && language() != "en" && text.toLatin1() == text.toUtf8() && !staysAsItIs(text);
+            }
+            if (english)
+                found.insert(name + ": " + text.toStdString());
+        }
+    };
+    visitDialogs(look);
+    window->pane().show(session->model().configurations()->front(), session->model());
+    visitPages(look);
+    std::string lines;
+    for (const auto& each : found)
+        lines += "\n  " + each;
+    EXPECT_TRUE(found.empty()) << lines;
+}
+
+TEST_F(Words, TheProgramAndThePaneSpeakTheLanguageOfTheEnvironment) {
+    const std::map<std::string, std::string> languages{
+        {"en_US", "en"}, {"de_DE", "de"}, {"fr_FR", "fr"},      {"es_ES", "es"}, {"it_IT", "it"}, {"pt_BR", "pt"},
+        {"nl_NL", "nl"}, {"ja_JP", "ja"}, {"zh_CN", "zh-Hans"}, {"ar_EG", "ar"}, {"qps", "qps"}};
+    const auto environment = qgetenv("LC_ALL").toStdString();
+    const auto found = languages.find(environment.substr(0, environment.find('.')));
+    ASSERT_NE(found, languages.end()) << environment;
+    EXPECT_EQ(language(), found->second);
+    EXPECT_EQ(paneBundle()->preferredLocalization(), found->second);
+}
+
+TEST_F(Words, TheToolkitsOwnButtonsSpeakTheSameLanguage) {
+    const std::map<std::string, QString> cancels{{"en", "Cancel"},    {"de", "Abbrechen"},  {"fr", "Annuler"},
+                                                 {"es", "Cancelar"},  {"it", "Annulla"},    {"pt", "Cancelar"},
+                                                 {"nl", "Annuleren"}, {"ja", "キャンセル"}, {"zh-Hans", "取消"},
+                                                 {"ar", "ألغِ"},       {"qps", "Cancel"}};
+    QDialogButtonBox box(QDialogButtonBox::Cancel);
+    EXPECT_EQ(box.button(QDialogButtonBox::Cancel)->text().remove(u'&'), cancels.at(language()));
+}
+
+TEST_F(Words, TheLayoutRunsAsTheLanguageDoes) {
+    open();
+    const bool mirrored = language() == "ar";
+    EXPECT_EQ(QApplication::layoutDirection(), mirrored ? Qt::RightToLeft : Qt::LeftToRight);
+    const auto at = [&](const char* name) { return child(name)->mapTo(window.get(), QPoint(0, 0)).x(); };
+    EXPECT_EQ(at("tableView") > at("tabView"), mirrored);
+    EXPECT_EQ(at("actionPopupMenu") > at("deleteConfigurationBtn"), mirrored);
+    showEditor(u"Location");
+    EXPECT_EQ(at("rotation") > at("rotationStepper"), mirrored);
+    EXPECT_LT(at("topLeftBtn"), at("topRightBtn")) << "a page has its left on the left in every language";
+}
+
+/// Whether something is drawn between `from` and `to` of a row's own colour.
+bool isDrawnOn(const QImage& picture, QRect place) {
+    for (int x = place.left(); x <= place.right(); ++x)
+        for (int y = place.top(); y <= place.bottom(); ++y)
+            if (picture.pixel(x, y) != picture.pixel(place.topLeft()))
+                return true;
+    return false;
+}
+
+TEST_F(Words, TheMarkOfAListStandsWhereTheLineBegins) {
+    if (language() == "ja" || language() == "zh-Hans")
+        GTEST_SKIP() << "the fonts of the sample lack the letters, so that none of the list is marked";
+    open();
+    showEditor(u"Appearance");
+    auto* button = child("fontAttributePopup");
+    bool seen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* popup = QApplication::activePopupWidget();
+        auto* list = popup ? popup->findChild<QListView*>() : nullptr;
+        if (!list)
+            return;
+        poll.stop();
+        seen = true;
+        const auto picture = list->viewport()->grab().toImage();
+        auto row = list->visualRect(list->currentIndex());
+        const int mark = list->fontMetrics().height();
+        const QRect left(row.left() + 2, row.top() + 2, mark, row.height() - 4);
+        const QRect right(row.right() - 1 - mark, row.top() + 2, mark, row.height() - 4);
+        const bool mirrored = language() == "ar";
+        EXPECT_TRUE(isDrawnOn(picture, mirrored ? right : left));
+        EXPECT_FALSE(isDrawnOn(picture, mirrored ? left : right));
+        QTest::keyClick(list, Qt::Key_Escape);
+    });
+    poll.start(1);
+    button->setFocus();
+    QTest::keyClick(button, Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return seen; }));
+}
+
+TEST_F(Words, NumbersAreWrittenAndReadAsTheLocaleHasThem) {
+    open();
+    showEditor(u"Location");
+    auto* field = child<QLineEdit>("rotation");
+    ASSERT_TRUE(field);
+    const auto written = QLocale().toString(-12.5).remove(QChar(0x061C)).remove(QChar(0x200E)).remove(QChar(0x200F));
+    if (language() == "de") {
+        EXPECT_EQ(written, QStringLiteral("-12,5"));
+    }
+    field->setFocus();
+    field->selectAll();
+    QKeyEvent typed(QEvent::KeyPress, 0, Qt::NoModifier, written); // digits of any script
+    QApplication::sendEvent(field, &typed);
+    child("xOffset")->setFocus();
+    EXPECT_EQ(window->pane().currentConfiguration()->rotation(), -12);
+    window->pane().currentConfiguration()->setRotation(-12.5);
+    window->pane().refresh(session->model());
+    EXPECT_EQ(field->text(), written);
+    EXPECT_EQ(app::text(u"%@ documents stamped.", {app::written(12)}),
+              app::text(u"%@ documents stamped.", {QLocale().toString(12)}));
+}
+
+} // namespace
