@@ -360,10 +360,11 @@ std::optional<Failure> Store::keepUnsaved(const model::ImprinterModel& model) {
         return std::nullopt;
     return guarded([&]() -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        if (isSame(mine, base()))
+        const auto changed = differing(mine, base());
+        if (changed.empty() && mine.order == base().order)
             dropJournal(m_state->journal);
         else
-            writeJournal(m_state->journal, m_file, base(), mine);
+            writeJournal(m_state->journal, m_file, base(), mine, changed);
         return std::nullopt;
     });
 }
