@@ -119,7 +119,8 @@ public:
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
     /// without saving; removes the journal where there is nothing to keep. Does not wait for the disk.
     std::optional<Failure> keepUnsaved(const model::ImprinterModel& model);
-    /// The journals that other programs left behind; not those of programs that run.
+    /// The journals that other programs left behind; not those of programs that run, and none where nothing can be
+    /// saved.
     std::vector<Unsaved> findUnsaved() const;
     /// Joins what a journal holds with the model, as `save` would, and removes it as soon as this store's own journal
     /// has it. The file stays as it is.
