@@ -12,6 +12,8 @@ namespace {
 class Nowhere final : public engine::PdfObjects {
 public:
     std::string add(std::string_view) override { return std::to_string(++m_objects) + " 0 R"; }
+    std::string reserve() override { return add({}); }
+    void fill(const std::string&, std::string_view) override {}
     std::string addStream(std::string_view entries, std::string_view) override { return add(entries); }
     void changePage(QPDFObjectHandle, const std::string&, const std::string&) override {}
 

@@ -22,7 +22,7 @@ std::optional<QByteArray> rewritten(const QByteArray& bytes) {
         return std::nullopt;
     }
     try {
-        return store::write(model, unknown, qsizetype{1} << 26);
+        return store::bytesOf(store::formsOf(model, unknown), qsizetype{1} << 26);
     } catch (const store::Problem& problem) {
         require(problem.code == store::Code::tooLarge || problem.code == store::Code::unstorable,
                 "what was read can be written, unless it is too much");

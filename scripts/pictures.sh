@@ -53,6 +53,8 @@ draw ja ja_JP
 keep ja pane-location location-ja
 draw ar ar_EG
 keep ar pane-appearance appearance-ar
+draw larger en_US QT_SCALE_FACTOR=1.5
+keep larger pane-appearance appearance-150
 draw large en_US QT_SCALE_FACTOR=2
 keep large pane-appearance appearance-200
 du -bc "$images"/*.png | sort -n

@@ -60,7 +60,14 @@ class AccessibleTitle final : public QAccessibleWidget,
                               public QAccessibleTextInterface,
                               public QAccessibleEditableTextInterface {
 public:
-    explicit AccessibleTitle(TokenEdit& edit) : QAccessibleWidget(&edit, QAccessible::EditableText) {}
+    explicit AccessibleTitle(TokenEdit& edit) : QAccessibleWidget(&edit, QAccessible::EditableText) {
+        // The toolkit tells of a caret by the characters of the document; what is read out has others.
+        const auto tell = [edit = &edit] {
+            QAccessibleTextCursorEvent moved(edit, SpokenTitle(*edit).offsetOf(edit->textCursor().position()));
+            QAccessible::updateAccessibility(&moved);
+        };
+        QObject::connect(&edit, &QTextEdit::cursorPositionChanged, &edit, tell, Qt::QueuedConnection);
+    }
 
     void* interface_cast(QAccessible::InterfaceType type) override {
         if (type == QAccessible::TextInterface)

@@ -132,13 +132,15 @@ void ColorWellWidget::paintEvent(QPaintEvent*) {
     frame.state |= isDown() ? QStyle::State_Sunken : QStyle::State_Raised;
     painter.drawControl(QStyle::CE_PushButtonBevel, frame);
 
-    const auto area = rect().adjusted(5, 5, -5, -5);
+    // The line is filled rather than drawn, so that it is as wide at every scale.
+    const auto line = rect().adjusted(5, 5, -5, -5);
+    const auto area = line.adjusted(1, 1, -1, -1);
     painter.setOpacity(isEnabled() ? 1.0 : 0.4);
+    for (const auto& side : QRegion(line).subtracted(area))
+        painter.fillRect(side, palette().color(QPalette::Mid));
     if (m_color.alpha() < 255)
         paintCheckerboard(painter, area);
     painter.fillRect(area, m_color);
-    painter.setPen(palette().color(QPalette::Mid));
-    painter.drawRect(area.adjusted(0, 0, -1, -1));
     if (ColorPanel::shared().serves(*this)) {
         painter.setOpacity(1);
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2));

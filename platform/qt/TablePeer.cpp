@@ -2,6 +2,7 @@
 #include "TablePeer.h"
 
 #include "Dragging.h"
+#include "FrameLines.h"
 #include "TextFieldPeer.h"
 
 #include <Foundation/dispatch.h>
@@ -299,6 +300,13 @@ void TableWidget::dropEvent(QDropEvent* event) {
     event->setAccepted(accepted);
     if (self)
         endDrag();
+}
+
+bool TableWidget::event(QEvent* event) {
+    const bool answer = QTableView::event(event);
+    if (event->type() == QEvent::Paint)
+        mendFrameLines(*this);
+    return answer;
 }
 
 void TableWidget::paintEvent(QPaintEvent* event) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "TokenFieldPeer.h"
 
+#include "FrameLines.h"
 #include "Menu.h"
 #include "TokenDrawing.h"
 #include "TokenPasteboard.h"
@@ -574,8 +575,10 @@ void TokenEdit::placeButton() {
         return;
     const auto size = m_button->sizeHint();
     const bool mirrored = layoutDirection() == Qt::RightToLeft;
-    setViewportMargins(mirrored ? size.width() : 0, 0, mirrored ? 0 : size.width(), 0);
-    const auto inside = rect().adjusted(frameWidth(), frameWidth(), -frameWidth(), -frameWidth());
+    // A little room on each side: where a point has several pixels the text would cover half of the frame.
+    setViewportMargins(mirrored ? size.width() : 1, 1, mirrored ? 1 : size.width(), 1);
+    const int edge = frameWidth() + 1;
+    const auto inside = rect().adjusted(edge, edge, -edge, -edge);
     const int scroll = verticalScrollBar()->isVisible() ? verticalScrollBar()->width() : 0;
     m_button->setGeometry(mirrored ? inside.left() + scroll : inside.right() + 1 - size.width() - scroll, inside.top(),
                           size.width(), size.height());
@@ -608,6 +611,13 @@ void TokenEdit::showRefusal(Refusal refusal) {
         QToolTip::hideText();
     }
     viewport()->update();
+}
+
+bool TokenEdit::event(QEvent* event) {
+    const bool answer = QTextEdit::event(event);
+    if (event->type() == QEvent::Paint)
+        mendFrameLines(*this);
+    return answer;
 }
 
 void TokenEdit::paintEvent(QPaintEvent* event) {

@@ -328,7 +328,9 @@ void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& docume
         files.append(fromPath(document));
     const bool one = files.size() == 1;
     const auto number = QLocale().toString(static_cast<qlonglong>(files.size()));
-    const auto what = one ? fromPath(documents.front().filename()) : number;
+    constexpr int widest = 240; // the tool tip has the whole name
+    const auto name = fontMetrics().elidedText(fromPath(documents.front().filename()), Qt::ElideMiddle, widest);
+    const auto what = one ? name : number;
     const auto title = one ? text(u"Stamp “%@”") : text(u"Stamp %@ Documents");
     auto* button =
         new QPushButton(QString(title).replace(QLatin1String("%@"), what).replace(u'&', QLatin1String("&&")));

@@ -29,9 +29,9 @@ std::unique_ptr<PaneHost> PaneHost::load(const std::filesystem::path& path, std:
         return nullptr;
     }
     pane->setBundle(bundle);
-    bool loaded = false;
-    runGuarded([&] { loaded = pane->loadMainView() != nullptr; });
-    if (!loaded) {
+    runGuarded([&] { pane->loadMainView(); });
+    // There is a view even where the pane met an error when it filled it.
+    if (!pane->mainView()) {
         error = path.string() + ": the pane's interface could not be loaded";
         return nullptr;
     }
@@ -54,6 +54,14 @@ bool PaneHost::performs(std::u16string_view action) const {
 void PaneHost::perform(std::u16string_view action) {
     if (performs(action))
         (*m_pane->classTable()->action(action))(*m_pane, nullptr);
+}
+
+void PaneHost::willShow() {
+    runGuarded([this] { m_pane->willSelect(); });
+}
+
+void PaneHost::didShow() {
+    runGuarded([this] { m_pane->didSelect(); });
 }
 
 bool PaneHost::commitEditing() {

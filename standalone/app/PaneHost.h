@@ -21,9 +21,9 @@ public:
     platform::NSPreferencePane& pane() { return *m_pane; }
     std::shared_ptr<host::ImprinterConfiguration> currentConfiguration() const;
 
-    /// Around putting the view into a window.
-    void willShow() { m_pane->willSelect(); }
-    void didShow() { m_pane->didSelect(); }
+    /// Around putting the view into a window. An error in the pane is logged.
+    void willShow();
+    void didShow();
 
     /// Commits the edit in progress. NO where a field refused to end it.
     bool commitEditing();

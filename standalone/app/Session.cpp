@@ -8,6 +8,9 @@
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
 
+#include <algorithm>
+#include <chrono>
+
 namespace app {
 
 Session::Session(const std::filesystem::path& store)
@@ -84,7 +87,7 @@ void Session::writeJournalSoon() {
     if (m_writingSoon || !m_keepsJournal)
         return;
     m_writingSoon = std::make_shared<bool>(true);
-    platform::dispatchAfter(0.5, [this, waiting = std::weak_ptr(m_writingSoon)] {
+    platform::dispatchAfter(m_journalDelay, [this, waiting = std::weak_ptr(m_writingSoon)] {
         if (waiting.expired())
             return;
         m_writingSoon.reset();
@@ -94,7 +97,11 @@ void Session::writeJournalSoon() {
 }
 
 void Session::writeJournal() {
+    const auto start = std::chrono::steady_clock::now();
     const auto failure = m_store.keepUnsaved(*m_model);
+    // Whoever has thousands of configurations shall not notice: a twentieth of the time at most.
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    m_journalDelay = std::clamp(20 * taken.count(), 0.5, 5.0);
     if (failure && !std::exchange(m_saidThatThereIsNoJournal, true))
         platform::NSLog("There is no journal of what is not saved: " + platform::toUtf8(failure->sentence));
 }

@@ -40,7 +40,8 @@ public:
     /// being edited.
     void saveChanges();
 
-    /// From now on what is not saved yet is in a journal too, half a second after a change; a save that works drops it.
+    /// From now on what is not saved yet is in a journal too, half a second after a change, later where there is much
+    /// to compare; a save that works drops it.
     void keepJournal();
     /// What programs left that ended without saving.
     std::vector<store::Unsaved> unsaved() const { return m_store.findUnsaved(); }
@@ -80,6 +81,7 @@ private:
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
     bool m_saidThatThereIsNoFolder = false;
+    double m_journalDelay = 0.5; // seconds
     bool m_saidThatThereIsNoJournal = false;
     bool m_keepsJournal = false;
     bool m_saving = false;

@@ -17,9 +17,9 @@ namespace {
 
 /// The reason goes without saying where there is no such file.
 [[noreturn]] void fail(int reason) {
-    throw Failure(Code::unreadable, reason == ENOENT ? "The file cannot be read."
-                                                     : "The file cannot be read: " +
-                                                           std::generic_category().message(reason) + ".");
+    throw Failure(Code::unreadable, reason == ENOENT
+                                        ? "The file cannot be read."
+                                        : "The file cannot be read: " + std::generic_category().message(reason) + ".");
 }
 
 } // namespace
@@ -39,8 +39,7 @@ std::string InputFile::read(std::size_t most) const {
     std::string bytes(most, '\0');
     std::size_t at = 0;
     while (at < most) {
-        const auto got =
-            files::calls().pread(m_descriptor, bytes.data() + at, most - at, static_cast<off_t>(at));
+        const auto got = files::calls().pread(m_descriptor, bytes.data() + at, most - at, static_cast<off_t>(at));
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)

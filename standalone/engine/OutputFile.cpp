@@ -4,6 +4,7 @@
 #include <files/Calls.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -53,6 +54,18 @@ void copyAttributes(const std::filesystem::path& from, int to) {
     }
 }
 
+/// Removes the file that a killed program left under this name, and answers whether it did.
+bool removeLeft(const std::string& name) {
+    const int left = files::calls().open(name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (left < 0)
+        return false;
+    struct stat status {};
+    const bool removed = ::fstat(left, &status) == 0 && S_ISREG(status.st_mode) &&
+                         ::flock(left, LOCK_EX | LOCK_NB) == 0 && ::unlink(name.c_str()) == 0;
+    files::calls().close(left);
+    return removed;
+}
+
 /// Makes the new file like the one it will replace.
 void takeOver(const std::filesystem::path& from, const struct stat& status, int to) {
     auto mode = status.st_mode & 07777;
@@ -81,7 +94,7 @@ OutputFile::OutputFile(const std::filesystem::path& target, mode_t inputMode) {
                                 std::generic_category());
     m_descriptor = files::calls().open(folder().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (m_descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
-        auto name = pattern();
+        auto name = hidden(".XXXXXX");
         m_descriptor = files::calls().openTemporary(name.data());
         if (m_descriptor >= 0)
             m_aside = name;
@@ -105,8 +118,8 @@ std::filesystem::path OutputFile::folder() const {
     return m_target.has_parent_path() ? m_target.parent_path() : std::filesystem::path(".");
 }
 
-std::string OutputFile::pattern() const {
-    return (folder() / ("." + m_target.filename().string().substr(0, 200) + ".XXXXXX")).string();
+std::string OutputFile::hidden(const char* ending) const {
+    return (folder() / ("." + m_target.filename().string().substr(0, 200) + ending)).string();
 }
 
 void OutputFile::giveName() {
@@ -120,9 +133,16 @@ void OutputFile::giveName() {
     // A name that is free is taken at once; what has it is replaced by way of another.
     if (link(m_target))
         return;
+    // Always the same one, so that what a killed program left there is found again; its owner holds a lock on it.
+    ::flock(m_descriptor, LOCK_EX | LOCK_NB);
+    const auto usual = hidden(".stamping");
+    if (link(usual) || (removeLeft(usual) && link(usual))) {
+        m_aside = usual;
+        return;
+    }
     std::random_device random;
     for (;;) {
-        auto name = pattern();
+        auto name = hidden(".XXXXXX");
         for (auto letter = name.end() - 6; letter != name.end(); ++letter)
             *letter = "abcdefghijklmnopqrstuvwxyz0123456789"[random() % 36];
         if (link(name)) {

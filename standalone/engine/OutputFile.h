@@ -12,7 +12,8 @@ namespace engine {
 
 /// A file written aside, in the folder of its final place, without a name or under one that nobody else uses; it takes
 /// its place when it is whole and on the disk. Without `commit` nothing of it remains; where the file system knows
-/// files without a name, not even when the program is killed. Errors are std::system_error.
+/// files without a name, not even when the program is killed, but for the moment in which it changes places with the
+/// file that it replaces; what is left then goes with the next one for the same target. Errors are std::system_error.
 class OutputFile {
 public:
     /// `target` may be a symbolic link, whose file is then replaced. What is there and no regular file is refused.
@@ -34,8 +35,8 @@ public:
 
 private:
     std::filesystem::path folder() const;
-    /// A name beside the target, its last six letters still to be chosen.
-    std::string pattern() const;
+    /// A hidden name beside the target.
+    std::string hidden(const char* ending) const;
     void giveName();
     void flush();
     void writeNow(std::string_view bytes);

@@ -3,6 +3,7 @@
 
 #include "Assign.h"
 
+#include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSString.h>
 #include <model/Configuration.h>
 
@@ -29,8 +30,9 @@ std::u16string_view FontRun::className() const {
 }
 
 std::u16string FontRun::name() const {
-    const auto name =
-        platform::stringWithFormat(fontRunNames().numbered, {platform::fromUtf8(std::to_string(m_fontNumber + 1))});
+    const auto number = platform::NSNumberFormatter(platform::NSNumberFormatterStyle::decimal)
+                            .stringFromNumber(static_cast<double>(m_fontNumber + 1));
+    const auto name = platform::stringWithFormat(fontRunNames().numbered, {number});
     return isMissing() ? platform::stringWithFormat(fontRunNames().missing, {name}) : name;
 }
 

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Journal.h"
 
-#include "Merge.h"
-
 #include <QJsonArray>
-
-#include <set>
 
 namespace store {
 
@@ -21,16 +17,14 @@ constexpr QLatin1String journalFormat("imprinter-unsaved-changes");
 constexpr qint64 journalVersion = 1;
 constexpr char unsaved[] = "unsaved";
 
-/// One side of a journal: the whole order, and the forms that differ from `other`.
-QJsonObject sideOf(const Forms& forms, const Forms& other) {
+/// One side of a journal: the whole order, and the forms that are `changed`.
+QJsonObject sideOf(const Forms& forms, const std::set<QString>& changed) {
     QJsonArray order;
     QJsonArray configurations;
     for (const auto& identifier : forms.order) {
         order.append(identifier);
-        const auto& form = forms.byIdentifier.at(identifier);
-        const auto found = other.byIdentifier.find(identifier);
-        if (found == other.byIdentifier.end() || !isSame(form, found->second))
-            configurations.append(form);
+        if (changed.contains(identifier))
+            configurations.append(forms.byIdentifier.at(identifier));
     }
     return {{key::order, order}, {key::configurations, configurations}};
 }
@@ -92,11 +86,11 @@ std::optional<Journal> readJournal(const OwnedFile& file) {
 }
 
 void writeJournal(std::unique_ptr<OwnedFile>& journal, const std::filesystem::path& file, const Forms& before,
-                  const Forms& after) {
+                  const Forms& after, const std::set<QString>& changed) {
     const auto bytes = bytesOf({{key::format, journalFormat},
                                 {key::version, journalVersion},
-                                {key::before, sideOf(before, after)},
-                                {key::after, sideOf(after, before)}});
+                                {key::before, sideOf(before, changed)},
+                                {key::after, sideOf(after, changed)}});
     if (!journal)
         journal = std::make_unique<OwnedFile>(file, unsaved);
     journal->replace({bytes.data(), static_cast<std::size_t>(bytes.size())});

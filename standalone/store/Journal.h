@@ -4,6 +4,8 @@
 #include "File.h"
 #include "Format.h"
 
+#include <set>
+
 namespace store {
 
 /// What a program had changed and not saved.
@@ -23,9 +25,9 @@ std::vector<std::filesystem::path> journalsFor(const std::filesystem::path& file
 /// None where it cannot be read. One that its program had no time to fill is removed.
 std::optional<Journal> readJournal(const OwnedFile& file);
 
-/// Makes `journal` where there is none. Throws std::system_error.
+/// Writes what `changed` names; makes `journal` where there is none. Throws std::system_error.
 void writeJournal(std::unique_ptr<OwnedFile>& journal, const std::filesystem::path& file, const Forms& before,
-                  const Forms& after);
+                  const Forms& after, const std::set<QString>& changed);
 void dropJournal(std::unique_ptr<OwnedFile>& journal);
 
 } // namespace store

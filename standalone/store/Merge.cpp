@@ -5,7 +5,6 @@
 #include <QUuid>
 
 #include <algorithm>
-#include <set>
 
 namespace store {
 
@@ -177,6 +176,19 @@ bool isSame(const Forms& forms, const Forms& others) {
                const auto other = others.byIdentifier.find(entry.first);
                return other != others.byIdentifier.end() && isSame(entry.second, other->second);
            });
+}
+
+std::set<QString> differing(const Forms& forms, const Forms& others) {
+    std::set<QString> found;
+    for (const auto& [identifier, form] : forms.byIdentifier) {
+        const auto other = others.byIdentifier.find(identifier);
+        if (other == others.byIdentifier.end() || !isSame(form, other->second))
+            found.insert(identifier);
+    }
+    for (const auto& [identifier, form] : others.byIdentifier)
+        if (!forms.byIdentifier.contains(identifier))
+            found.insert(identifier);
+    return found;
 }
 
 Merged merge(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions) {

@@ -3,12 +3,17 @@
 
 #include "Format.h"
 
+#include <set>
+
 namespace store {
 
 /// Whether both say the same. Rotations are compared in single precision, in which they are edited.
 bool isSame(const QJsonObject& form, const QJsonObject& other);
 /// The same, and in the same order.
 bool isSame(const Forms& forms, const Forms& others);
+
+/// The identifiers of what is not the same in both, or in one of them only.
+std::set<QString> differing(const Forms& forms, const Forms& others);
 
 /// A configuration that was changed differently in both.
 struct Contested {

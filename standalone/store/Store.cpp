@@ -119,11 +119,11 @@ Store::Reading Store::readFile() const {
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
             return supplied();
+        const bool renamed = isDefault && fs::is_regular_file(status);
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
-                           isDefault && fs::is_regular_file(status));
-        // Nothing is known against the file.
-        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", false);
+                           renamed);
+        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed);
     }
     const auto bytes = QByteArray::fromRawData(content.bytes.data(), static_cast<qsizetype>(content.bytes.size()));
     try {
@@ -360,16 +360,19 @@ std::optional<Failure> Store::keepUnsaved(const model::ImprinterModel& model) {
         return std::nullopt;
     return guarded([&]() -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        if (isSame(mine, base()))
+        const auto changed = differing(mine, base());
+        if (changed.empty() && mine.order == base().order)
             dropJournal(m_state->journal);
         else
-            writeJournal(m_state->journal, m_file, base(), mine);
+            writeJournal(m_state->journal, m_file, base(), mine, changed);
         return std::nullopt;
     });
 }
 
 std::vector<Unsaved> Store::findUnsaved() const {
     std::vector<Unsaved> found;
+    if (m_state->readOnly)
+        return found; // what is taken over could neither be saved nor kept
     for (const auto& path : journalsFor(m_file)) {
         const auto file = OwnedFile::takeOver(path);
         if (const auto journal = file ? readJournal(*file) : std::nullopt)
@@ -379,6 +382,8 @@ std::vector<Unsaved> Store::findUnsaved() const {
 }
 
 std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask) {
+    if (m_state->readOnly || !m_state->baseBytes)
+        return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was taken over.");
     return guarded([&]() -> std::optional<Failure> {
         const auto file = OwnedFile::takeOver(unsaved.journal);
         auto journal = file ? readJournal(*file) : std::nullopt;

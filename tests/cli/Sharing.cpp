@@ -35,10 +35,10 @@ protected:
             meanwhile();
             ::kill(process, SIGCONT);
         });
-        const auto run = shell("strace -f -o calls -P " + quoted(folder / "theirs.json") +
-                               " -e trace=openat -e inject=openat:signal=STOP:when=1 " + environment() +
-                               "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " --store mine.json import " +
-                               arguments);
+        const auto run =
+            shell("strace -f -o calls -P " + quoted(folder / "theirs.json") +
+                  " -e trace=openat -e inject=openat:signal=STOP:when=1 " + environment() +
+                  "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " --store mine.json import " + arguments);
         other.join();
         return run;
     }
@@ -110,7 +110,8 @@ TEST_F(Sharing, TemporaryFoldersOfKilledCommandsGoAtTheNextStartAndNoLinkIsFollo
     letter();
     // Killed when it writes what came through the pipe.
     shell("strace -f -o /dev/null -e trace=write -e inject=write:signal=KILL:when=1 " + environment() + with +
-          "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " stamp --configuration Received - <letter.pdf >out.pdf");
+          "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) +
+          " stamp --configuration Received - <letter.pdf >out.pdf");
     const auto left = [&] { return std::distance(fs::directory_iterator(folder / "run"), fs::directory_iterator()); };
     ASSERT_EQ(left(), 2) << "one folder is left, and the link";
     EXPECT_EQ(shell(environment() + with + quoted(IMPRINTER) + " show Received").status, 0);

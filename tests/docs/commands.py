@@ -112,7 +112,7 @@ class Page:
                     self.fault(number, 'a command outside of a fence is not run')
                 for link in re.findall(r'\]\(([^)#]+)', line):
                     target = (root / self.path).parent / link
-                    if '://' not in link and 'images' not in target.parts and not target.exists():
+                    if '://' not in link and not target.exists():
                         self.fault(number, f'the link to {link} leads nowhere')
         if fence is not None:
             self.fault(start, 'the fence is not closed')

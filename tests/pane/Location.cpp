@@ -822,7 +822,7 @@ TEST_F(CustomPages, BeyondTheLimitAreRefusedVisiblyAndNeverCut) {
     QTest::keyClicks(edit, "1");
     EXPECT_EQ(a->values.customOccurance, list + u"89");
     EXPECT_EQ(edit->text().size(), 30000);
-    EXPECT_EQ(edit->accessibleDescription(), "No more than 30000 characters fit in here.");
+    EXPECT_EQ(edit->accessibleDescription(), "No more than 30,000 characters fit in here.");
 }
 
 TEST_F(CustomPages, ALongerListThatIsStoredIsShownWholeAndNotCut) {

@@ -8,6 +8,8 @@
 
 #include <fstream>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
@@ -165,8 +167,8 @@ TEST_F(InPlace, AFileThatIsChangedMeanwhileIsLeftAsItIsThen) {
             for (const bool inPlace : {true, false}) {
                 writeFile(folder / "big.pdf", document(3000, "/MediaBox [0 0 300 200]", "0 0 9 9 re f"));
                 const auto names = folder.names();
-                auto task = job(folder / "big.pdf", inPlace ? folder / "big.pdf" : folder / "out",
-                                {configuration(u"Stamped")});
+                auto task =
+                    job(folder / "big.pdf", inPlace ? folder / "big.pdf" : folder / "out", {configuration(u"Stamped")});
                 task.inPlace = inPlace;
                 task.saving = saving;
                 std::string changed;
@@ -180,8 +182,7 @@ TEST_F(InPlace, AFileThatIsChangedMeanwhileIsLeftAsItIsThen) {
                 const auto outcome = engine::stampFile(task);
                 EXPECT_EQ(outcome.code, Code::changed) << outcome.sentence;
                 EXPECT_EQ(outcome.path, task.input);
-                EXPECT_EQ(outcome.sentence,
-                          "The file was changed while it was being worked on, and is left as it is.");
+                EXPECT_EQ(outcome.sentence, "The file was changed while it was being worked on, and is left as it is.");
                 EXPECT_EQ(readFile(task.input), changed);
                 EXPECT_EQ(folder.names(), names);
             }
@@ -210,6 +211,31 @@ TEST_F(InPlace, ACopyOfAPrivateFileIsPrivate) {
         }
     }
     ::umask(old);
+}
+
+TEST_F(InPlace, WhatAKilledProgramLeftGoesWithTheNextStamping) {
+    const auto names = folder.names();
+    writeFile(folder / ".letter.pdf.stamping", "half a letter");
+    ASSERT_TRUE(stamp("letter.pdf"));
+    EXPECT_EQ(folder.names(), names);
+}
+
+TEST_F(InPlace, WhatAnotherProgramIsAboutToPutInPlaceIsLeftToIt) {
+    const auto name = folder / ".letter.pdf.stamping";
+    writeFile(name, "of another program");
+    const int owner = ::open(name.c_str(), O_RDONLY);
+    ASSERT_EQ(::flock(owner, LOCK_EX), 0);
+    ASSERT_TRUE(stamp("letter.pdf"));
+    EXPECT_EQ(readFile(name), "of another program");
+    ::close(owner);
+}
+
+TEST_F(InPlace, ALinkInItsWayIsNeitherFollowedNorRemoved) {
+    writeFile(folder / "precious", "precious");
+    fs::create_symlink("precious", folder / ".letter.pdf.stamping");
+    ASSERT_TRUE(stamp("letter.pdf"));
+    EXPECT_EQ(readFile(folder / "precious"), "precious");
+    EXPECT_TRUE(fs::is_symlink(folder / ".letter.pdf.stamping"));
 }
 
 TEST_F(InPlace, ALinkToNowhereIsReplacedAndNotFollowed) {

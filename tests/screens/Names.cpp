@@ -181,7 +181,7 @@ TEST_F(Names, ATitleIsReadWithTheTitlesOfItsTokens) {
     auto* title = part("titleTokenField");
     ASSERT_TRUE(title);
     EXPECT_EQ(title->role(), QAccessible::EditableText);
-    const auto run = app::text(u"Font %@", {QStringLiteral("1")});
+    const auto run = app::text(u"Font %@", {app::written(1)});
     const auto date = app::text(u"Date");
     const auto whole = run + QStringLiteral(" RECEIVED ") + date;
     EXPECT_EQ(title->text(QAccessible::Value), whole);
@@ -207,7 +207,7 @@ TEST_F(Names, WhatAssistiveTechnologyTypesIntoATitleIsTaken) {
     open();
     showEditor(u"Appearance");
     auto* title = part("titleTokenField");
-    const auto run = app::text(u"Font %@", {QStringLiteral("1")});
+    const auto run = app::text(u"Font %@", {app::written(1)});
     title->editableTextInterface()->insertText(static_cast<int>(run.size()) + 1, QStringLiteral("NOT "));
     const auto tokens = *window->pane().currentConfiguration()->titleTokens();
     ASSERT_EQ(tokens.size(), 3U);

@@ -168,6 +168,34 @@ TEST_F(Room, TheWindowFitsOnASmallScreen) {
     EXPECT_LE(smallest.height(), 620 * letters);
 }
 
+TEST_F(Room, FramesAreWholeAtEveryScale) {
+    open();
+    showEditor(u"Appearance");
+    const auto picture = window->grab().toImage();
+    const double scale = picture.devicePixelRatio();
+    const auto isLine = [&](double x, double y) {
+        return qGray(picture.pixel(static_cast<int>(x), static_cast<int>(y))) <
+               window->palette().color(QPalette::Window).lightness() - 30;
+    };
+    for (const char* name : {"tableView", "titleTokenField"}) {
+        const auto* framed = child(name);
+        const QRect place(framed->mapTo(window.get(), QPoint(0, 0)), framed->size());
+        const double middle = place.center().y() * scale;
+        bool left = false;
+        bool right = false;
+        bool top = false;
+        bool bottom = false;
+        // Somewhere in the point that the line is wide, or in the pixel beside it.
+        for (double way = -1; way <= scale; way += 0.5) {
+            left = left || isLine(place.left() * scale + way, middle);
+            right = right || isLine((place.right() + 1) * scale - way, middle);
+            top = top || isLine(place.left() * scale + 60, place.top() * scale + way);
+            bottom = bottom || isLine(place.left() * scale + 60, (place.bottom() + 1) * scale - way);
+        }
+        EXPECT_TRUE(left && right && top && bottom) << name << ' ' << left << right << top << bottom;
+    }
+}
+
 TEST(RoomItself, ACutLabelAndTwoThatOverlapAreFound) {
     QWidget root;
     auto* cut = new QLabel(QStringLiteral("much too long for its place"), &root);

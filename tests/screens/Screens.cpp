@@ -173,6 +173,11 @@ void Screens::visitDialogs(const Look& look) {
     const auto occurrence = outlet<NSMatrix>(u"occuranceMatrix");
     occurrence->userSelects(occurrence->cellWithTag(0));
 
+    // A document that was given on the way in, of a long name.
+    window->offerDocuments({folder / (std::string(200, 'w') + ".pdf")});
+    settle();
+    look("a document that waits", *window);
+
     engine::Outcome failed;
     failed.code = engine::Code::damaged;
     failed.path = folder / "no.pdf";

@@ -85,7 +85,7 @@ bool staysAsItIs(const QString& text) {
                                          "DejaVu Sans", "Bold",        "letter.png",    "Ctrl+Up",
                                          "Ctrl+Down",   "OK",          "Cancel",        "Yes",
                                          "No",          "Scroll Left", "Scroll Right"};
-    return known.contains(text) || text.startsWith(QLatin1String("no.pdf")) || text.startsWith(QLatin1String("<html>"));
+    return known.contains(text) || text.contains(QLatin1String(".pdf")) || text.startsWith(QLatin1String("<html>"));
 }
 
 class Words : public Screens {

@@ -27,39 +27,44 @@ public:
     Values values;
 
     std::u16string_view className() const override { return u"VelIFontType"; }
-    std::u16string name() const override { return m_name; }
-    host::NSUInteger fontNumber() const override { return values.fontNumber; }
+    std::u16string name() const override { return asked("name"), m_name; }
+    host::NSUInteger fontNumber() const override { return asked("fontNumber"), values.fontNumber; }
     void setFontNumber(host::NSUInteger number) override {
         note("setFontNumber " + std::to_string(number)), values.fontNumber = number;
     }
-    std::u16string fullFontName() const override { return values.fullFontName; }
+    std::u16string fullFontName() const override { return asked("fullFontName"), values.fullFontName; }
     void setFullFontName(const std::u16string& name) override {
         note("setFullFontName " + platform::toUtf8(name)), values.fullFontName = name;
     }
-    std::shared_ptr<host::NSFont> font() const override { return values.font; }
-    std::shared_ptr<const host::NSColor> colour() const override { return values.colour; }
+    std::shared_ptr<host::NSFont> font() const override { return asked("font"), values.font; }
+    std::shared_ptr<const host::NSColor> colour() const override { return asked("colour"), values.colour; }
     void setColour(const std::shared_ptr<const host::NSColor>& colour) override {
         note("setColour"), values.colour = colour;
     }
-    double fontSize() const override { return values.fontSize; }
+    double fontSize() const override { return asked("fontSize"), values.fontSize; }
     void setFontSize(double points) override {
         note("setFontSize " + platform::toUtf8(platform::textOfValue(points))), values.fontSize = points;
     }
-    double strokeWidth() const override { return values.strokeWidth; }
+    double strokeWidth() const override { return asked("strokeWidth"), values.strokeWidth; }
     void setStrokeWidth(double points) override {
         note("setStrokeWidth " + platform::toUtf8(platform::textOfValue(points))), values.strokeWidth = points;
     }
-    bool outline() const override { return values.outline; }
+    bool outline() const override { return asked("outline"), values.outline; }
     void setOutline(bool outline) override { note("setOutline", outline), values.outline = outline; }
-    bool underline() const override { return values.underline; }
+    bool underline() const override { return asked("underline"), values.underline; }
     void setUnderline(bool underline) override { note("setUnderline", underline), values.underline = underline; }
-    bool strikethrough() const override { return values.strikethrough; }
+    bool strikethrough() const override { return asked("strikethrough"), values.strikethrough; }
     void setStrikethrough(bool strikethrough) override {
         note("setStrikethrough", strikethrough), values.strikethrough = strikethrough;
     }
 
 private:
-    void note(const std::string& message) const { m_log.push_back(platform::toUtf8(m_name) + " " + message); }
+    void note(const std::string& message) const { arrive(m_log, platform::toUtf8(m_name) + " " + message); }
+    /// Questions are not recorded.
+    void asked(const std::string& message) const {
+        if (const auto& told = onMessage())
+            told(platform::toUtf8(m_name) + " " + message);
+    }
     void note(const std::string& message, bool value) const { note(message + (value ? " YES" : " NO")); }
 
     MessageLog& m_log;

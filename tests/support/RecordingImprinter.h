@@ -6,6 +6,7 @@
 #include <Foundation/NSString.h>
 #include <host/VelImprinterPlugin.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,19 @@ namespace testing_support {
 
 /// The messages a host has received, in order, as "receiver message argument".
 using MessageLog = std::vector<std::string>;
+
+/// Told each message as it arrives at whichever recording object, before it is answered; what it throws, the host
+/// throws.
+inline std::function<void(const std::string& message)>& onMessage() {
+    static std::function<void(const std::string&)> told;
+    return told;
+}
+
+inline void arrive(MessageLog& log, std::string message) {
+    log.push_back(std::move(message));
+    if (const auto& told = onMessage())
+        told(log.back());
+}
 
 /// A configuration that honours the contract and records every message.
 class RecordingConfiguration : public host::ImprinterConfiguration {
@@ -120,7 +134,7 @@ public:
     }
 
 private:
-    void note(const std::string& message) const { m_log.push_back(platform::toUtf8(m_id) + " " + message); }
+    void note(const std::string& message) const { arrive(m_log, platform::toUtf8(m_id) + " " + message); }
     static std::string plain(double number) { return platform::toUtf8(platform::textOfValue(number)); }
 
     MessageLog& m_log;
@@ -229,7 +243,7 @@ private:
         return index == platform::NSNotFound ? "NSNotFound" : std::to_string(index);
     }
 
-    void note(const std::string& message) const { m_log.push_back("imprinter " + message); }
+    void note(const std::string& message) const { arrive(m_log, "imprinter " + message); }
     std::string nameOf(const host::ImprinterConfiguration& configuration) const {
         const MessageLog before = m_log;
         auto id = platform::toUtf8(configuration.uniqueID());
@@ -250,7 +264,7 @@ public:
     explicit RecordingPlugin(std::shared_ptr<host::Imprinter> imprinter, MessageLog& log)
         : m_imprinter(std::move(imprinter)), m_log(log) {}
     std::shared_ptr<host::Imprinter> imprinter() override {
-        m_log.push_back("plugin imprinter");
+        arrive(m_log, "plugin imprinter");
         return m_imprinter;
     }
     static platform::NSClass describe(const std::shared_ptr<RecordingPlugin>& plugin) {

@@ -488,6 +488,26 @@ TEST_F(Unsaved, WhatIsNoJournalIsNotOffered) {
     EXPECT_NE(other->store.findUnsaved()[0].journal.filename().string(), made);
 }
 
+TEST_F(Unsaved, ChangesAreLeftForLaterWhereNothingCanBeSaved) {
+    (*one)[u"a"]->setName(u"A2");
+    end(one);
+    const auto original = content();
+    const auto found = other->store.findUnsaved().at(0);
+    put(R"({"format": "imprinter-configurations", "version": 2})");
+    store::Store newer(file);
+    model::ImprinterModel model;
+    model.setConfigurations(newer.load().configurations);
+    EXPECT_TRUE(newer.findUnsaved().empty());
+    const auto failure = newer.takeOver(found, model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_EQ(journals().size(), 1u);
+    put(original);
+    Program next(file);
+    ASSERT_EQ(sentenceOf(next.store.takeOver(next.store.findUnsaved().at(0), next.model)), "");
+    EXPECT_EQ(next.names(), "A2 B C All");
+}
+
 TEST_F(Unsaved, ChangesAreTheUsersAlone) {
     const auto old = ::umask(0);
     (*one)[u"a"]->setName(u"A2");

@@ -95,10 +95,10 @@ public:
 
     /// Reads the file as `read` does, so that it can be saved.
     ///
-    /// A damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number where that
-    /// exists. Left in its place, and read-only, is: what cannot be read; what a newer program wrote; what is no
-    /// ordinary file; what cannot be renamed; and, at any other than the default path, what does not look like a file
-    /// of configurations. What a killed program left behind when it saved is removed.
+    /// An unreadable or damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number
+    /// where that exists. Left in its place, and read-only, is: what a newer program wrote; what is no ordinary file;
+    /// what cannot be renamed; and, at any other than the default path, what does not look like a file of
+    /// configurations. What a killed program left behind when it saved is removed.
     LoadResult load();
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
@@ -119,7 +119,8 @@ public:
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
     /// without saving; removes the journal where there is nothing to keep. Does not wait for the disk.
     std::optional<Failure> keepUnsaved(const model::ImprinterModel& model);
-    /// The journals that other programs left behind; not those of programs that run.
+    /// The journals that other programs left behind; not those of programs that run, and none where nothing can be
+    /// saved.
     std::vector<Unsaved> findUnsaved() const;
     /// Joins what a journal holds with the model, as `save` would, and removes it as soon as this store's own journal
     /// has it. The file stays as it is.

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// Two windows and a command line that change one store at once: no change is lost.
+
+#include "../render/Render.h"
+#include "../support/MemoryDefaults.h"
+#include "Reliability.h"
+
+#include "Session.h"
+
+#include <Foundation/NSString.h>
+
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using platform::fromUtf8;
+using platform::toUtf8;
+
+namespace reliability {
+
+int runWindow(const std::string& name, const std::string& store, unsigned seed) {
+    platform::NSUserDefaults::setStandardUserDefaults(std::make_shared<testing_support::MemoryDefaults>());
+    std::mt19937 random(seed);
+    const auto chance = [&](unsigned oneIn) { return random() % oneIn == 0; };
+    std::map<std::u16string, double> mine; // the rotation of each configuration that only this window changes
+    std::set<std::u16string> gone;
+    std::set<std::string> kept; // what the other window made of the one that both change, when asked
+    std::string asked; // what the last of the questions of a save was about: the other window may go on meanwhile
+    int failures = 0;
+    std::unique_ptr<app::Session> session;
+    const auto open = [&] {
+        session.reset();
+        session = std::make_unique<app::Session>(store);
+        session->keepJournal();
+        session->setOnConflict([&](const store::Conflict& conflict) {
+            asked = toUtf8(conflict.theirs);
+            return store::Choice::both;
+        });
+        session->setOnSaveFailure([&](const store::Failure& failure) {
+            std::cerr << name << ": " << toUtf8(failure.sentence) << std::endl;
+            ++failures;
+        });
+    };
+    open();
+    char go = 0;
+    for (int round = 1; ::read(STDIN_FILENO, &go, 1) == 1; ++round) {
+        auto& model = session->model();
+        if (mine.empty() || chance(3)) {
+            const auto made = model.createConfiguration(false);
+            made->setName(fromUtf8(name + " " + std::to_string(round)));
+            mine[made->uniqueID()] = 0;
+        }
+        auto chosen = std::next(mine.begin(), static_cast<std::ptrdiff_t>(random() % mine.size()));
+        model.configurationForID(chosen->first)->setRotation(chosen->second = round % 360);
+        if (mine.size() > 1 && chance(4)) {
+            chosen = std::next(mine.begin(), static_cast<std::ptrdiff_t>(random() % mine.size()));
+            model.deleteConfigurationAtIndex(model.indexOfConfiguration(model.configurationForID(chosen->first)));
+            gone.insert(chosen->first);
+            mine.erase(chosen);
+        }
+        if (chance(5))
+            model.moveConfigurationAtIndexTo(random() % model.configurations()->size(),
+                                             random() % (model.configurations()->size() + 1));
+        if (chance(5))
+            model.configurationForID(u"shared")->setName(fromUtf8(name + " shares " + std::to_string(round)));
+        model.saveConfigurations();
+        if (!asked.empty())
+            kept.insert(std::exchange(asked, {}));
+        if (chance(30))
+            open();
+        if (::write(STDOUT_FILENO, "done\n", 5) != 5)
+            return 1;
+    }
+    for (const auto& [identifier, rotation] : mine)
+        std::cout << "has " << toUtf8(identifier) << ' ' << rotation << '\n';
+    for (const auto& identifier : gone)
+        std::cout << "gone " << toUtf8(identifier) << '\n';
+    for (const auto& copied : kept)
+        std::cout << "kept " << copied << '\n';
+    std::cout << std::flush;
+    return failures == 0 ? 0 : 2;
+}
+
+} // namespace reliability
+
+namespace {
+
+/// A window in a process of its own.
+class Window {
+public:
+    Window(const std::string& name, const fs::path& store, unsigned seed) {
+        int in[2];
+        int out[2];
+        EXPECT_EQ(::pipe2(in, O_CLOEXEC), 0);
+        EXPECT_EQ(::pipe2(out, O_CLOEXEC), 0);
+        m_process = ::fork();
+        if (m_process == 0) {
+            ::dup2(in[0], STDIN_FILENO);
+            ::dup2(out[1], STDOUT_FILENO);
+            ::execl("/proc/self/exe", "window", "--window", name.c_str(), store.c_str(), std::to_string(seed).c_str(),
+                    nullptr);
+            ::_exit(127);
+        }
+        ::close(in[0]);
+        ::close(out[1]);
+        m_in = in[1];
+        m_out = ::fdopen(out[0], "r");
+    }
+    ~Window() { std::fclose(m_out); }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    void go() { EXPECT_EQ(::write(m_in, "", 1), 1); }
+    std::string line() {
+        char text[1024];
+        return std::fgets(text, sizeof text, m_out) ? std::string(text, std::strcspn(text, "\n")) : std::string();
+    }
+    /// The exit status; what it printed last can still be read.
+    void finish() { ::close(m_in); }
+    int status() {
+        int status = 0;
+        ::waitpid(m_process, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    pid_t m_process;
+    int m_in;
+    std::FILE* m_out;
+};
+
+std::string documentOf(const std::string& configurations) {
+    return R"({"format": "imprinter-configurations", "version": 1, "configurations": [)" + configurations + "]}";
+}
+
+} // namespace
+
+TEST(SharedStore, NoChangeOfTwoWindowsAndACommandLineIsLost) {
+    const int rounds = reliability::rounds(25);
+    const auto seed = reliability::seed();
+    const render::Folder folder;
+    const auto file = folder / "configurations.json";
+    render::writeFile(file, documentOf(R"({"uniqueID": "shared", "name": "shared"})"));
+    const std::string import = "cd " + render::quoted(folder.path()) +
+                               " && env -u DISPLAY LC_ALL=C.UTF-8 " IMPRINTER " --store configurations.json import ";
+    Window one("one", file, seed);
+    Window two("two", file, seed + 1);
+    for (int round = 1; round <= rounds; ++round) {
+        const auto number = std::to_string(round);
+        one.go();
+        two.go();
+        render::writeFile(folder / "new.json",
+                          documentOf(R"({"uniqueID": "cli )" + number + R"(", "name": "cli )" + number + R"("})"));
+        render::writeFile(folder / "again.json",
+                          documentOf(R"({"uniqueID": "cli", "name": "cli", "rotation": )" + number + "}"));
+        auto run = render::run(import + "new.json");
+        ASSERT_EQ(run.status, 0) << run.output;
+        run = render::run(import + "--replace again.json");
+        ASSERT_EQ(run.status, 0) << run.output;
+        ASSERT_EQ(one.line(), "done");
+        ASSERT_EQ(two.line(), "done");
+    }
+    const auto result = store::Store(file).read();
+    ASSERT_TRUE(result.messages.empty()) << toUtf8(result.messages.front().sentence);
+    std::map<std::string, std::shared_ptr<model::Configuration>> byIdentifier;
+    std::multiset<std::string> names;
+    for (const auto& configuration : result.configurations) {
+        byIdentifier[toUtf8(configuration->uniqueID())] = configuration;
+        names.insert(toUtf8(configuration->name()));
+    }
+    for (int round = 1; round <= rounds; ++round)
+        EXPECT_TRUE(byIdentifier.contains("cli " + std::to_string(round))) << round;
+    EXPECT_EQ(byIdentifier.at("cli")->rotation(), rounds);
+    EXPECT_TRUE(byIdentifier.contains("shared"));
+    int changes = 0;
+    int copies = 0;
+    for (auto* window : {&one, &two}) {
+        window->finish();
+        for (auto line = window->line(); !line.empty(); line = window->line()) {
+            std::istringstream words(line);
+            std::string what;
+            std::string identifier;
+            words >> what;
+            ++changes;
+            if (what == "kept") {
+                std::getline(words >> std::ws, identifier);
+                EXPECT_TRUE(names.contains(identifier + " copy")) << identifier;
+                ++copies;
+                continue;
+            }
+            words >> identifier;
+            EXPECT_EQ(byIdentifier.contains(identifier), what == "has") << line;
+            double rotation = 0;
+            if (what == "has" && words >> rotation && byIdentifier.contains(identifier)) {
+                EXPECT_EQ(byIdentifier[identifier]->rotation(), rotation) << line;
+            }
+        }
+        EXPECT_EQ(window->status(), 0);
+    }
+    EXPECT_GT(changes, rounds / 2);
+    std::set<std::string> allowed{"again.json", "configurations.json", "new.json"};
+    for (const auto& name : folder.names())
+        EXPECT_TRUE(allowed.contains(name) || name.starts_with("configurations.previous-")) << name;
+    std::cout << rounds << " rounds, " << result.configurations.size() << " configurations, " << copies
+              << " contested and kept twice\n";
+}
