@@ -6,6 +6,7 @@
 #include <engine/Naming.h>
 
 #include <QApplication>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QProgressDialog>
 
@@ -16,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int steps = 1000; // of one document
-constexpr int shownFailures = 10;
+constexpr int shownRemarks = 10;
 
 struct Task {
     fs::path input;
@@ -25,6 +26,28 @@ struct Task {
 
 QString named(const fs::path& path) {
     return QString::fromStdString(path.filename().string());
+}
+
+/// Asks for what a document lacks to be stamped: a password, or leave to add to what was signed. False where there is
+/// nothing to ask or no answer.
+bool askFor(QWidget* parent, const engine::Outcome& outcome, engine::StampJob& job) {
+    const auto title = parent->window()->windowTitle();
+    if (outcome.code == engine::Code::isSigned && !job.allowSigned) {
+        job.allowSigned =
+            QMessageBox::question(
+                parent, title,
+                text(u"%@ is signed. Stamp it all the same? What was signed stays valid.", {named(job.input)}),
+                QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+        return job.allowSigned;
+    }
+    if (outcome.code != engine::Code::encrypted && outcome.code != engine::Code::notPermitted)
+        return false;
+    bool given = false;
+    const auto password = QInputDialog::getText(
+        parent, title, text(u"Password for %@:", {named(job.input)}) + u'\n' + QString::fromStdString(outcome.sentence),
+        QLineEdit::Password, {}, &given);
+    job.password = password.toStdString();
+    return given;
 }
 
 StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
@@ -40,6 +63,8 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
     progress.setAutoReset(false);
     progress.setRange(0, static_cast<int>(tasks.size()) * steps);
     int before = 0;
+    const bool counts = tasks.size() > 1 && engine::usesRunningNumber({configuration});
+    std::size_t nextNumber = 1;
     for (const auto& [input, output] : tasks) {
         progress.setLabelText(named(input));
         progress.setValue(before);
@@ -48,19 +73,37 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
         job.output = output;
         job.inPlace = inPlace;
         job.configurations = {configuration};
+        job.firstNumber = nextNumber;
         job.progress = [&](std::size_t pages, std::size_t all) {
             progress.setValue(before + static_cast<int>(pages * (steps - 1) / std::max<std::size_t>(all, 1)));
             return !progress.wasCanceled();
         };
-        auto outcome = progress.wasCanceled() ? engine::Outcome{engine::Code::cancelled, {}, input, {}, 0}
-                                              : engine::stampFile(job);
-        summary.cancelled = outcome.code == engine::Code::cancelled;
+        engine::Outcome outcome{engine::Code::cancelled, {}, input, {}, 0};
+        while (!progress.wasCanceled()) {
+            outcome = engine::stampFile(job);
+            if (outcome || !askFor(parent, outcome, job))
+                break;
+        }
+        summary.cancelled = outcome.code == engine::Code::cancelled || (!outcome && progress.wasCanceled());
         if (summary.cancelled)
             break;
+        if (counts) {
+            // The document may be its own output by now, which has as many pages.
+            nextNumber += engine::countPages(job);
+        }
         (outcome ? summary.done : summary.failed).push_back(std::move(outcome));
         before += steps;
     }
     return summary;
+}
+
+/// The folders that results went to, each once.
+QString placesOf(const StampSummary& summary) {
+    QStringList places;
+    for (const auto& outcome : summary.done)
+        if (const auto place = QString::fromStdString(outcome.path.parent_path().string()); !places.contains(place))
+            places.append(place);
+    return places.join(QStringLiteral(", "));
 }
 
 } // namespace
@@ -83,29 +126,41 @@ StampSummary stampDocument(QWidget* parent, const fs::path& input, const fs::pat
 
 QString tellSummary(QWidget* parent, const StampSummary& summary) {
     const auto all = summary.done.size() + summary.failed.size();
-    if (summary.failed.empty()) {
-        if (summary.cancelled)
-            return text(u"Cancelled.");
-        if (all == 1)
-            return text(u"Stamped:") + u' ' + QString::fromStdString(summary.done.front().path.string());
-        return all == 0 ? QString() : text(u"%@ documents stamped.", {written(all)});
-    }
-    QStringList reasons;
-    for (const auto& outcome : summary.failed) {
-        if (reasons.size() == shownFailures) {
-            reasons.append(QStringLiteral("…"));
-            break;
-        }
-        reasons.append(named(outcome.path) + QStringLiteral(": ") + QString::fromStdString(outcome.sentence));
-    }
-    QMessageBox box(QMessageBox::Warning, parent->window()->windowTitle(), {}, QMessageBox::Ok, parent);
+    QStringList remarks;
+    const auto remark = [&remarks](const engine::Outcome& outcome, const std::string& sentence) {
+        if (remarks.size() < shownRemarks)
+            remarks.append(named(outcome.path) + QStringLiteral(": ") + QString::fromStdString(sentence));
+        else if (remarks.size() == shownRemarks)
+            remarks.append(QStringLiteral("…"));
+    };
+    for (const auto& outcome : summary.failed)
+        remark(outcome, outcome.sentence);
+    for (const auto& outcome : summary.done)
+        for (const auto& warning : outcome.warnings)
+            remark(outcome, warning);
+    QString line;
+    if (summary.cancelled)
+        line = text(u"Cancelled.");
+    else if (summary.failed.empty() && all > 1)
+        line = text(u"%@ documents stamped.", {written(all)});
+    if (!summary.done.empty())
+        line += (line.isEmpty() ? QString() : QStringLiteral(" ")) + text(u"Stamped:") + u' ' +
+                (all == 1 ? QString::fromStdString(summary.done.front().path.string()) : placesOf(summary));
+    if (remarks.isEmpty())
+        return line;
+    if (!line.isEmpty())
+        remarks.append(line);
+    const bool failed = !summary.failed.empty();
+    QMessageBox box(failed ? QMessageBox::Warning : QMessageBox::Information, parent->window()->windowTitle(), {},
+                    QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
     box.setText(
-        all == 1 ? text(u"The document could not be stamped.")
-                 : text(u"%@ of %@ documents could not be stamped.", {written(summary.failed.size()), written(all)}));
-    box.setInformativeText(reasons.join(u'\n'));
+        !failed    ? text(u"The documents were stamped, with remarks.")
+        : all == 1 ? text(u"The document could not be stamped.")
+                   : text(u"%@ of %@ documents could not be stamped.", {written(summary.failed.size()), written(all)}));
+    box.setInformativeText(remarks.join(u'\n'));
     box.exec();
-    return {};
+    return line;
 }
 
 } // namespace app

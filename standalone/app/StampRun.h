@@ -18,7 +18,8 @@ struct StampSummary {
 };
 
 /// Stamps each document with `configuration`, beside it or, with `inPlace`, into it. A dialog over `parent` shows how
-/// far it is, and cancels; a failure ends nothing but its own document.
+/// far it is, and cancels; a failure ends nothing but its own document. Running numbers count on through all of them. A
+/// person is asked for the password of an encrypted document, and whether a signed one may be stamped.
 StampSummary stampDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
                             const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace);
 
@@ -26,8 +27,8 @@ StampSummary stampDocuments(QWidget* parent, const std::vector<std::filesystem::
 StampSummary stampDocument(QWidget* parent, const std::filesystem::path& input, const std::filesystem::path& output,
                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
 
-/// Says what became of them: in a dialog where something failed. Answers the line for the status bar otherwise, empty
-/// where there is nothing to say.
+/// Says what became of them: in a dialog where something failed or is worth a remark. Answers the line for the status
+/// bar, which says where results are; empty where there is nothing to say.
 QString tellSummary(QWidget* parent, const StampSummary& summary);
 
 } // namespace app

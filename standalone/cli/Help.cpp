@@ -40,9 +40,11 @@ const char* const helpText =
     --in-place             replace the files themselves
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
                            the file, and its name is printed.
-    --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names
+    --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names; given several
+                           times, the lists are joined
     --first-number N       where %runningNumber% begins, which counts on through all pages of all files
-    --replace              take away what the same configurations stamped before
+    --replace              take away what the same configurations stamped before; pictures, which cannot lose a
+                           stamp, are refused
     --password-file FILE   its first line opens encrypted documents
     --allow-signed         stamp signed documents too; what was signed stays valid. Certified ones are never stamped
     --incremental          add to the documents, or fail where that is impossible

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
@@ -26,6 +27,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -53,6 +55,37 @@ void interrupt(int) {
     isInterrupted = true;
 }
 
+constexpr int kEndings[] = {SIGINT, SIGTERM, SIGHUP};
+
+/// Lets a signal end the run in good order. What is ignored, as by nohup, stays so.
+void catchSignals() {
+    struct sigaction action {};
+    action.sa_handler = interrupt;
+    for (const int signal : kEndings) {
+        struct sigaction before {};
+        if (::sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            ::sigaction(signal, &action, nullptr);
+    }
+    // Whoever writes is told, and cleans up.
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+/// Waits until there is something to read, or the end; false where a signal ends the run.
+bool awaitInput(int descriptor) {
+    sigset_t endings;
+    sigset_t before;
+    sigemptyset(&endings);
+    for (const int signal : kEndings)
+        sigaddset(&endings, signal);
+    // From here on they come in while it waits, and at no other moment.
+    pthread_sigmask(SIG_BLOCK, &endings, &before);
+    pollfd input{descriptor, POLLIN, 0};
+    while (!isInterrupted && ::ppoll(&input, 1, nullptr, &before) < 0 && errno == EINTR) {
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return !isInterrupted;
+}
+
 /// A folder for what comes through pipes, made when it is needed first and gone with this object.
 class PipeFolder {
 public:
@@ -76,6 +109,8 @@ private:
 bool copyAll(int from, int to) {
     std::vector<char> buffer(64 * 1024);
     for (;;) {
+        if (!awaitInput(from))
+            return false;
         const auto got = ::read(from, buffer.data(), buffer.size());
         if (got == 0)
             return true;
@@ -83,6 +118,8 @@ bool copyAll(int from, int to) {
             return false;
         for (ssize_t at = 0; at < got;) {
             const auto put = ::write(to, buffer.data() + at, static_cast<std::size_t>(got - at));
+            if (put < 0 && errno == EINTR && !isInterrupted)
+                continue;
             if (put < 0)
                 return false;
             at += put;
@@ -174,6 +211,9 @@ std::string sentenceOf(const engine::Outcome& outcome) {
     if (outcome.code == engine::Code::nothingToStamp)
         for (const auto& reason : outcome.warnings)
             sentence += ' ' + reason;
+    std::error_code none;
+    if (outcome.code == engine::Code::unreadable && fs::is_other(outcome.path, none))
+        sentence += " What comes through a pipe is read from the standard input, which is called \"-\".";
     return sentence;
 }
 
@@ -266,6 +306,7 @@ public:
             return status;
         if (const auto problem = findFiles(); !problem.empty())
             return complain(usage, problem);
+        catchSignals();
         if (const int status = openPipes(); status != done)
             return status;
         if (const auto collision = collisionIn(m_files); !collision.empty())
@@ -278,8 +319,6 @@ public:
                 return complain(cannotWrite, folder.string() + ": " + error.message());
         }
         numberFiles();
-        std::signal(SIGINT, interrupt);
-        std::signal(SIGTERM, interrupt);
         work();
         return m_status;
     }
@@ -314,11 +353,15 @@ private:
         m_job.allowSigned = a.has("--allow-signed");
         m_job.replace = a.has("--replace");
         m_job.dryRun = a.has("--dry-run");
-        if (a.has("--pages")) {
-            m_job.pages = engine::readPageRanges(a.value("--pages"));
-            if (!m_job.pages)
-                return "--pages takes a list such as 1-3,7,10-, not " + inQuotes(a.value("--pages"));
+        // Several lists are one.
+        std::string pages;
+        for (const auto& list : a.values("--pages")) {
+            if (!engine::readPageRanges(list))
+                return "--pages takes a list such as 1-3,7,10-, not " + inQuotes(list);
+            pages += (pages.empty() ? "" : ",") + list;
         }
+        if (a.has("--pages"))
+            m_job.pages = engine::readPageRanges(pages);
         for (const char* option : {"--jobs", "--first-number"})
             if (a.has(option) && !countIn(a.value(option)))
                 return std::string(option) + " takes a whole number from 1, not " + inQuotes(a.value(option));
@@ -339,6 +382,9 @@ private:
             return complain(badInput, path + ": The file cannot be read.");
         if (m_job.password.ends_with('\r'))
             m_job.password.pop_back();
+        // The mark that editors of other systems begin a file with.
+        if (const std::string mark = "\xEF\xBB\xBF"; m_job.password.starts_with(mark))
+            m_job.password.erase(0, mark.size());
         return done;
     }
 
@@ -391,7 +437,7 @@ private:
             if (file.input.empty()) {
                 file.input = m_pipes.path() / "input";
                 if (!copyFile(file.input, STDIN_FILENO, true))
-                    return complain(badInput, "standard input: The file cannot be read.");
+                    return isInterrupted ? interrupted : complain(badInput, "standard input: The file cannot be read.");
             }
             if (file.output.empty())
                 file.output = m_pipes.path() / "output";
@@ -448,7 +494,7 @@ private:
         };
         auto outcome = m_task == Task::stamp ? engine::stampFile(job) : engine::unstampFile(job);
         if (outcome && m_toStdout && !m_job.dryRun && !copyFile(file.output, STDOUT_FILENO, false)) {
-            outcome.code = engine::Code::cannotWrite;
+            outcome.code = isInterrupted ? engine::Code::cancelled : engine::Code::cannotWrite;
             outcome.sentence = "The output cannot be written.";
             outcome.path = file.output;
         }

@@ -4,6 +4,7 @@
 #include <app/Window.h>
 #include <store/Store.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 
@@ -43,6 +44,8 @@ int main(int argc, char** argv) {
         store = arguments[1];
         arguments.erase(arguments.begin(), arguments.begin() + 2);
     }
+    // A file that may not become so large is a file that cannot be written, like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         if (arguments.empty())
             return openWindow(argc, argv, store, {});

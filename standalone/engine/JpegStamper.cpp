@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DecodedPicture.h"
+#include "JpegPatch.h"
 #include "PictureFile.h"
-#include "RasterPainter.h"
 
 #include <algorithm>
 #include <cstdio> // libjpeg's header needs it first
@@ -341,22 +341,69 @@ DecodedPicture decodeJpeg(std::string_view file) {
     return {image, geometry};
 }
 
-std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report) {
-    // 1. The units of the file that the stamps touch.
-    Decompressor source(file);
-    readHeader(source.info);
-    const auto geometry = geometryOf(source.info);
-    const QSize size(geometry.width, geometry.height);
-    Grid grid{8 * source.info.max_h_samp_factor, 8 * source.info.max_v_samp_factor, 0, 0, {}};
-    grid.columns = (size.width() + grid.width - 1) / grid.width;
-    grid.rows = (size.height() + grid.height - 1) / grid.height;
-    grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
-    const Matrix toPixels = pixelsFromShown(geometry);
-    std::vector<Patch> patches;
-    for (const auto& part : partsFor(geometry)) {
-        patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), size, false));
-        grid.touch(patches.back());
+namespace {
+
+/// Whether a table has a code for everything that a block may hold.
+bool isComplete(const JHUFF_TBL* table, bool ofBrightness) {
+    if (!table)
+        return false;
+    std::size_t codes = 0;
+    for (int length = 1; length <= 16; ++length)
+        codes += table->bits[length];
+    const auto* const end = table->huffval + std::min<std::size_t>(codes, 256);
+    const auto has = [&](int value) { return std::find(table->huffval, end, value) != end; };
+    // Of 8 bits: differences of 11 bits; runs of up to 15 before 10 bits, a run of 16, and the end. (ITU-T T.81,
+    // F.1.2.)
+    if (ofBrightness) {
+        for (int bits = 0; bits <= 11; ++bits)
+            if (!has(bits))
+                return false;
+        return true;
     }
+    for (int run = 0; run < 16; ++run)
+        for (int bits = 1; bits <= 10; ++bits)
+            if (!has(run << 4 | bits))
+                return false;
+    return has(0x00) && has(0xF0);
+}
+
+void copyTable(const JHUFF_TBL* from, JHUFF_TBL*& to, jpeg_compress_struct& out) {
+    if (!to)
+        to = jpeg_alloc_huff_table(reinterpret_cast<j_common_ptr>(&out));
+    std::memcpy(to->bits, from->bits, sizeof to->bits);
+    std::memcpy(to->huffval, from->huffval, sizeof to->huffval);
+}
+
+/// Gives the output the codes of the input. False where they do not suffice.
+bool keepCodes(const jpeg_decompress_struct& file, jpeg_compress_struct& out) {
+    if (file.progressive_mode || file.arith_code)
+        return false;
+    for (int i = 0; i < file.num_components; ++i) {
+        const auto& component = file.comp_info[i];
+        if (!isComplete(file.dc_huff_tbl_ptrs[component.dc_tbl_no], true) ||
+            !isComplete(file.ac_huff_tbl_ptrs[component.ac_tbl_no], false))
+            return false;
+    }
+    for (int i = 0; i < file.num_components; ++i) {
+        const auto& component = file.comp_info[i];
+        out.comp_info[i].dc_tbl_no = component.dc_tbl_no;
+        out.comp_info[i].ac_tbl_no = component.ac_tbl_no;
+        copyTable(file.dc_huff_tbl_ptrs[component.dc_tbl_no], out.dc_huff_tbl_ptrs[component.dc_tbl_no], out);
+        copyTable(file.ac_huff_tbl_ptrs[component.ac_tbl_no], out.ac_huff_tbl_ptrs[component.ac_tbl_no], out);
+    }
+    return true;
+}
+
+/// The stream of `source`, whose header was read, with the patches painted in; what follows its end in `file` stays.
+/// `keepsCodes`: whether the codes shall be kept; afterwards whether they were.
+std::string patched(Decompressor& source, std::string_view file, const std::vector<Patch>& patches, bool& keepsCodes) {
+    // 1. The units of the file that the stamps touch.
+    Grid grid{8 * source.info.max_h_samp_factor, 8 * source.info.max_v_samp_factor, 0, 0, {}};
+    grid.columns = (static_cast<int>(source.info.image_width) + grid.width - 1) / grid.width;
+    grid.rows = (static_cast<int>(source.info.image_height) + grid.height - 1) / grid.height;
+    grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
+    for (const auto& patch : patches)
+        grid.touch(patch);
     const QRect units = grid.bounds();
     if (units.isEmpty())
         return std::string(file);
@@ -364,8 +411,6 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     // 2. The file's coefficients, those of the touched units replaced. Pixels of subsampled colour depend on the units
     //    beside them, which are decoded too.
     jvirt_barray_ptr* const blocks = jpeg_read_coefficients(&source.info);
-    if (source.info.err->num_warnings > 0)
-        report.sentences.insert("The picture is damaged; it was read as far as possible.");
     const QRect around = units.adjusted(-1, -1, 1, 1) & QRect(0, 0, grid.columns, grid.rows);
     const QPoint corner(around.left() * grid.width, around.top() * grid.height);
     QImage image = decodeUnits(source, blocks, grid, around);
@@ -391,7 +436,8 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     out.write_Adobe_marker = source.info.saw_Adobe_marker || out.write_Adobe_marker;
     out.arith_code = source.info.arith_code;
     out.restart_interval = source.info.restart_interval;
-    out.optimize_coding = TRUE;
+    keepsCodes = keepsCodes && keepCodes(source.info, out);
+    out.optimize_coding = keepsCodes ? FALSE : TRUE;
     if (source.info.progressive_mode)
         jpeg_simple_progression(&out);
     jpeg_write_coefficients(&out, blocks);
@@ -400,6 +446,39 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     jpeg_finish_decompress(&source.info);
     const auto rest = source.info.src->bytes_in_buffer;
     return result.bytes() + std::string(file.substr(file.size() - std::min(rest, file.size())));
+}
+
+} // namespace
+
+std::string patchJpeg(std::string_view stream, const std::vector<Patch>& patches, JpegColours colours, bool keepsCodes,
+                      bool& hasNewCodes) {
+    Decompressor source(stream);
+    readHeader(source.info);
+    if (source.info.num_components == 3 && colours != JpegColours::asItSays)
+        source.info.jpeg_color_space = colours == JpegColours::rgb ? JCS_RGB : JCS_YCbCr;
+    const QRect whole(0, 0, static_cast<int>(source.info.image_width), static_cast<int>(source.info.image_height));
+    for (const auto& patch : patches)
+        if (!whole.contains(patch.area))
+            throw Failure(Code::damaged, "The picture is damaged.");
+    auto result = patched(source, stream, patches, keepsCodes);
+    hasNewCodes = !keepsCodes;
+    return result;
+}
+
+std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report) {
+    Decompressor source(file);
+    readHeader(source.info);
+    const auto geometry = geometryOf(source.info);
+    const QSize size(geometry.width, geometry.height);
+    const Matrix toPixels = pixelsFromShown(geometry);
+    std::vector<Patch> patches;
+    for (const auto& part : partsFor(geometry))
+        patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), size, false));
+    bool keepsCodes = false;
+    auto result = patched(source, file, patches, keepsCodes);
+    if (source.info.err->num_warnings > 0)
+        report.sentences.insert("The picture is damaged; it was read as far as possible.");
+    return result;
 }
 
 } // namespace engine

@@ -63,8 +63,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
 std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& report);
 
 /// The same for each page of a TIFF file. Pages, and strips or tiles of a page, that no stamp touches stay as they are,
-/// and so does all that the file says about them; those it touches keep their compression and samples. A page of two
-/// colours stays one.
+/// and so does all that the file says about them; those it touches keep their compression and samples, of JPEG ones the
+/// untouched units too. A page of two colours stays one.
 std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::size_t& stampedPages);
 std::size_t countTiffPages(std::string_view file);
 

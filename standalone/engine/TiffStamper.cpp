@@ -2,8 +2,8 @@
 // A stamped TIFF file is the file itself, with the strips and tiles that a stamp touches encoded anew behind its end,
 // and the directories' lists of them changed. (TIFF revision 6.0, sections 2, 7 and 15.)
 
+#include "JpegPatch.h"
 #include "PictureFile.h"
-#include "RasterPainter.h"
 
 #include <algorithm>
 #include <cmath>
@@ -164,10 +164,8 @@ Page readPage(TIFF* tiff) {
          field<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG) ||
         field<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) != SAMPLEFORMAT_UINT)
         unsupported();
-    // Of a JPEG stream the colours are asked for, whatever it keeps.
-    const bool isJpegColour = page.compression == COMPRESSION_JPEG && page.photometric == PHOTOMETRIC_YCBCR;
-    if (isJpegColour)
-        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    const bool isJpeg = page.compression == COMPRESSION_JPEG;
+    const bool isJpegColour = isJpeg && page.photometric == PHOTOMETRIC_YCBCR;
     const std::uint16_t colours = page.photometric == PHOTOMETRIC_RGB || isJpegColour ? 3
                                   : page.photometric == PHOTOMETRIC_SEPARATED         ? 4
                                                                                       : 1;
@@ -185,6 +183,10 @@ Page readPage(TIFF* tiff) {
     } else {
         unsupported();
     }
+    // Of JPEG only what needs nothing but patches is known.
+    if (isJpeg && (page.bits != 8 || page.samples != colours || page.model == Model::inks ||
+                   page.model == Model::indexed || page.darkIsHigh))
+        unsupported();
     std::uint16_t extraCount = 0;
     std::uint16_t* extras = nullptr;
     if (page.samples == colours + 1 && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extras) &&
@@ -384,18 +386,6 @@ std::string encode(TIFF* source, const Page& page, const Block& block, bool bigE
             TIFFSetField(out, TIFFTAG_PREDICTOR, small);
         if (page.compression == COMPRESSION_CCITTFAX3 && TIFFGetField(source, TIFFTAG_GROUP3OPTIONS, &large))
             TIFFSetField(out, TIFFTAG_GROUP3OPTIONS, large);
-        if (page.compression == COMPRESSION_JPEG) {
-            constexpr int quality = 92;
-            TIFFSetField(out, TIFFTAG_JPEGQUALITY, quality);
-            TIFFSetField(out, TIFFTAG_JPEGTABLESMODE, 0); // the block brings its own tables
-            if (page.photometric == PHOTOMETRIC_YCBCR) {
-                std::uint16_t across = 2;
-                std::uint16_t down = 2;
-                TIFFGetFieldDefaulted(source, TIFFTAG_YCBCRSUBSAMPLING, &across, &down);
-                TIFFSetField(out, TIFFTAG_YCBCRSUBSAMPLING, across, down);
-                TIFFSetField(out, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
-            }
-        }
         if (page.tiled) {
             TIFFSetField(out, TIFFTAG_TILEWIDTH, page.blockWidth);
             TIFFSetField(out, TIFFTAG_TILELENGTH, page.blockHeight);
@@ -508,6 +498,58 @@ std::map<std::uint32_t, Block> paintBlocks(TIFF* tiff, const Page& page, const s
     return blocks;
 }
 
+/// What of a block lies in the picture, in pixels of the page.
+QRect areaOf(const Page& page, std::uint32_t number) {
+    const auto across = (page.width + page.blockWidth - 1) / page.blockWidth;
+    const QRect block(static_cast<int>(number % across * page.blockWidth),
+                      static_cast<int>(number / across * page.blockHeight), static_cast<int>(page.blockWidth),
+                      static_cast<int>(page.blockHeight));
+    return block & QRect(0, 0, static_cast<int>(page.width), static_cast<int>(page.height));
+}
+
+/// The JPEG streams of the blocks that the patches touch, by number, with the patches painted in. Where a page keeps
+/// the tables of all blocks and they do not suffice, the others are there too, each with the page's tables: readers go
+/// on with the tables they met last.
+std::map<std::uint32_t, std::string> patchStreams(TIFF* tiff, const Page& page, std::string_view file,
+                                                  const std::vector<Patch>& patches) {
+    std::uint32_t tablesSize = 0;
+    const char* tables = nullptr;
+    constexpr std::size_t marker = 2; // which begins a stream, and ends it
+    const bool sharesTables = TIFFGetField(tiff, TIFFTAG_JPEGTABLES, &tablesSize, &tables) && tablesSize > 2 * marker;
+    const auto streamOf = [&](std::uint32_t number) {
+        const auto offset = TIFFGetStrileOffset(tiff, number);
+        const auto size = TIFFGetStrileByteCount(tiff, number);
+        if (offset > file.size() || size > file.size() - offset || size < 2 * marker)
+            damaged();
+        std::string stream(file.substr(offset, size));
+        return sharesTables ? std::string(tables, tablesSize - marker) + stream.substr(marker) : stream;
+    };
+    const auto colours = page.model == Model::grey               ? JpegColours::asItSays
+                         : page.photometric == PHOTOMETRIC_YCBCR ? JpegColours::brightnessAndColour
+                                                                 : JpegColours::rgb;
+    std::map<std::uint32_t, std::string> streams;
+    bool hasNewTables = false;
+    const auto count = page.tiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    for (std::uint32_t number = 0; number < count; ++number) {
+        const QRect area = areaOf(page, number);
+        std::vector<Patch> parts;
+        for (const auto& patch : patches)
+            if (const QRect common = patch.area & area; !common.isEmpty())
+                parts.push_back(
+                    {common.translated(-area.topLeft()), patch.pixels.copy(common.translated(-patch.area.topLeft()))});
+        if (parts.empty())
+            continue;
+        bool hasNewCodes = false;
+        streams[number] = patchJpeg(streamOf(number), parts, colours, sharesTables, hasNewCodes);
+        hasNewTables = hasNewTables || hasNewCodes;
+    }
+    if (sharesTables && hasNewTables)
+        for (std::uint32_t number = 0; number < count; ++number)
+            if (streams.count(number) == 0 && TIFFGetStrileByteCount(tiff, number) > 0)
+                streams[number] = streamOf(number);
+    return streams;
+}
+
 } // namespace
 
 bool isTiff(std::string_view bytes) {
@@ -556,9 +598,14 @@ std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::
         std::vector<Patch> patches;
         for (const auto& part : parts)
             patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(pixels), size, false));
-        const auto blocks = paintBlocks(tiff.get(), page, patches);
+        std::map<std::uint32_t, std::string> fresh;
+        if (page.compression == COMPRESSION_JPEG)
+            fresh = patchStreams(tiff.get(), page, file, patches);
+        else
+            for (const auto& [place, block] : paintBlocks(tiff.get(), page, patches))
+                fresh[place] = encode(tiff.get(), page, block, bigEndian);
         ++stampedPages;
-        if (blocks.empty())
+        if (fresh.empty())
             continue;
 
         std::vector<std::uint64_t> offsets;
@@ -568,8 +615,7 @@ std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::
             offsets.push_back(TIFFGetStrileOffset(tiff.get(), i));
             lengths.push_back(TIFFGetStrileByteCount(tiff.get(), i));
         }
-        for (const auto& [place, block] : blocks) {
-            const auto bytes = encode(tiff.get(), page, block, bigEndian);
+        for (const auto& [place, bytes] : fresh) {
             offsets.at(place) = Directory::append(result, bytes, large);
             lengths.at(place) = bytes.size();
         }

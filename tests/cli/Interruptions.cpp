@@ -113,3 +113,55 @@ TEST_F(Interruptions, AnInterruptEndsTheRunWithoutAnythingHalfDone) {
     EXPECT_EQ(readFile(folder / "letter.pdf"), old);
     EXPECT_EQ(files(), std::vector<std::string>{"letter.pdf"});
 }
+
+TEST_F(Interruptions, WhatEndsTheProgramWhileItReadsAPipeLeavesNoTemporaryFile) {
+    fs::create_directories(folder / "tmp");
+    for (const std::string signal : {"INT", "TERM", "HUP"}) {
+        SCOPED_TRACE(signal);
+        // The program waits for more than it gets; it is told to end once its folder is there. A shell would have it
+        // ignore interrupts in the background.
+        const auto run = shell(
+            "mkfifo pipe && exec 3<>pipe && echo beginning >&3 && { XDG_RUNTIME_DIR= TMPDIR=tmp " + environment() +
+            "python3 -c \"import os, signal; signal.signal(signal.SIGINT, signal.SIG_DFL); os.execv('" + IMPRINTER +
+            "', ['imprinter', 'stamp', '--configuration', 'Received', '-'])\" <pipe & } && "
+            "until [ -s tmp/*/input ]; do :; done 2>/dev/null; kill -" +
+            signal + " $!; wait $!; echo status $?; rm pipe");
+        EXPECT_NE(run.output.find("status 130"), std::string::npos) << run.output;
+        EXPECT_TRUE(fs::is_empty(folder / "tmp"));
+    }
+}
+
+TEST_F(Interruptions, AReaderThatGoesAwayIsNamedAndLeavesNoTemporaryFile) {
+    fs::create_directories(folder / "tmp");
+    letter("letter.pdf", 3000); // more than a pipe holds
+    const auto run = shell("{ XDG_RUNTIME_DIR= TMPDIR=tmp " + environment() + quoted(IMPRINTER) +
+                           " stamp --configuration Received - <letter.pdf; echo status $? >&2; } | head -c 1 | wc -c");
+    EXPECT_NE(run.output.find("standard output: The output cannot be written."), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("status 3"), std::string::npos) << run.output;
+    EXPECT_TRUE(fs::is_empty(folder / "tmp"));
+}
+
+TEST_F(Interruptions, WhatAKilledProgramLeftIsRemovedByTheNextAndNothingElse) {
+    fs::create_directories(folder / "tmp" / "imprinter-render");
+    fs::create_directories(folder / "tmp" / "imprinter-public");
+    letter();
+    const std::string stamp = "stamp --configuration Received - <letter.pdf >out.pdf";
+    shell("XDG_RUNTIME_DIR= TMPDIR=tmp strace -f -o /dev/null -e trace=copy_file_range -e "
+          "inject=copy_file_range:signal=KILL " +
+          environment() + "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " " + stamp);
+    const auto entries = [this] { return std::distance(fs::directory_iterator(folder / "tmp"), {}); };
+    EXPECT_EQ(entries(), 3);
+    EXPECT_EQ(imprinter(stamp, "XDG_RUNTIME_DIR= TMPDIR=tmp ").status, 0);
+    EXPECT_EQ(entries(), 2);
+}
+
+TEST_F(Interruptions, AFileThatMayNotBecomeSoLargeIsNamedAndTheOthersAreDone) {
+    letter("large.pdf", 3000);
+    letter("small.pdf", 1);
+    const auto run = shell("ulimit -f 400; " + environment() + quoted(IMPRINTER) +
+                           " stamp --configuration Received --output out large.pdf small.pdf");
+    EXPECT_EQ(run.status, 3) << run.output;
+    EXPECT_EQ(run.output, "imprinter: out/large.pdf: The output cannot be written: File too large.\n");
+    EXPECT_TRUE(bears("out/small.pdf", "RECEIVED"));
+    EXPECT_FALSE(fs::exists(folder / "out" / "large.pdf"));
+}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // `stamp` and `unstamp` with all their options.
 
+#include "../render/Signing.h"
 #include "ProgramTest.h"
 
 #include <Foundation/NSString.h>
@@ -210,15 +211,80 @@ TEST_F(Stamping, APasswordFileOpensAnEncryptedDocument) {
     EXPECT_NE(shell("qpdf --requires-password out.pdf; echo $?").output.find("0"), std::string::npos);
 }
 
-TEST_F(Stamping, SignedDocumentsNeedToBeAllowed) {
-    writeFile(folder / "signed.pdf",
-              document(1, "/MediaBox [0 0 595 842]", "BT ET", "/AcroForm << /Fields [] /SigFlags 3 >>"));
+TEST_F(Stamping, APasswordIsKnownHoweverItIsWritten) {
+    letter();
+    // As a document of old has it, and as an editor that begins files with a mark.
+    ASSERT_EQ(shell("qpdf --allow-weak-crypto --password-mode=bytes --encrypt gr\xfcn owner 128 --use-aes=y -- "
+                    "letter.pdf locked.pdf")
+                  .status,
+              0);
+    writeFile(folder / "data" / "password", "\xef\xbb\xbfgr\xc3\xbcn\r\n");
+    const auto run =
+        imprinter("stamp --configuration Received --output out.pdf --password-file data/password locked.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+}
+
+TEST_F(Stamping, ADocumentThatForbidsChangesNeedsItsOwnersPassword) {
+    letter();
+    ASSERT_EQ(shell("qpdf --encrypt '' owner 256 --modify=none -- letter.pdf locked.pdf").status, 0);
+    const std::string stamp = "stamp --configuration Received --output out.pdf locked.pdf";
+    const auto refused = imprinter(stamp);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.output,
+              "imprinter: locked.pdf: The document forbids changes; its owner's password lifts that.\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+    writeFile(folder / "data" / "password", "owner\n");
+    EXPECT_EQ(imprinter(stamp + " --password-file data/password").status, 0);
+    EXPECT_TRUE(bears("out.pdf", "RECEIVED"));
+}
+
+TEST_F(Stamping, SignedDocumentsNeedToBeAllowedAndStayValid) {
+    const render::Folder keys;
+    writeFile(folder / "signed.pdf", render::signedDocument(keys));
     const auto run = imprinter("stamp --configuration Received --output out.pdf signed.pdf");
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.output, "imprinter: signed.pdf: The document is signed, and it was not allowed to change it.\n");
     EXPECT_FALSE(fs::exists(folder / "out.pdf"));
     EXPECT_EQ(imprinter("stamp --configuration Received --allow-signed --output out.pdf signed.pdf").status, 0);
     EXPECT_TRUE(readFile(folder / "out.pdf").starts_with(readFile(folder / "signed.pdf")));
+    EXPECT_TRUE(bears("out.pdf", "RECEIVED"));
+    EXPECT_NE(shell("pdfsig out.pdf").output.find("Signature is Valid."), std::string::npos);
+}
+
+TEST_F(Stamping, CertifiedDocumentsAreNeverStamped) {
+    const render::Folder keys;
+    writeFile(folder / "certified.pdf",
+              render::signedDocument(keys, "/Reference [<< /Type /SigRef /TransformMethod /DocMDP >>]",
+                                     "/Perms << /DocMDP 7 0 R >>"));
+    const auto run = imprinter("stamp --configuration Received --allow-signed --output out.pdf certified.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: certified.pdf: The document is certified; a stamp would break that.\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+}
+
+TEST_F(Stamping, ListsOfPagesGivenOneByOneAreJoined) {
+    letter("letter.pdf", 5);
+    const auto run = imprinter("stamp --configuration Received --pages 1 --pages 3,5- --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 0) << run.output;
+    for (int page = 1; page <= 5; ++page) {
+        const auto n = std::to_string(page);
+        const auto text = shell("pdftotext -f " + n + " -l " + n + " out.pdf -").output;
+        EXPECT_EQ(text.find("RECEIVED") != std::string::npos, page % 2 == 1) << page;
+    }
+    EXPECT_EQ(imprinter("stamp --configuration Received --pages 1 --pages x --output two.pdf letter.pdf").status, 64);
+}
+
+TEST_F(Stamping, APipeByItsOwnNameIsRefusedWithAHint) {
+    letter();
+    auto run = shell("mkfifo pipe && " + environment() + quoted(IMPRINTER) +
+                     " stamp --configuration Received --output out.pdf pipe");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: pipe: This is a pipe or a device, not a file. What comes through a pipe is read "
+                          "from the standard input, which is called \"-\".\n");
+    run = imprinter("stamp --configuration Received --output pipe letter.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.output, "imprinter: pipe: The output is a pipe or a device, not a file.\n");
+    EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
 }
 
 TEST_F(Stamping, ReplacingAndRemovingFromTheCommandLine) {
