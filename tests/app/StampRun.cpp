@@ -122,10 +122,10 @@ TEST_F(StampRun, TheSummaryTellsRemarksAndWhereTheResultsAre) {
 
 TEST_F(StampRun, AnEncryptedDocumentAsksForItsPasswordUntilItFits) {
     writeFile(folder / "plain.pdf", document(1, kPage, ""));
-    ASSERT_EQ(run("qpdf --encrypt secret owner 256 -- " + quoted(folder / "plain.pdf") + " " +
-                  quoted(folder / "locked.pdf"))
-                  .status,
-              0);
+    ASSERT_EQ(
+        run("qpdf --encrypt secret owner 256 -- " + quoted(folder / "plain.pdf") + " " + quoted(folder / "locked.pdf"))
+            .status,
+        0);
     QString first;
     QString second;
     auto summary = stamp({"locked.pdf"}, {type("guess", &first), type("secret", &second)});
