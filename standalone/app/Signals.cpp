@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Signals.h"
 
+#include <QApplication>
 #include <QSocketNotifier>
 #include <QWidget>
 
@@ -29,6 +30,9 @@ void closeOnSignals(QWidget& window) {
     QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
         char bytes[16];
         [[maybe_unused]] const auto drained = read(pipeEnds[0], bytes, sizeof bytes);
+        // A question is left unanswered.
+        if (auto* question = QApplication::activeModalWidget())
+            question->close();
         window.close();
     });
     struct sigaction action {};

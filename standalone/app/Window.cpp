@@ -82,7 +82,7 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
         window->warn(toQt(message.sentence));
     session.keepJournal();
     window->offerUnsaved();
-    return QApplication::exec();
+    return window->isVisible() ? QApplication::exec() : 0; // a signal may have closed it meanwhile
 }
 
 int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder) {
