@@ -681,7 +681,7 @@ int main(int argc, char** argv) {
     if (wanted("jpeg"))
         bench.jpeg(bench.quick ? 1 : 9);
     if (wanted("jobs"))
-        bench.jobs(bench.quick ? 10 : 100, bench.quick ? 5 : 200, bench.quick ? 1 : 3);
+        bench.jobs(bench.quick ? 10 : 100, bench.quick ? 5 : 200, bench.quick ? 1 : 7);
     if (wanted("growth"))
         bench.growth(bench.quick ? 100 : 10000);
     std::error_code none;

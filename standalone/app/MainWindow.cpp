@@ -167,6 +167,14 @@ std::optional<store::Choice> MainWindow::askWhichStays(const store::Conflict& co
     return box.clickedButton() == both ? std::optional(store::Choice::both) : std::nullopt;
 }
 
+bool MainWindow::closesWithoutSaving() {
+    QMessageBox box(QMessageBox::Warning, windowTitle(), text(u"Close without saving?"), QMessageBox::Cancel, this);
+    const QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == discard;
+}
+
 void MainWindow::offerUnsaved() {
     for (const auto& unsaved : m_session.unsaved()) {
         QMessageBox box(QMessageBox::Question, windowTitle(),
@@ -236,9 +244,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         m_session.saveChanges();
     hidePane();
     runGuarded([this] { m_pane->didLeave(); });
-    // What could not be saved is kept on the screen once; closing again does without.
-    const bool stay = m_session.hasUnsaved() && !m_warned;
-    m_warned = stay;
+    // What could not be saved is kept on the screen once. Closing again does without, after asking where the journal
+    // does not hold it either.
+    bool stay = m_session.hasUnsaved();
+    if (std::exchange(m_warned, stay) && stay)
+        stay = !m_session.isJournalled() && !closesWithoutSaving();
     if (stay)
         runGuarded([this] { showPane(); });
     else

@@ -29,6 +29,8 @@ public:
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
+    /// Asks whether what could neither be saved nor kept is given up.
+    bool closesWithoutSaving();
 
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();

@@ -106,6 +106,10 @@ void Session::writeJournal() {
         platform::NSLog("There is no journal of what is not saved: " + platform::toUtf8(failure->sentence));
 }
 
+bool Session::isJournalled() {
+    return m_keepsJournal && !m_loaded.readOnly && !m_store.keepUnsaved(*m_model);
+}
+
 std::optional<store::Failure> Session::takeOver(const store::Unsaved& unsaved) {
     return m_store.takeOver(unsaved, *m_model, m_ask);
 }

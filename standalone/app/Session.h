@@ -33,6 +33,8 @@ public:
     void setOnMerge(std::function<void()> tell) { m_onMerge = std::move(tell); }
     /// Whether something was changed since it was last stored, and could not be stored.
     bool hasUnsaved() const { return m_saveFailed && m_changed; }
+    /// Whether what is unsaved is in the journal as it is now.
+    bool isJournalled();
 
     /// Told after every change of the model: as its own notice says.
     void setOnModelChange(model::Configuration::ChangeNotice told) { m_onModelChange = std::move(told); }

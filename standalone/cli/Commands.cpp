@@ -184,6 +184,12 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
     if (!sorted || sorted->files.empty())
         return complain(usage, sorted ? "which file is to be imported? `imprinter export` makes one" : problem);
 
+    // What cannot be read is left as it is; whoever opens the window sees what becomes of it.
+    if (const auto readable = store::Store(store).read(); readable.standIns) {
+        for (const auto& message : readable.messages)
+            complain(0, toUtf8(message.sentence));
+        return noConfiguration;
+    }
     store::Store own(store);
     auto present = own.load();
     for (const auto& message : present.messages)

@@ -65,6 +65,8 @@ namespace key {
 inline constexpr QLatin1String format("format");
 inline constexpr QLatin1String version("version");
 inline constexpr QLatin1String configurations("configurations");
+/// Another one for each file that was begun in the place of an earlier one; carried along as a key that is not known.
+inline constexpr QLatin1String lineage("lineage");
 inline constexpr QLatin1String uniqueID("uniqueID");
 inline constexpr QLatin1String name("name");
 inline constexpr QLatin1String combined("combinedConfiguration");

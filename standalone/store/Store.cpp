@@ -6,6 +6,8 @@
 #include "Journal.h"
 #include "Merge.h"
 
+#include <QUuid>
+
 #include <Foundation/NSString.h>
 
 #include <cstdlib>
@@ -119,7 +121,11 @@ Store::Reading Store::readFile() const {
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
             return supplied();
-        const bool renamed = isDefault && fs::is_regular_file(status);
+        // What somebody may not read stays unreadable; any other error may be gone the next time.
+        const bool renamed =
+            isDefault && fs::is_regular_file(status) &&
+            (error.code() == std::errc::permission_denied || error.code() == std::errc::operation_not_permitted ||
+             error.code() == std::errc::file_too_large);
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
                            renamed);
@@ -158,6 +164,11 @@ LoadResult Store::load() {
         reading.state.readOnly = result.readOnly = !keepAside(m_file, reading.mayBeRenamed, reading.sentence);
         result.messages.push_back({*reading.problem, reading.sentence, m_file});
     }
+    // A file that is begun anew says so, for programs that still know the one that was there before.
+    std::error_code none;
+    if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() &&
+        (reading.problem || fs::exists(previousVersion(1), none)))
+        reading.state.unknown.document[key::lineage] = QUuid::createUuid().toString(QUuid::WithoutBraces);
     reading.state.versions = m_state->versions;
     reading.state.journal = std::move(m_state->journal);
     *m_state = std::move(reading.state);
@@ -191,6 +202,15 @@ const Forms& Store::base() const {
         base = formsOf(model, {});
     }
     return *base;
+}
+
+Forms Store::commonBase(const Forms& theirs) const {
+    auto common = base();
+    if (m_state->baseBytes->isEmpty() || common.document.value(key::lineage) == theirs.document.value(key::lineage))
+        return common;
+    std::erase_if(common.byIdentifier, [&](const auto& entry) { return !theirs.byIdentifier.contains(entry.first); });
+    std::erase_if(common.order, [&](const auto& identifier) { return !theirs.byIdentifier.contains(identifier); });
+    return common;
 }
 
 namespace {
@@ -300,7 +320,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             if (theirs.problem)
                 return nothing(Code::changedElsewhere, u". " + theirs.sentence);
             const auto theirForms = formsIn(*theirs.state.baseBytes);
-            auto merged = merge(base(), mine, theirForms, decisions);
+            auto merged = merge(commonBase(theirForms), mine, theirForms, decisions);
             contested = std::move(merged.contested);
             if (!contested.empty())
                 return std::nullopt;

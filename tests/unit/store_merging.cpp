@@ -313,6 +313,26 @@ TEST_F(Merging, KeepsKeysThatThisVersionDoesNotKnowFromEitherSide) {
         EXPECT_NE(content().find(kept), std::string::npos) << kept;
 }
 
+TEST_F(Merging, WithAFileThatWasBegunAnewTakesNothingAwayThatItLacks) {
+    put(documentOf(R"({"uniqueID": "a", "name": "A"}, {"uniqueID": "b", "name": "B"})"));
+    Program longOpen(file);
+    for (const bool damaged : {true, false}) {
+        if (damaged)
+            put(R"({"format": "imprinter-configurations", )");
+        else
+            std::filesystem::remove(file);
+        store::Store fresh(file);
+        model::ImprinterModel begun;
+        begun.setConfigurations(fresh.load().configurations);
+        begun.configurations()->front()->setName(u"Begun");
+        ASSERT_EQ(sentenceOf(fresh.save(begun)), "");
+        ASSERT_EQ(longOpen.save(), "");
+        const auto names = " " + Program(file).names() + " ";
+        for (const auto* name : {" A ", " B ", " Begun "})
+            EXPECT_NE(names.find(name), std::string::npos) << names;
+    }
+}
+
 TEST_F(Merging, DoesNotReplaceWhatItCannotUnderstand) {
     for (const std::string& text :
          {std::string("{ half a fi"), std::string(R"({"format": "imprinter-configurations", "version": 2})")}) {

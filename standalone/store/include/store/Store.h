@@ -95,10 +95,11 @@ public:
 
     /// Reads the file as `read` does, so that it can be saved.
     ///
-    /// An unreadable or damaged file gets the name "configurations.damaged-<date>-<time>.json" beside it, with a number
-    /// where that exists. Left in its place, and read-only, is: what a newer program wrote; what is no ordinary file;
-    /// what cannot be renamed; and, at any other than the default path, what does not look like a file of
-    /// configurations. What a killed program left behind when it saved is removed.
+    /// A file that is damaged, or that this user may not read, gets the name
+    /// "configurations.damaged-<date>-<time>.json" beside it, with a number where that exists. Left in its place, and
+    /// read-only, is: what cannot be read for another reason, which may be gone the next time; what a newer program
+    /// wrote; what is no ordinary file; what cannot be renamed; and, at any other than the default path, what does not
+    /// look like a file of configurations. What a killed program left behind when it saved is removed.
     LoadResult load();
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
@@ -135,6 +136,9 @@ private:
     Failure failureAbout(Code code, std::u16string sentence) const;
     std::optional<Failure> guarded(const std::function<std::optional<Failure>()>& work) const;
     const Forms& base() const;
+    /// What `theirs` and this program's configurations come from: where theirs is in a file that was begun anew, since
+    /// the one that was loaded was gone or damaged, only what both have. What they lack was not deleted then.
+    Forms commonBase(const Forms& theirs) const;
     void adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model);
     std::filesystem::path m_file;
     std::uintmax_t m_mostBytes;
