@@ -30,22 +30,26 @@ QString named(const fs::path& path) {
 
 /// Asks for what a document lacks to be stamped: a password, or leave to add to what was signed. False where there is
 /// nothing to ask or no answer.
-bool askFor(QWidget* parent, const engine::Outcome& outcome, engine::StampJob& job) {
-    const auto title = parent->window()->windowTitle();
-    if (outcome.code == engine::Code::isSigned && !job.allowSigned) {
+bool askFor(QProgressDialog& progress, const engine::Outcome& outcome, engine::StampJob& job) {
+    const bool isSigned = outcome.code == engine::Code::isSigned && !job.allowSigned;
+    if (!isSigned && outcome.code != engine::Code::encrypted && outcome.code != engine::Code::notPermitted)
+        return false;
+    // It would come up by itself after a while, over the question, and take the keys from it.
+    QMetaObject::invokeMethod(&progress, "forceShow");
+    const auto title = progress.windowTitle();
+    if (isSigned) {
         job.allowSigned =
             QMessageBox::question(
-                parent, title,
+                &progress, title,
                 text(u"%@ is signed. Stamp it all the same? What was signed stays valid.", {named(job.input)}),
                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
         return job.allowSigned;
     }
-    if (outcome.code != engine::Code::encrypted && outcome.code != engine::Code::notPermitted)
-        return false;
     bool given = false;
-    const auto password = QInputDialog::getText(
-        parent, title, text(u"Password for %@:", {named(job.input)}) + u'\n' + QString::fromStdString(outcome.sentence),
-        QLineEdit::Password, {}, &given);
+    const auto password = QInputDialog::getText(&progress, title,
+                                                text(u"Password for %@:", {named(job.input)}) + u'\n' +
+                                                    QString::fromStdString(outcome.sentence),
+                                                QLineEdit::Password, {}, &given);
     job.password = password.toStdString();
     return given;
 }
@@ -81,7 +85,7 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
         engine::Outcome outcome{engine::Code::cancelled, {}, input, {}, 0};
         while (!progress.wasCanceled()) {
             outcome = engine::stampFile(job);
-            if (outcome || !askFor(parent, outcome, job))
+            if (outcome || !askFor(progress, outcome, job))
                 break;
         }
         summary.cancelled = outcome.code == engine::Code::cancelled || (!outcome && progress.wasCanceled());
@@ -101,7 +105,8 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
 QString placesOf(const StampSummary& summary) {
     QStringList places;
     for (const auto& outcome : summary.done)
-        if (const auto place = QString::fromStdString(outcome.path.parent_path().string()); !places.contains(place))
+        if (const auto place = QString::fromStdString(fs::absolute(outcome.path).parent_path().string());
+            !places.contains(place))
             places.append(place);
     return places.join(QStringLiteral(", "));
 }

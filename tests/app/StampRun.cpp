@@ -139,6 +139,20 @@ TEST_F(StampRun, AnEncryptedDocumentAsksForItsPasswordUntilItFits) {
     EXPECT_EQ(summary.done.size(), 1U);
 }
 
+TEST_F(StampRun, WhatIsAskedStandsAboveTheProgressAndTakesTheKeys) {
+    writeFile(folder / "a.pdf", document(1, kPage, ""));
+    ASSERT_EQ(
+        run("qpdf --encrypt secret owner 256 -- " + quoted(folder / "a.pdf") + " " + quoted(folder / "b.pdf")).status,
+        0);
+    const auto isAbove = [](QWidget& dialog) {
+        const auto* progress = qobject_cast<QProgressDialog*>(dialog.parentWidget());
+        ASSERT_TRUE(progress) << "which would be in front of a question of any other";
+        EXPECT_TRUE(progress->isVisible()) << "so that it does not come up later";
+        type(QStringLiteral("secret"))(dialog);
+    };
+    EXPECT_EQ(stamp({"b.pdf"}, {isAbove}).done.size(), 1U);
+}
+
 TEST_F(StampRun, ASignedDocumentIsStampedOnlyAfterAsking) {
     const Folder keys;
     writeFile(folder / "signed.pdf", signedDocument(keys));
