@@ -104,10 +104,12 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
 /// The folders that results went to, each once.
 QString placesOf(const StampSummary& summary) {
     QStringList places;
-    for (const auto& outcome : summary.done)
-        if (const auto place = QString::fromStdString(fs::absolute(outcome.path).parent_path().string());
-            !places.contains(place))
+    for (const auto& outcome : summary.done) {
+        std::error_code none;
+        const auto place = QString::fromStdString(fs::absolute(outcome.path, none).parent_path().string());
+        if (!places.contains(place))
             places.append(place);
+    }
     return places.join(QStringLiteral(", "));
 }
 
