@@ -613,7 +613,9 @@ private:
         const auto before = (*properties)["members"];
         concede(row, {"members"});
         const auto& after = m_account[row]["members"];
-        if (adds ? !after.starts_with(before) : after.size() >= before.size())
+        // A removal that was ended by an index beyond the members left the table as it was, which may ask for them
+        // again.
+        if (adds ? !after.starts_with(before) : after.size() > before.size())
             fail("members were " + before + "and are " + after);
     }
     void preview() {
