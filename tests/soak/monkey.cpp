@@ -3,7 +3,9 @@
 // and deletes configurations, closes the window and opens it again. Beside it runs an account of what each act may have
 // changed; whatever else changed is a fault, and so is a store that does not hold the account at the end.
 //
-//   monkey SECONDS SEED [FIRST-SECONDS]     memory is compared from FIRST-SECONDS on (a tenth of the time without)
+//   monkey SECONDS SEED [FIRST-SECONDS [ACTS]]
+//
+// Memory is compared from FIRST-SECONDS on (a tenth of the time without); after so many ACTS it ends before its time.
 
 #include "../support/FakeQueue.h"
 #include "../support/MemoryDefaults.h"
@@ -35,6 +37,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <limits>
 #include <random>
 #include <set>
 
@@ -688,7 +691,7 @@ private:
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: monkey SECONDS SEED [FIRST-SECONDS]\n");
+        std::fprintf(stderr, "usage: monkey SECONDS SEED [FIRST-SECONDS [ACTS]]\n");
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -696,6 +699,7 @@ int main(int argc, char** argv) {
     const double seconds = std::stod(argv[1]);
     const auto seed = static_cast<unsigned>(std::stoul(argv[2]));
     const double warm = argc > 3 ? std::stod(argv[3]) : seconds / 10;
+    const std::size_t most = argc > 4 ? std::stoul(argv[4]) : std::numeric_limits<std::size_t>::max();
     auto pattern = (fs::temp_directory_path() / "imprinter-monkey-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         return 1;
@@ -709,7 +713,7 @@ int main(int argc, char** argv) {
     {
         Monkey monkey(pattern, seed);
         monkey.open();
-        while (passed() < seconds) {
+        while (passed() < seconds && monkey.acts() < most) {
             monkey.act();
             if (before == 0 && passed() > warm)
                 before = memory();
