@@ -1,6 +1,6 @@
 # The stand-alone host's configurations in memory and on disk.
 
-add_executable(unit_model model_configuration.cpp model_font_run.cpp model_host_classes.cpp model_list.cpp)
+add_executable(unit_model model_configuration.cpp model_font_run.cpp model_history.cpp model_host_classes.cpp model_list.cpp)
 target_link_libraries(unit_model PRIVATE model GTest::gtest_main)
 add_test(NAME Unit.unit_model COMMAND unit_model)
 set_tests_properties(Unit.unit_model PROPERTIES LABELS unit)
