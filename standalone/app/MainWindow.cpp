@@ -5,6 +5,7 @@
 #include "HostBundle.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
+#include "UndoCommands.h"
 
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSException.h>
@@ -134,12 +135,34 @@ void MainWindow::showHint() {
 }
 
 void MainWindow::refreshPane() {
+    changePane([this] { m_pane->refresh(m_session.model()); });
+}
+
+void MainWindow::changePane(const std::function<void()>& change) {
     const QPointer<QWidget> focus = focusWidget();
     setUpdatesEnabled(false);
-    m_pane->refresh(m_session.model());
+    change();
     if (focus && focus->isVisible())
         focus->setFocus();
     setUpdatesEnabled(true);
+}
+
+void MainWindow::undo(bool again) {
+    const QPointer<QWidget> focus = focusWidget(); // ending the edit takes it away
+    auto& history = m_session.history();
+    if (!(again ? history.canRedo() : history.canUndo()) || !m_pane->commitEditing())
+        return;
+    const auto row = again ? history.redo() : history.undo();
+    changePane([&] {
+        const auto list = m_session.model().configurations();
+        if (list->empty())
+            m_pane->showNone(m_session.model());
+        else
+            m_pane->show(row && *row < list->size() ? (*list)[*row] : m_pane->currentConfiguration(),
+                         m_session.model());
+    });
+    if (focus && focus->isVisible() && focus->isEnabled())
+        focus->setFocus();
 }
 
 void MainWindow::warn(const QString& sentence) {
@@ -208,6 +231,7 @@ void MainWindow::makeMenus() {
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
+    new UndoCommands(m_session, *this, *menuBar()->addMenu(text(u"&Edit")));
     auto* window = menuBar()->addMenu(text(u"&Window"));
     auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
     order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));

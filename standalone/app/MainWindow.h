@@ -32,6 +32,9 @@ public:
     /// Asks whether what could neither be saved nor kept is given up.
     bool closesWithoutSaving();
 
+    /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
+    void undo(bool again);
+
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();
 
@@ -61,6 +64,8 @@ private:
     void showHint();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
+    /// The same after `change`, which shows the pane something else.
+    void changePane(const std::function<void()>& change);
     void showOrder();
     /// Whose version of a configuration stays that was changed here and elsewhere.
     std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);

@@ -5,6 +5,7 @@
 
 #include <engine/PreviewStamper.h>
 #include <files/PrivateFolder.h>
+#include <model/History.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -36,6 +37,11 @@ public:
     /// Whether what is unsaved is in the journal as it is now.
     bool isJournalled();
 
+    /// What was done to the model, so that it can be undone. A save that brought changes of another program forgets it.
+    model::History& history() { return m_history; }
+    /// The changes that follow now come from a text that undoes its own typing.
+    void textUndoes();
+
     /// Told after every change of the model: as its own notice says.
     void setOnModelChange(model::Configuration::ChangeNotice told) { m_onModelChange = std::move(told); }
     /// Stores the model if it was changed since it was stored last. Panes save too, but not without a configuration
@@ -59,6 +65,7 @@ private:
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
     void stampAgainSoon();
     void save();
+    void endStepSoon();
     void writeJournalSoon();
     void writeJournal();
 
@@ -66,6 +73,7 @@ private:
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
+    model::History m_history;
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     std::optional<files::PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
@@ -77,6 +85,7 @@ private:
     Shown m_shown;
     std::shared_ptr<bool> m_stampingSoon; // what is still to be done outlives nobody who would do it
     std::shared_ptr<bool> m_writingSoon;
+    std::shared_ptr<bool> m_endingSoon;
     std::function<void(const store::Failure&)> m_onSaveFailure;
     store::Ask m_ask;
     std::function<void()> m_onMerge;

@@ -86,8 +86,7 @@ void History::endStep(Clock::time_point now) {
     m_undone.clear();
     if (textUndoes && takeBack(step))
         return;
-    if (m_done.empty() || !areOfOneKind(m_done.back(), step) ||
-        (!textUndoes && now - m_done.back().time >= together)) {
+    if (m_done.empty() || !areOfOneKind(m_done.back(), step) || (!textUndoes && now - m_done.back().time >= together)) {
         push(std::move(step));
         return;
     }
