@@ -2,7 +2,9 @@
 #include "MainWindow.h"
 
 #include "EmptyHint.h"
+#include "ExchangeCommands.h"
 #include "HostBundle.h"
+#include "Sentences.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
 #include "UndoCommands.h"
@@ -61,7 +63,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
     setAcceptDrops(true);
     makeMenus();
-    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
+    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(failure); });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
     m_session.setOnMerge([this] {
         // Within a message of the pane; the window may be about to close, too.
@@ -165,9 +167,18 @@ void MainWindow::undo(bool again) {
         focus->setFocus();
 }
 
-void MainWindow::warn(const QString& sentence) {
+void MainWindow::show(const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
+    changePane([&] { m_pane->show(configuration, m_session.model()); });
+}
+
+void MainWindow::warn(const store::Failure& failure) {
+    warn(sentenceOf(failure), detailOf(failure));
+}
+
+void MainWindow::warn(const QString& sentence, const QString& detail) {
     QMessageBox box(QMessageBox::Warning, windowTitle(), sentence, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(detail);
     box.exec();
 }
 
@@ -213,7 +224,7 @@ void MainWindow::offerUnsaved() {
             const auto failure = m_session.takeOver(unsaved);
             refreshPane();
             if (failure)
-                warn(toQt(failure->sentence));
+                warn(*failure);
         } else if (box.clickedButton() == discard) {
             m_session.discard(unsaved);
         }
@@ -224,6 +235,8 @@ void MainWindow::makeMenus() {
     auto* file = menuBar()->addMenu(text(u"&File"));
     auto* stamp = file->addAction(text(u"&Stamp Document…"), this, &MainWindow::stampDocument);
     stamp->setShortcut(QKeySequence::Open);
+    file->addSeparator();
+    new ExchangeCommands(m_session, *this, *file);
     file->addSeparator();
     auto* settings = file->addAction(text(u"Se&ttings…"), this, &MainWindow::editSettings);
     settings->setMenuRole(QAction::PreferencesRole);

@@ -25,7 +25,13 @@ public:
     void offerDocuments(const std::vector<std::filesystem::path>& documents);
 
     /// A sentence for people, shown as it stands.
-    void warn(const QString& sentence);
+    void warn(const QString& sentence, const QString& detail = {});
+    /// About a file of configurations, in the user's language.
+    void warn(const store::Failure& failure);
+
+    /// Shows a configuration of the model in the pane, which shows its list anew.
+    void show(const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+    using QMainWindow::show;
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();

@@ -23,6 +23,7 @@ public:
     Session& operator=(const Session&) = delete;
 
     model::ImprinterModel& model() { return *m_model; }
+    const std::filesystem::path& file() const { return m_store.file(); }
     const std::vector<store::Failure>& messages() const { return m_loaded.messages; }
 
     /// Told about a save that failed; the pane's own messages carry no errors.

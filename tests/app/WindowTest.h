@@ -11,11 +11,16 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -99,10 +104,12 @@ protected:
     /// Does `work`, and meanwhile gives each modal window in turn to `answers`.
     template <class Work>
     void answering(std::vector<std::function<void(QWidget&)>> answers, const Work& work) {
-        QTimer poll;
+        // A timer does not come again while what it set off goes on, such as a dialog that opens another one.
+        QObject context;
         std::size_t next = 0;
         const QWidget* last = nullptr;
-        QObject::connect(&poll, &QTimer::timeout, [&] {
+        std::function<void()> look = [&] {
+            QTimer::singleShot(1, &context, look);
             auto* modal = QApplication::activeModalWidget();
             if (!modal || modal == last || modal->objectName() == "stamping")
                 return;
@@ -114,8 +121,8 @@ protected:
                 ADD_FAILURE() << "one window too many";
                 modal->close();
             }
-        });
-        poll.start(1);
+        };
+        look();
         work();
         EXPECT_TRUE(QTest::qWaitFor([&] { return next == answers.size(); })) << "asked " << next << " times";
         settle();
@@ -134,6 +141,24 @@ protected:
             box->close();
         };
     }
+
+    /// Takes this file in a dialog of files.
+    static std::function<void(QWidget&)> take(const std::filesystem::path& file) {
+        return [=](QWidget& modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(&modal);
+            ASSERT_TRUE(dialog);
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(app::toQt(file.u16string()));
+            QMetaObject::invokeMethod(dialog, "accept");
+        };
+    }
+    void write(const std::string& name, const std::string& content) const {
+        std::ofstream(path(name), std::ios::binary) << content;
+    }
+    std::string contents(const std::string& name) const {
+        std::ifstream stream(path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    QString status() const { return window->statusBar()->currentMessage(); }
 
     QTemporaryDir folder;
     std::shared_ptr<MemoryDefaults> defaults = std::make_shared<MemoryDefaults>();
