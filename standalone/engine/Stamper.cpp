@@ -8,6 +8,7 @@
 #include "StampPlan.h"
 
 #include <Foundation/NSString.h>
+#include <engine/WrittenTime.h>
 
 #include <QImageReader>
 
@@ -38,7 +39,9 @@ Facts factsOf(const StampJob& job) {
     Facts facts;
     facts.recordName = job.recordName.empty() ? platform::fromUtf8(job.input.stem().string()) : job.recordName;
     facts.user = job.user.empty() ? accountName() : job.user;
-    facts.now = job.now;
+    const WrittenTime now(job.now);
+    facts.day = now.day;
+    facts.time = now.time;
     facts.runningNumber = job.firstNumber;
     return facts;
 }
