@@ -4,8 +4,8 @@
 #include "Arguments.h"
 
 #include <Foundation/NSString.h>
-#include <app/Window.h>
 #include <engine/PreviewStamper.h>
+#include <files/Installation.h>
 #include <files/PrivateFolder.h>
 #include <store/Exchange.h>
 
@@ -229,7 +229,7 @@ int preview(const fs::path& store, const std::vector<std::string>& arguments) {
     const auto folder = workFolder();
     if (!folder)
         return complain(cannotWrite, "a folder for temporary files cannot be made");
-    const fs::path sample = sorted->files.empty() ? app::samplePage() : fs::path(sorted->files.front());
+    const fs::path sample = sorted->files.empty() ? files::samplePage() : fs::path(sorted->files.front());
     engine::PreviewStamper stamper(folder->path());
     const auto outcome = stamper.stamp(sample, configuration);
     if (!outcome)
