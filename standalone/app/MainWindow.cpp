@@ -4,6 +4,8 @@
 #include "EmptyHint.h"
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
+#include "Preflight.h"
+#include "RecentDocuments.h"
 #include "Sentences.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
@@ -20,6 +22,7 @@
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -235,6 +238,8 @@ void MainWindow::makeMenus() {
     auto* file = menuBar()->addMenu(text(u"&File"));
     auto* stamp = file->addAction(text(u"&Stamp Document…"), this, &MainWindow::stampDocument);
     stamp->setShortcut(QKeySequence::Open);
+    m_recent = new RecentDocuments([this](const QString& recent) { stampRecent(recent); }, this);
+    file->addMenu(m_recent);
     file->addSeparator();
     new ExchangeCommands(m_session, *this, *file);
     file->addSeparator();
@@ -321,44 +326,44 @@ void MainWindow::showSomething() {
     m_pane->show(selected ? selected : list->front(), m_session.model());
 }
 
-void MainWindow::stampDocument() {
+std::shared_ptr<host::ImprinterConfiguration> MainWindow::chosenConfiguration() {
     tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
-    const auto configuration = m_pane->currentConfiguration();
-    if (!isListed(configuration)) {
-        QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
-        return;
-    }
-    const auto inputs = QFileDialog::getOpenFileNames(
-        this, text(u"Stamp Document"), {}, text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)"));
-    if (inputs.size() != 1) {
-        stampFiles(inputs);
-        return;
-    }
-    const auto output =
-        QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(inputs.front()));
-    if (!output.isEmpty())
-        statusBar()->showMessage(tellSummary(this, app::stampDocument(this, inputs.front().toStdString(),
-                                                                      output.toStdString(), configuration)),
-                                 10000);
+    auto configuration = m_pane->currentConfiguration();
+    if (isListed(configuration))
+        return configuration;
+    QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
+    return nullptr;
 }
 
-bool MainWindow::stampFiles(const QStringList& files) {
+bool MainWindow::duplicates(const host::ImprinterConfiguration& configuration) {
+    const auto code = configuration.duplicateRecord();
+    return code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
+               ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
+               : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
+}
+
+void MainWindow::stampDocument() {
+    if (!chosenConfiguration())
+        return;
+    stampFiles(QFileDialog::getOpenFileNames(this, text(u"Stamp Document"), {},
+                                             text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)")),
+               true);
+}
+
+bool MainWindow::stampFiles(const QStringList& files, bool asksWhereTo) {
     if (files.isEmpty())
         return false;
-    tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
-    const auto configuration = m_pane->currentConfiguration();
-    if (!isListed(configuration)) {
-        QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
+    const auto configuration = chosenConfiguration();
+    if (!configuration)
         return false;
-    }
     std::vector<std::filesystem::path> inputs;
     for (const auto& file : files)
         inputs.emplace_back(file.toStdString());
-    const auto code = configuration->duplicateRecord();
-    const bool duplicates = code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
-                                ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
-                                : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
-    if (!duplicates &&
+    const auto found = checkDocuments(this, inputs, configuration);
+    if (!goesOn(this, found))
+        return false;
+    const bool inPlace = !duplicates(*configuration);
+    if (inPlace &&
         QMessageBox::question(this, windowTitle(),
                               inputs.size() == 1
                                   ? text(u"Stamp the original file? It is replaced by its stamped version.")
@@ -366,8 +371,30 @@ bool MainWindow::stampFiles(const QStringList& files) {
                                          {written(inputs.size())}),
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return false;
-    statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
+    QString output;
+    if (!inPlace && asksWhereTo && inputs.size() == 1) {
+        output = QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(files.front()));
+        if (output.isEmpty())
+            return false;
+    }
+    const auto summary = output.isEmpty()
+                             ? stampDocuments(this, inputs, configuration, inPlace)
+                             : app::stampDocument(this, inputs.front(), output.toStdString(), configuration);
+    QStringList stamped;
+    for (const auto& input : summary.inputs)
+        stamped.append(fromPath(input));
+    m_recent->add(stamped);
+    statusBar()->showMessage(tellSummary(this, summary, found.warnings), 10000);
     return true;
+}
+
+void MainWindow::stampRecent(const QString& file) {
+    if (QFileInfo::exists(file)) {
+        stampFiles({file});
+        return;
+    }
+    m_recent->remove(file);
+    warn(text(u"There is no file “%@”.", {file}));
 }
 
 void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& documents) {

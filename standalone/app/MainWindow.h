@@ -12,6 +12,7 @@
 namespace app {
 
 class EmptyHint;
+class RecentDocuments;
 
 /// The window that shows the pane, and the program's menus.
 class MainWindow final : public QMainWindow {
@@ -59,9 +60,16 @@ private:
     void rememberSelection();
     /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
     void showSomething();
+    /// The configuration on show; null, after saying so, where there is none.
+    std::shared_ptr<host::ImprinterConfiguration> chosenConfiguration();
+    /// Whether copies are stamped.
+    static bool duplicates(const host::ImprinterConfiguration& configuration);
     void stampDocument();
-    /// Beside them or in place, as the configuration says. NO where the user wanted something else first.
-    bool stampFiles(const QStringList& files);
+    /// A document of the list of recent ones, which may be gone.
+    void stampRecent(const QString& file);
+    /// Beside them or in place, as the configuration says; one may go where the user says. NO where the user wanted
+    /// something else first.
+    bool stampFiles(const QStringList& files, bool asksWhereTo = false);
     void editSettings();
     void showPane();
     /// Takes the pane's view out of the window.
@@ -79,6 +87,7 @@ private:
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
     OrderPalette* m_order;
+    RecentDocuments* m_recent;
     QPointer<EmptyHint> m_hint; // in the window while the pane is
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;

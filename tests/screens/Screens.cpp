@@ -182,8 +182,8 @@ void Screens::visitDialogs(const Look& look) {
     failed.code = engine::Code::damaged;
     failed.path = folder / "no.pdf";
     failed.sentence = "…";
-    lookAtModal("failures", look, [&] { app::tellSummary(window.get(), {{{}, {}}, {failed, failed}, false}); });
-    lookAtModal("a failure", look, [&] { app::tellSummary(window.get(), {{}, {failed}, false}); });
+    lookAtModal("failures", look, [&] { app::tellSummary(window.get(), {{{}, {}}, {failed, failed}}); });
+    lookAtModal("a failure", look, [&] { app::tellSummary(window.get(), {{}, {failed}}); });
 
     QImage(30, 20, QImage::Format_RGB32).save(QString::fromStdString((folder / "letter.png").string()));
     window->pane().currentConfiguration()->setDuplicateRecord(2);
