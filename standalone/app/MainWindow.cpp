@@ -5,7 +5,9 @@
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
 #include "Preflight.h"
+#include "PreviewDrag.h"
 #include "RecentDocuments.h"
+#include "SampleCommands.h"
 #include "Sentences.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
@@ -110,6 +112,7 @@ MainWindow::~MainWindow() {
     m_session.setOnConflict({});
     m_session.setOnMerge({});
     m_session.setOnModelChange({});
+    m_session.setOnSampleLost({});
 }
 
 void MainWindow::showPane() {
@@ -243,13 +246,19 @@ void MainWindow::makeMenus() {
     file->addSeparator();
     new ExchangeCommands(m_session, *this, *file);
     file->addSeparator();
+    new SampleCommands(m_session, *this, *file);
+    file->addSeparator();
     auto* settings = file->addAction(text(u"Se&ttings…"), this, &MainWindow::editSettings);
     settings->setMenuRole(QAction::PreferencesRole);
     file->addSeparator();
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
-    new UndoCommands(m_session, *this, *menuBar()->addMenu(text(u"&Edit")));
+    auto* edit = menuBar()->addMenu(text(u"&Edit"));
+    new UndoCommands(m_session, *this, *edit);
+    edit->addSeparator();
+    auto* preview = new PreviewDrag(m_session, this);
+    edit->addAction(text(u"&Copy Preview Picture"), preview, [preview] { runGuarded([&] { preview->copy(); }); });
     auto* window = menuBar()->addMenu(text(u"&Window"));
     auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
     order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
@@ -423,7 +432,7 @@ void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& docume
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!filesOf(*event->mimeData()).isEmpty())
+    if (!event->source() && !filesOf(*event->mimeData()).isEmpty()) // not what was dragged out of this program
         event->acceptProposedAction();
 }
 

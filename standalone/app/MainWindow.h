@@ -39,6 +39,9 @@ public:
     /// Asks whether what could neither be saved nor kept is given up.
     bool closesWithoutSaving();
 
+    /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
+    void refreshPane();
+
     /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
     void undo(bool again);
 
@@ -76,8 +79,6 @@ private:
     void hidePane();
     /// Shows what to do where there is no configuration, and only there.
     void showHint();
-    /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
-    void refreshPane();
     /// The same after `change`, which shows the pane something else.
     void changePane(const std::function<void()>& change);
     void showOrder();
