@@ -62,6 +62,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
+    m_session.setOnNotices([this](const auto& notices) { inform(notices); });
     m_session.setOnMerge([this] {
         // Within a message of the pane; the window may be about to close, too.
         QTimer::singleShot(0, this, [this] {
@@ -102,6 +103,7 @@ MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
     m_session.setOnConflict({});
+    m_session.setOnNotices({});
     m_session.setOnMerge({});
     m_session.setOnModelChange({});
 }
@@ -144,6 +146,18 @@ void MainWindow::refreshPane() {
 
 void MainWindow::warn(const QString& sentence) {
     QMessageBox box(QMessageBox::Warning, windowTitle(), sentence, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+void MainWindow::inform(const std::vector<store::Notice>& notices) {
+    constexpr std::size_t most = 10;
+    QStringList sentences;
+    for (std::size_t i = 0; i < std::min(most, notices.size()); ++i)
+        sentences.append(toQt(notices[i].sentence));
+    if (notices.size() > most)
+        sentences.append(QStringLiteral("…"));
+    QMessageBox box(QMessageBox::Information, windowTitle(), sentences.join(u'\n'), QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
     box.exec();
 }

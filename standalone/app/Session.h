@@ -29,6 +29,8 @@ public:
     /// Whom to ask about a configuration that was changed here and by another program; nobody at first, so that such a
     /// save fails.
     void setOnConflict(store::Ask ask) { m_ask = std::move(ask); }
+    /// Told what was decided without a question when changes were joined, by a save or by `takeOver`.
+    void setOnNotices(std::function<void(const std::vector<store::Notice>&)> tell) { m_onNotices = std::move(tell); }
     /// Told when a save has brought changes of another program into the model.
     void setOnMerge(std::function<void()> tell) { m_onMerge = std::move(tell); }
     /// Whether something was changed since it was last stored, and could not be stored.
@@ -59,6 +61,7 @@ private:
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
     void stampAgainSoon();
     void save();
+    void tellNotices();
     void writeJournalSoon();
     void writeJournal();
 
@@ -80,6 +83,7 @@ private:
     std::function<void(const store::Failure&)> m_onSaveFailure;
     store::Ask m_ask;
     std::function<void()> m_onMerge;
+    std::function<void(const std::vector<store::Notice>&)> m_onNotices;
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
     bool m_saidThatThereIsNoFolder = false;

@@ -248,6 +248,8 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
                             ? changedElsewhere
                             : cannotWrite,
                         toUtf8(failure->sentence));
+    for (const auto& notice : own.notices())
+        complain(0, store.string() + ": " + toUtf8(notice.sentence));
     std::cout << imported << (imported == 1 ? " configuration was imported\n" : " configurations were imported\n");
     return done;
 }

@@ -10,11 +10,10 @@ namespace store {
 
 /// What a program had changed and not saved.
 struct Journal {
-    /// As it was read or saved last, and as it was then; only what differs has a form.
+    /// As it was read or saved last, and as it was then; only what differs, and its members, have a form.
     Forms before;
     Forms after;
 
-    std::size_t changed() const;
     /// Gives what did not differ the form that it has in `current`, on both sides.
     void fillUp(const Forms& current);
 };

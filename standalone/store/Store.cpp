@@ -67,6 +67,7 @@ struct Store::State {
     bool unsynced = false;
     int versions = mostVersions;
     std::unique_ptr<OwnedFile> journal;
+    std::vector<Notice> notices;
 };
 
 /// What is in the place of the file.
@@ -227,6 +228,28 @@ bool decide(const std::vector<Contested>& contested, const Ask& ask, std::vector
     return true;
 }
 
+/// What to tell about what was joined. `here` and `there` are when the two sides did what they did: "here" and "by
+/// another program".
+std::vector<Notice> noticesOf(const Merged& merged, const std::u16string& here, const std::u16string& there) {
+    const auto nameIn = [](const QJsonObject& form) { return form.value(key::name).toString().toStdU16String(); };
+    std::vector<Notice> notices;
+    for (const auto& [form, deletedHere, combined] : merged.outlived) {
+        const auto& deleted = deletedHere ? here : there;
+        const auto& used = deletedHere ? there : here;
+        const auto name = nameIn(form);
+        const auto what =
+            combined.isEmpty() ? u" and changed " + used : u" and put into “" + nameIn(combined) + u"” " + used;
+        notices.push_back({combined.isEmpty() ? Notice::Kind::outlivedDeletion : Notice::Kind::outlivedDeletionByUse,
+                           name, nameIn(combined),
+                           u"“" + name + u"” was deleted " + deleted + what + u"; it was kept."});
+    }
+    for (const auto& [form, combined] : merged.leftOut)
+        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined),
+                           u"“" + nameIn(form) + u"” is no member of “" + nameIn(combined) +
+                               u"”, since it is a combined configuration now."});
+    return notices;
+}
+
 std::u16string namesOf(const std::vector<Contested>& contested) {
     std::u16string names;
     for (const auto& about : contested)
@@ -299,6 +322,7 @@ void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel
 }
 
 std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask) {
+    m_state->notices.clear();
     if (m_state->readOnly)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.");
     const auto nothing = [&](Code code, const std::u16string& why) {
@@ -311,6 +335,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
         Turn turn(m_file);
         const auto state = turn.state();
         auto forms = mine;
+        std::vector<Notice> notices;
         bool isThere = state && state == m_state->seen && !m_state->unsynced && isSame(mine, base());
         auto seen = m_state->seen;
         if (state && state != m_state->seen) {
@@ -324,6 +349,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             contested = std::move(merged.contested);
             if (!contested.empty())
                 return std::nullopt;
+            notices = noticesOf(merged, u"here", u"by another program");
             forms = std::move(merged.forms);
             isThere = isSame(forms, theirForms);
             seen = theirs.state.seen;
@@ -344,6 +370,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
         }
         m_state->seen = seen;
         m_state->unsynced = failure.has_value();
+        m_state->notices = std::move(notices);
         if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
             adopt(forms, mine, model);
         m_state->baseBytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
@@ -371,6 +398,10 @@ fs::path Store::previousVersion(int number) const {
     return versionOf(targetOf(m_file), number);
 }
 
+const std::vector<Notice>& Store::notices() const {
+    return m_state->notices;
+}
+
 void Store::keepNoVersions() {
     m_state->versions = 0;
 }
@@ -396,12 +427,13 @@ std::vector<Unsaved> Store::findUnsaved() const {
     for (const auto& path : journalsFor(m_file)) {
         const auto file = OwnedFile::takeOver(path);
         if (const auto journal = file ? readJournal(*file) : std::nullopt)
-            found.push_back({path, journal->changed()});
+            found.push_back({path, differing(journal->before, journal->after).size()});
     }
     return found;
 }
 
 std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask) {
+    m_state->notices.clear();
     if (m_state->readOnly || !m_state->baseBytes)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was taken over.");
     return guarded([&]() -> std::optional<Failure> {
@@ -418,6 +450,7 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
                 return failureAbout(Code::contested,
                                     namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
         adopt(merged.forms, current, model);
+        m_state->notices = noticesOf(merged, u"before the program ended", u"since");
         if (auto failure = keepUnsaved(model))
             return failure;
         file->remove();

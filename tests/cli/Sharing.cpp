@@ -73,6 +73,18 @@ TEST_F(Sharing, WhereBothChangedTheSameOneNothingIsImportedAndTheStatusSaysSo) {
     EXPECT_EQ(imprinter("--store mine.json list").output, "Uno\n");
 }
 
+TEST_F(Sharing, WhatWasDeletedDuringAnImportThatReplacesItStaysAndIsNamed) {
+    writeFile(folder / "mine.json", document(R"({"uniqueID": "1", "name": "One"}, {"uniqueID": "2", "name": "Two"})"));
+    writeFile(folder / "theirs.json", document(R"({"uniqueID": "1", "name": "Eins"})"));
+    const auto run = importing("--replace " + quoted(folder / "theirs.json"), [&] {
+        writeFile(folder / "mine.json", document(R"({"uniqueID": "2", "name": "Two"})"));
+    });
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(run.output, "imprinter: mine.json: “Eins” was deleted by another program and changed here; it was kept.\n"
+                          "1 configuration was imported\n");
+    EXPECT_EQ(imprinter("--store mine.json list").output, "Eins\nTwo\n");
+}
+
 TEST_F(Sharing, FormerVersionsCanBeListedAndTakenBack) {
     writeFile(folder / "mine.json", document(R"({"uniqueID": "1", "name": "One"})"));
     writeFile(folder / "theirs.json", document(R"({"uniqueID": "1", "name": "Eins"})"));

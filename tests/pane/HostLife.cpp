@@ -296,6 +296,21 @@ TEST_F(HostLife, TheWindowAsksWhoseChangesStay) {
     }
 }
 
+TEST_F(HostLife, TheWindowSaysWhatStaysInSpiteOfBeingDeleted) {
+    open(folder / "configurations.json");
+    session->model().saveConfigurations();
+    app::Session other(folder / "configurations.json");
+    other.model().deleteConfigurationAtIndex(0);
+    other.saveChanges();
+    current()->setName(u"Edited");
+    Presser presser(QStringLiteral("OK"));
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(presser.seen, std::vector<QString>{QStringLiteral(
+                                "“Edited” was deleted by another program and changed here; it was kept.")});
+    EXPECT_EQ(app::Session(folder / "configurations.json").model().configurations()->front()->name(), u"Edited");
+}
+
 TEST_F(HostLife, WithoutAnAnswerAboutWhoseChangesStayTheWindowStaysOpenAndNothingIsSaved) {
     open(folder / "configurations.json");
     session->model().saveConfigurations();

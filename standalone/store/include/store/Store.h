@@ -60,6 +60,20 @@ enum class Choice {
 /// Asks a person about a conflict; none where nothing is to be done at all. Without a function there is nobody to ask.
 using Ask = std::function<std::optional<Choice>(const Conflict& conflict)>;
 
+/// What was decided without a question when changes were joined, and people should know.
+struct Notice {
+    enum class Kind {
+        outlivedDeletion,      ///< it was deleted on one side, and stays since the other changed it
+        outlivedDeletionByUse, ///< it was deleted on one side, and stays since the other put it into a combined one
+        leftOut,               ///< it is no member of a combined one, since it is combined itself now
+    };
+    Kind kind;
+    std::u16string configuration; ///< its name
+    std::u16string combined;      ///< the name of the combined one; empty where there is none
+    /// For people, complete, in English.
+    std::u16string sentence;
+};
+
 /// Changes that a program left behind when it ended without having saved them.
 struct Unsaved {
     std::filesystem::path journal;
@@ -114,6 +128,8 @@ public:
     /// files are kept beside it. What has no form in a file, such as a member that is not in the model, is a failure
     /// that names it.
     [[nodiscard]] std::optional<Failure> save(model::ImprinterModel& model, const Ask& ask = {});
+    /// About the last `save` or `takeOver` that did something.
+    const std::vector<Notice>& notices() const;
     /// Keeps no former files: for one that is written to be given away.
     void keepNoVersions();
 
