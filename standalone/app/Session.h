@@ -48,7 +48,7 @@ public:
     /// to compare; a save that works drops it.
     void keepJournal();
     /// What programs left that ended without saving.
-    std::vector<store::Unsaved> unsaved() const { return m_store.findUnsaved(); }
+    std::vector<store::Unsaved> unsaved() { return m_store.findUnsaved(); }
     /// Takes it into the model, which is stored by the next save only.
     std::optional<store::Failure> takeOver(const store::Unsaved& unsaved);
     void discard(const store::Unsaved& unsaved) { m_store.discard(unsaved); }

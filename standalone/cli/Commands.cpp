@@ -100,7 +100,7 @@ int print(const Configurations& configurations) {
 
 /// Says that a window ended with changes that only the next window can take over.
 void tellOfUnsaved(const store::Store& store) {
-    if (!store.findUnsaved().empty())
+    if (store.hasUnsaved())
         complain(0, store.file().string() + ": a window ended before changes were saved; the next one offers them");
 }
 

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <ctime>
 #include <limits>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -310,12 +311,29 @@ OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporar
 }
 
 std::unique_ptr<OwnedFile> OwnedFile::takeOver(const fs::path& file) {
-    const int number = files::calls().open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    // For writing, without which network file systems do not give it to one program alone.
+    const int number = files::calls().open(file.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (number < 0)
         return nullptr;
     std::unique_ptr<OwnedFile> taken(new OwnedFile(file, number));
+    int attempts = 0;
+    while (::flock(number, LOCK_EX | LOCK_NB) != 0) {
+        // Who only asks whether it is left behind, as below, has done with it at once; an owner has not.
+        if (::flock(number, LOCK_SH | LOCK_NB) != 0 || ++attempts == 100)
+            return nullptr;
+        ::flock(number, LOCK_UN);
+        std::this_thread::yield();
+    }
     // Its owner may have put a new one in its place in this moment.
-    return ::flock(number, LOCK_EX | LOCK_NB) == 0 && isNamed(file, number) ? std::move(taken) : nullptr;
+    return isNamed(file, number) ? std::move(taken) : nullptr;
+}
+
+bool OwnedFile::isLeftBehind(const fs::path& file) {
+    const int number = files::calls().open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (number < 0)
+        return false;
+    const Descriptor descriptor(number);
+    return ::flock(number, LOCK_SH | LOCK_NB) == 0 && isNamed(file, number);
 }
 
 OwnedFile::~OwnedFile() {

@@ -80,8 +80,11 @@ class OwnedFile {
 public:
     /// Makes one beside `file`, with a name that begins with `hiddenPrefix(file, word)`. Throws std::system_error.
     OwnedFile(const std::filesystem::path& file, const std::string& word);
-    /// Takes over one that was left behind; none where it is gone, a link, or its owner is alive.
+    /// Takes over one that was left behind; none where it is gone, a link, or its owner is alive, who may have taken it
+    /// over too.
     static std::unique_ptr<OwnedFile> takeOver(const std::filesystem::path& file);
+    /// Whether it was left behind and could be taken over; nothing is.
+    static bool isLeftBehind(const std::filesystem::path& file);
     /// The file stays.
     ~OwnedFile();
     OwnedFile(const OwnedFile&) = delete;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Journal.h"
 
+#include "Merge.h"
+
 #include <QJsonArray>
 
 namespace store {
@@ -61,17 +63,28 @@ std::vector<std::filesystem::path> journalsFor(const std::filesystem::path& file
     return filesNamed(hiddenPrefix(file, unsaved));
 }
 
-std::optional<Journal> readJournal(const OwnedFile& file) {
+std::optional<std::set<QString>> changesOf(Journal journal, const Forms& current) {
+    journal.fillUp(current);
+    const auto merged = merge(journal.before, journal.after, current, {}).forms;
+    auto changed = differing(merged, current);
+    return changed.empty() && merged.order == current.order ? std::nullopt : std::optional(std::move(changed));
+}
+
+std::optional<Journal> journalIn(const QByteArray& bytes) {
     try {
-        const auto content = readFile(file.path(), 2 * Store::largestFile).bytes;
-        if (content.empty())
-            file.remove();
-        const auto object = document(QByteArray(content.data(), static_cast<qsizetype>(content.size())));
+        const auto object = document(bytes);
         if (object.value(key::format).toString() != journalFormat || object.value(key::version) != journalVersion)
             return std::nullopt;
         return Journal{formsOf(object.value(key::before).toObject()), formsOf(object.value(key::after).toObject())};
     } catch (const Problem&) {
         return std::nullopt;
+    }
+}
+
+std::optional<Journal> readJournal(const std::filesystem::path& file) {
+    try {
+        const auto content = readFile(file, 2 * Store::largestFile).bytes;
+        return journalIn(QByteArray(content.data(), static_cast<qsizetype>(content.size())));
     } catch (const std::system_error&) {
         return std::nullopt;
     }

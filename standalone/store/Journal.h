@@ -18,11 +18,17 @@ struct Journal {
     void fillUp(const Forms& current);
 };
 
+/// What joining the journal with `current` would change there. None where there is nothing left to do: whoever saved
+/// `current` had the same changes, or made the same.
+std::optional<std::set<QString>> changesOf(Journal journal, const Forms& current);
+
 /// The journals beside `file`, whoever they belong to.
 std::vector<std::filesystem::path> journalsFor(const std::filesystem::path& file);
 
-/// None where it cannot be read. One that its program had no time to fill is removed.
-std::optional<Journal> readJournal(const OwnedFile& file);
+/// None where it is no journal of this version.
+std::optional<Journal> journalIn(const QByteArray& bytes);
+/// None where it cannot be read.
+std::optional<Journal> readJournal(const std::filesystem::path& file);
 
 /// Writes what `changed` names; makes `journal` where there is none. Throws std::system_error.
 void writeJournal(std::unique_ptr<OwnedFile>& journal, const std::filesystem::path& file, const Forms& before,

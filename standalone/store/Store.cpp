@@ -193,15 +193,23 @@ std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>
     }
 }
 
+namespace {
+
+/// Without bytes those of the supplied configurations.
+Forms formsOrSupplied(const QByteArray& bytes) {
+    if (!bytes.isEmpty())
+        return formsIn(bytes);
+    model::ImprinterModel model;
+    model.setConfigurations(suppliedConfigurations());
+    return formsOf(model, {});
+}
+
+} // namespace
+
 const Forms& Store::base() const {
     auto& base = m_state->base;
-    if (!base && !m_state->baseBytes->isEmpty()) {
-        base = formsIn(*m_state->baseBytes);
-    } else if (!base) {
-        model::ImprinterModel model;
-        model.setConfigurations(suppliedConfigurations());
-        base = formsOf(model, {});
-    }
+    if (!base)
+        base = formsOrSupplied(*m_state->baseBytes);
     return *base;
 }
 
@@ -420,16 +428,35 @@ std::optional<Failure> Store::keepUnsaved(const model::ImprinterModel& model) {
     });
 }
 
-std::vector<Unsaved> Store::findUnsaved() const {
+std::vector<Unsaved> Store::findUnsaved() {
     std::vector<Unsaved> found;
-    if (m_state->readOnly)
+    if (m_state->readOnly || !m_state->baseBytes)
         return found; // what is taken over could neither be saved nor kept
     for (const auto& path : journalsFor(m_file)) {
-        const auto file = OwnedFile::takeOver(path);
-        if (const auto journal = file ? readJournal(*file) : std::nullopt)
-            found.push_back({path, differing(journal->before, journal->after).size()});
+        std::shared_ptr<OwnedFile> claim = OwnedFile::takeOver(path);
+        if (!claim)
+            continue;
+        std::error_code none;
+        const auto journal = readJournal(path);
+        const auto changes = journal ? changesOf(*journal, base()) : std::nullopt;
+        if (changes)
+            found.push_back({path, changes->size(), std::move(claim)});
+        else if (journal || fs::is_empty(path, none))
+            claim->remove();
     }
     return found;
+}
+
+bool Store::hasUnsaved() const {
+    std::optional<Forms> current;
+    for (const auto& path : journalsFor(m_file)) {
+        const auto journal = OwnedFile::isLeftBehind(path) ? readJournal(path) : std::nullopt;
+        if (journal && !current)
+            current = m_state->baseBytes ? base() : formsOrSupplied(*readFile().state.baseBytes);
+        if (journal && changesOf(*journal, *current))
+            return true;
+    }
+    return false;
 }
 
 std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask) {
@@ -437,8 +464,7 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
     if (m_state->readOnly || !m_state->baseBytes)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was taken over.");
     return guarded([&]() -> std::optional<Failure> {
-        const auto file = OwnedFile::takeOver(unsaved.journal);
-        auto journal = file ? readJournal(*file) : std::nullopt;
+        auto journal = unsaved.claim ? readJournal(unsaved.journal) : std::nullopt;
         if (!journal)
             return failureAbout(Code::unreadable, quoted(unsaved.journal) + u" cannot be read.");
         const auto current = formsOf(model, m_state->unknown);
@@ -453,14 +479,14 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
         m_state->notices = noticesOf(merged, u"before the program ended", u"since");
         if (auto failure = keepUnsaved(model))
             return failure;
-        file->remove();
+        unsaved.claim->remove();
         return std::nullopt;
     });
 }
 
 void Store::discard(const Unsaved& unsaved) {
-    if (const auto file = OwnedFile::takeOver(unsaved.journal))
-        file->remove();
+    if (unsaved.claim)
+        unsaved.claim->remove();
 }
 
 } // namespace store

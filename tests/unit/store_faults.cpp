@@ -132,6 +132,7 @@ TEST_F(Faults, OfAJournalLeaveTheOldJournalOrTheNewOne) {
             }
             EXPECT_EQ(othersInFolder().size(), 1u);
             store::Store next(file);
+            EXPECT_TRUE(next.hasUnsaved());
             const auto model = modelOf(next.load().configurations);
             const auto found = next.findUnsaved();
             ASSERT_EQ(found.size(), 1u);

@@ -521,13 +521,14 @@ TEST_F(Unsaved, ChangesAreOfferedToTheNextProgramAndChangeTheFileOnlyWhenSaved) 
     end(one);
     EXPECT_EQ(content(), before);
     Program next(file);
-    const auto found = next.store.findUnsaved();
+    auto found = next.store.findUnsaved();
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].configurations, 4u) << "the combined one lost a member";
     EXPECT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
     EXPECT_EQ(next.names(), "A2 C All New");
     EXPECT_EQ(content(), before);
     EXPECT_EQ(journals().size(), 1u) << "it is this program's now";
+    found.clear();
     EXPECT_TRUE(Program(file).store.findUnsaved().empty());
     ASSERT_EQ(next.save(), "");
     EXPECT_EQ(stored(), "A2 C All New");
@@ -542,8 +543,9 @@ TEST_F(Unsaved, ChangesSurviveTheNextProgramToo) {
         ASSERT_EQ(sentenceOf(next.store.takeOver(next.store.findUnsaved().at(0), next.model)), "");
     }
     Program afterThat(file);
-    ASSERT_EQ(afterThat.store.findUnsaved().size(), 1u);
-    ASSERT_EQ(sentenceOf(afterThat.store.takeOver(afterThat.store.findUnsaved()[0], afterThat.model)), "");
+    const auto found = afterThat.store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    ASSERT_EQ(sentenceOf(afterThat.store.takeOver(found[0], afterThat.model)), "");
     EXPECT_EQ(afterThat.names(), "A2 B C All");
 }
 
@@ -586,10 +588,79 @@ TEST_F(Unsaved, ChangesAreJoinedWithWhatWasSavedSince) {
     const auto failure = next.store.takeOver(found, next.model);
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::contested);
-    EXPECT_EQ(next.store.findUnsaved().size(), 1u);
+    EXPECT_EQ(journals().size(), 1u);
     ASSERT_EQ(sentenceOf(next.store.takeOver(found, next.model, answer.ask())), "");
     EXPECT_EQ(answer.asked, std::vector<std::string>{"of one/of other"});
     EXPECT_EQ(next.names(), "of other B2 All");
+}
+
+TEST_F(Unsaved, AJournalIsOfferedToOneProgramAtATime) {
+    (*one)[u"a"]->setName(u"A2");
+    end(one);
+    Program first(file);
+    Program second(file);
+    {
+        const auto offered = first.store.findUnsaved();
+        ASSERT_EQ(offered.size(), 1u);
+        EXPECT_TRUE(second.store.findUnsaved().empty());
+        EXPECT_FALSE(second.store.hasUnsaved());
+    }
+    EXPECT_TRUE(second.store.hasUnsaved());
+    const auto offered = second.store.findUnsaved();
+    ASSERT_EQ(offered.size(), 1u) << "the first left it for later";
+    EXPECT_TRUE(first.store.findUnsaved().empty());
+    ASSERT_EQ(sentenceOf(second.store.takeOver(offered[0], second.model)), "");
+    EXPECT_EQ(journals().size(), 1u);
+    EXPECT_TRUE(first.store.findUnsaved().empty());
+}
+
+TEST_F(Unsaved, WithoutAClaimNothingIsTakenOverOrDiscarded) {
+    (*one)[u"a"]->setName(u"A2");
+    end(one);
+    auto found = other->store.findUnsaved().at(0);
+    found.claim.reset();
+    EXPECT_TRUE(other->store.takeOver(found, other->model));
+    other->store.discard(found);
+    EXPECT_EQ(journals().size(), 1u);
+    EXPECT_EQ(other->names(), "A B C All");
+}
+
+TEST_F(Unsaved, AJournalWhoseChangesWereSavedSinceIsDropped) {
+    (*one)[u"a"]->setName(u"A2");
+    (*one)[u"b"]->setRotation(12.3);
+    one->remove(u"c");
+    end(one);
+    (*other)[u"a"]->setName(u"A2");
+    (*other)[u"b"]->setRotation(double(12.3F));
+    other->remove(u"c");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_FALSE(store::Store(file).hasUnsaved());
+    EXPECT_EQ(journals().size(), 1u) << "who only looks removes nothing";
+    EXPECT_TRUE(Program(file).store.findUnsaved().empty());
+    EXPECT_TRUE(journals().empty());
+}
+
+TEST_F(Unsaved, OfAJournalOnlyWhatStillDiffersIsOffered) {
+    (*one)[u"a"]->setName(u"A2");
+    (*one)[u"b"]->setName(u"B2");
+    one->move(u"c", 0);
+    end(one);
+    (*other)[u"a"]->setName(u"A2");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_TRUE(store::Store(file).hasUnsaved());
+    Program next(file);
+    {
+        const auto found = next.store.findUnsaved();
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].configurations, 1u);
+    }
+    (*next.model.configurations())[1]->setName(u"B2");
+    ASSERT_EQ(next.save(), "");
+    const auto found = next.store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].configurations, 0u) << "only the order is left";
+    ASSERT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
+    EXPECT_EQ(next.names(), "C A2 B2 All");
 }
 
 TEST_F(Unsaved, AMemberThatWasDeletedSinceComesBackWithWhatItWasPutInto) {
@@ -600,7 +671,7 @@ TEST_F(Unsaved, AMemberThatWasDeletedSinceComesBackWithWhatItWasPutInto) {
     Program next(file);
     const auto found = next.store.findUnsaved();
     ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].configurations, 1u) << "its member was not changed";
+    EXPECT_EQ(found[0].configurations, 2u) << "the combined one, and the member that comes back";
     ASSERT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
     EXPECT_EQ(told(next), std::vector<std::string>{
                               "“C” was deleted since and put into “All” before the program ended; it was kept."});
@@ -625,18 +696,18 @@ TEST_F(Unsaved, WhatIsNoJournalIsNotOffered) {
     std::filesystem::create_symlink(file, folder / ".configurations.json.unsaved-eeeeee");
     EXPECT_TRUE(one->store.findUnsaved().empty());
     EXPECT_EQ(othersInFolder().size(), 4u) << "only the empty one is known to hold nothing";
-    std::string made;
     (*one)[u"a"]->setName(u"A2");
     end(one);
-    ASSERT_EQ(other->store.findUnsaved().size(), 1u);
-    EXPECT_NE(other->store.findUnsaved()[0].journal.filename().string(), made);
+    const auto found = other->store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_FALSE(found[0].journal.filename().string().ends_with("eeeeee"));
 }
 
 TEST_F(Unsaved, ChangesAreLeftForLaterWhereNothingCanBeSaved) {
     (*one)[u"a"]->setName(u"A2");
     end(one);
     const auto original = content();
-    const auto found = other->store.findUnsaved().at(0);
+    auto found = other->store.findUnsaved().at(0);
     put(R"({"format": "imprinter-configurations", "version": 2})");
     store::Store newer(file);
     model::ImprinterModel model;
@@ -646,6 +717,7 @@ TEST_F(Unsaved, ChangesAreLeftForLaterWhereNothingCanBeSaved) {
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::readOnly);
     EXPECT_EQ(journals().size(), 1u);
+    found.claim.reset();
     put(original);
     Program next(file);
     ASSERT_EQ(sentenceOf(next.store.takeOver(next.store.findUnsaved().at(0), next.model)), "");

@@ -11,6 +11,7 @@
 namespace store {
 
 struct Forms;
+class OwnedFile;
 
 /// What went wrong with the file of configurations.
 enum class Code {
@@ -77,8 +78,10 @@ struct Notice {
 /// Changes that a program left behind when it ended without having saved them.
 struct Unsaved {
     std::filesystem::path journal;
-    /// How many configurations were changed, created or deleted; 0 where only their order was.
+    /// How many configurations taking it over would change, create or delete; 0 where only their order.
     std::size_t configurations = 0;
+    /// As long as there is a copy of it, the journal is offered to nobody else.
+    std::shared_ptr<OwnedFile> claim;
 };
 
 /// The configurations on disk: one file, described in docs/file-format.md.
@@ -136,9 +139,12 @@ public:
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
     /// without saving; removes the journal where there is nothing to keep. Does not wait for the disk.
     std::optional<Failure> keepUnsaved(const model::ImprinterModel& model);
-    /// The journals that other programs left behind; not those of programs that run, and none where nothing can be
-    /// saved.
-    std::vector<Unsaved> findUnsaved() const;
+    /// The journals that other programs left behind; not those of programs that run, nor those that another program was
+    /// offered and has not answered about, and none where nothing can be saved. One that would change nothing about
+    /// what was loaded or saved last, or that holds nothing, is removed.
+    std::vector<Unsaved> findUnsaved();
+    /// Whether there is such a journal, for whoever takes nothing over: nothing is claimed, and nothing removed.
+    bool hasUnsaved() const;
     /// Joins what a journal holds with the model, as `save` would, and removes it as soon as this store's own journal
     /// has it. The file stays as it is.
     std::optional<Failure> takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask = {});
