@@ -18,10 +18,6 @@ int Calls::openTemporary(char* pattern) {
     return ::mkostemp(pattern, O_CLOEXEC);
 }
 
-ssize_t Calls::read(int file, void* bytes, std::size_t size) {
-    return ::read(file, bytes, size);
-}
-
 ssize_t Calls::pread(int file, void* bytes, std::size_t size, off_t at) {
     return ::pread(file, bytes, size, at);
 }

@@ -2,6 +2,7 @@
 #include "File.h"
 
 #include <files/Calls.h>
+#include <files/ReadWhole.h>
 
 #include <algorithm>
 #include <array>
@@ -187,20 +188,7 @@ FileContent readFile(const fs::path& file, std::uintmax_t limit) {
     FileContent content{{}, fingerprintOf(status)};
     if (static_cast<std::uintmax_t>(status.st_size) > limit)
         fail(EFBIG);
-    content.bytes.resize(static_cast<std::size_t>(status.st_size));
-    std::size_t at = 0;
-    while (at < content.bytes.size()) {
-        const auto count =
-            files::calls().read(descriptor.number(), content.bytes.data() + at, content.bytes.size() - at);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            fail(errno);
-        if (count == 0)
-            break;
-        at += static_cast<std::size_t>(count);
-    }
-    content.bytes.resize(at);
+    content.bytes = files::readWhole(descriptor.number(), static_cast<std::size_t>(status.st_size));
     return content;
 }
 

@@ -18,7 +18,6 @@ public:
     virtual int open(const char* path, int flags, mode_t mode = 0);
     /// `mkostemp`, closed in programs that are started: fills in the last six letters of `pattern`.
     virtual int openTemporary(char* pattern);
-    virtual ssize_t read(int file, void* bytes, std::size_t size);
     virtual ssize_t pread(int file, void* bytes, std::size_t size, off_t at);
     virtual ssize_t write(int file, const void* bytes, std::size_t size);
     /// `copy_file_range` to where `to` stands.
