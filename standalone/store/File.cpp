@@ -23,6 +23,26 @@ namespace store {
 
 namespace fs = std::filesystem;
 
+/// A name of a file that is taken away again, if it is still there.
+class Name {
+public:
+    Name() = default;
+    explicit Name(fs::path path) : m_path(std::move(path)) {}
+    ~Name() {
+        if (!m_path.empty())
+            ::unlink(m_path.c_str());
+    }
+    Name(Name&& other) noexcept : m_path(std::exchange(other.m_path, {})) {}
+    Name& operator=(Name&&) = delete;
+
+    /// Empty for none.
+    const fs::path& path() const { return m_path; }
+    void release() { m_path.clear(); }
+
+private:
+    fs::path m_path;
+};
+
 namespace {
 
 [[noreturn]] void fail(int error) {
@@ -83,6 +103,7 @@ bool isFilledIn(const std::string& name, const std::string& prefix) {
 }
 
 constexpr char saving[] = "saving";
+constexpr char formerly[] = "former";
 
 /// To be called with the folder locked.
 void removeLeftoversOf(const fs::path& target) {
@@ -236,8 +257,10 @@ private:
 Turn::Turn(const fs::path& file) : m_target(targetOf(file)) {
     makeFolders(m_target.parent_path());
     m_folder = std::make_unique<LockedFolder>(m_target.parent_path(), LOCK_EX);
-    if (m_folder->isLocked())
+    if (m_folder->isLocked()) {
         removeLeftoversOf(m_target);
+        finishKilled();
+    }
 }
 
 Turn::~Turn() = default;
@@ -246,41 +269,86 @@ std::optional<Fingerprint> Turn::state() const {
     return fingerprintOf(m_target);
 }
 
-void Turn::keepVersions(int versions) const {
-    const auto last = versionOf(m_target, 1);
+void Turn::confirm() {
+    // Not every file system can do that with a folder.
+    if (files::calls().sync(m_folder->number()) != 0 && errno != EINVAL)
+        fail(errno);
+}
+
+Name Turn::former(const std::string& suffix) const {
     std::error_code none;
-    // A program that was killed right here has kept it already.
-    if (versions < 1 || !fs::exists(m_target, none) || fs::equivalent(m_target, last, none))
-        return;
-    for (int number = versions; number > 1; --number)
-        files::calls().rename(versionOf(m_target, number - 1).c_str(), versionOf(m_target, number).c_str());
-    if (files::calls().link(m_target.c_str(), last.c_str()) == 0) {
-        ::chmod(last.c_str(), 0600);
-        return;
-    }
+    if (!fs::exists(m_target, none))
+        return {};
+    Name name(hiddenPrefix(m_target, formerly).string() + suffix);
+    if (files::calls().link(m_target.c_str(), name.path().c_str()) == 0)
+        return name;
     if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK)
-        return;
+        return {};
     // Some file systems have one name for a file only.
-    TemporaryFile copy(hiddenPrefix(m_target, saving));
-    writeAll(copy.number(), readFile(m_target, std::numeric_limits<std::uintmax_t>::max()).bytes);
-    copy.finish();
-    copy.renameTo(last);
+    try {
+        TemporaryFile copy(hiddenPrefix(m_target, formerly));
+        writeAll(copy.number(), readFile(m_target, std::numeric_limits<std::uintmax_t>::max()).bytes);
+        copy.finish();
+        copy.renameTo(name.path());
+        return name;
+    } catch (const std::system_error&) {
+        return {}; // what was is worth less than what is
+    }
+}
+
+void Turn::keep(Name former, const std::string& suffix, int versions) const {
+    std::error_code none;
+    for (int number = 1; number <= versions; ++number)
+        if (const auto version = versionOf(m_target, number);
+            fs::exists(version, none) && !fs::is_regular_file(version, none))
+            return; // whatever that is, it is nobody's former version
+    int gap = 1;
+    while (gap < versions && fs::exists(versionOf(m_target, gap), none))
+        ++gap;
+    // Each step can be taken back, so that what cannot be kept leaves what was kept before.
+    std::vector<std::pair<fs::path, fs::path>> steps;
+    const Name last(hiddenPrefix(m_target, saving).string() + suffix);
+    if (fs::exists(versionOf(m_target, gap), none))
+        steps.emplace_back(versionOf(m_target, gap), last.path());
+    for (; gap > 1; --gap)
+        steps.emplace_back(versionOf(m_target, gap - 1), versionOf(m_target, gap));
+    steps.emplace_back(former.path(), versionOf(m_target, 1));
+    std::size_t done = 0;
+    while (done < steps.size() && files::calls().rename(steps[done].first.c_str(), steps[done].second.c_str()) == 0)
+        ++done;
+    if (done == steps.size())
+        ::chmod(versionOf(m_target, 1).c_str(), 0600);
+    else
+        while (done-- > 0)
+            files::calls().rename(steps[done].second.c_str(), steps[done].first.c_str());
+}
+
+void Turn::finishKilled() const {
+    for (const auto& path : filesNamed(hiddenPrefix(m_target, formerly))) {
+        Name former(path);
+        try {
+            constexpr auto most = std::numeric_limits<std::uintmax_t>::max();
+            // It was killed before the new file came into its place, or after.
+            if (std::error_code none; fs::exists(m_target, none) && !fs::equivalent(path, m_target, none) &&
+                                      readFile(path, most).bytes != readFile(m_target, most).bytes)
+                keep(std::move(former), path.string().substr(path.string().size() - pattern.size()), mostVersions);
+        } catch (const std::system_error&) {
+            former.release(); // the next one may be able to
+        }
+    }
 }
 
 void Turn::replace(std::string_view bytes, std::optional<Fingerprint>& seen, int versions) {
     TemporaryFile temporary(hiddenPrefix(m_target, saving));
     writeAll(temporary.number(), bytes);
     const auto written = temporary.finish();
-    try {
-        keepVersions(versions);
-    } catch (const std::system_error&) {
-        // What was is worth less than what is.
-    }
+    const auto suffix = temporary.path().substr(temporary.path().size() - pattern.size());
+    auto last = versions > 0 ? former(suffix) : Name();
     temporary.renameTo(m_target);
     seen = written;
-    // Not every file system can do that with a folder.
-    if (files::calls().sync(m_folder->number()) != 0 && errno != EINVAL)
-        fail(errno);
+    if (!last.path().empty())
+        keep(std::move(last), suffix, versions);
+    confirm();
 }
 
 OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporaryPrefix(hiddenPrefix(file, saving)) {

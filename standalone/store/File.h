@@ -38,6 +38,7 @@ inline constexpr int mostVersions = 3;
 std::filesystem::path versionOf(const std::filesystem::path& file, int number);
 
 class LockedFolder;
+class Name;
 
 /// A program's turn to replace a file. Others of its kind wait, so that what is read in a turn is what is replaced in
 /// it; where the file system has no locks a small gap remains.
@@ -56,13 +57,18 @@ public:
     /// Puts `bytes` in the place of the file, at once or not at all, and waits until they are on the disk. The new file
     /// is the user's alone. `seen` becomes its state when it is in its place.
     ///
-    /// The file that is replaced is kept under `versionOf(file, 1)`, and those kept before move on by one number, as
-    /// many as `versions`. What cannot be kept is no reason not to replace. Throws std::system_error; the old file is
-    /// then untouched, unless only the last wait failed.
+    /// Once the new file is in its place, the one that was there is kept under `versionOf(file, 1)`, and those kept
+    /// before move on by one number, as many as `versions`; what a killed program did not come to do of that the next
+    /// one does. What cannot be kept is no reason not to replace, and leaves what was kept as it was. Throws
+    /// std::system_error; the old file is then untouched, unless only the last wait failed.
     void replace(std::string_view bytes, std::optional<Fingerprint>& seen, int versions);
+    /// Waits until the names of the folder are on the disk, as `replace` does last. Throws std::system_error.
+    void confirm();
 
 private:
-    void keepVersions(int versions) const;
+    Name former(const std::string& suffix) const;
+    void keep(Name former, const std::string& suffix, int versions) const;
+    void finishKilled() const;
 
     std::filesystem::path m_target;
     std::unique_ptr<LockedFolder> m_folder;

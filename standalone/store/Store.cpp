@@ -344,7 +344,15 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
         const auto state = turn.state();
         auto forms = mine;
         std::vector<Notice> notices;
-        bool isThere = state && state == m_state->seen && !m_state->unsynced && isSame(mine, base());
+        bool isThere = state && state == m_state->seen && isSame(mine, base());
+        if (isThere && m_state->unsynced) {
+            auto failure = guarded([&] {
+                turn.confirm();
+                return std::nullopt;
+            });
+            m_state->unsynced = failure.has_value();
+            return failure;
+        }
         auto seen = m_state->seen;
         if (state && state != m_state->seen) {
             if (!m_state->baseBytes)
