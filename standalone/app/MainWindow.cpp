@@ -62,6 +62,11 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
+    m_session.setOnWait([this] {
+        // Nothing else happens until then, so that it is painted at once.
+        statusBar()->showMessage(text(u"Waiting for another program that is saving…"), 10000);
+        statusBar()->repaint();
+    });
     m_session.setOnNotices([this](const auto& notices) { inform(notices); });
     m_session.setOnMerge([this] {
         // Within a message of the pane; the window may be about to close, too.
@@ -103,6 +108,7 @@ MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
     m_session.setOnConflict({});
+    m_session.setOnWait({});
     m_session.setOnNotices({});
     m_session.setOnMerge({});
     m_session.setOnModelChange({});

@@ -29,6 +29,8 @@ public:
     /// Whom to ask about a configuration that was changed here and by another program; nobody at first, so that such a
     /// save fails.
     void setOnConflict(store::Ask ask) { m_ask = std::move(ask); }
+    /// Told where a save has to wait for another program.
+    void setOnWait(std::function<void()> tell) { m_store.setOnWait(std::move(tell)); }
     /// Told what was decided without a question when changes were joined, by a save or by `takeOver`.
     void setOnNotices(std::function<void(const std::vector<store::Notice>&)> tell) { m_onNotices = std::move(tell); }
     /// Told when a save has brought changes of another program into the model.

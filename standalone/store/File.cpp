@@ -159,6 +159,16 @@ private:
     Descriptor m_descriptor;
 };
 
+enum class Locked { yes, byAnother, impossible };
+
+/// Locks an open file for this program (LOCK_EX) or all who look (LOCK_SH), or gives it free, without waiting.
+Locked lock(int file, int how) {
+    int result;
+    while ((result = files::calls().lock(file, how | LOCK_NB)) != 0 && errno == EINTR)
+        continue;
+    return result == 0 ? Locked::yes : errno == EWOULDBLOCK ? Locked::byAnother : Locked::impossible;
+}
+
 /// Whether `path` still names the ordinary file that is open as `number`.
 bool isNamed(const fs::path& path, int number) {
     struct stat opened {};
@@ -234,30 +244,71 @@ std::vector<fs::path> filesNamed(const fs::path& prefix) {
     return found;
 }
 
-/// A folder that the programs of this kind lock as long as they have a temporary file in it.
-class LockedFolder {
+/// What the programs of this kind lock as long as they replace a file: a hidden one beside it, which is there for that
+/// only. Network file systems lock no folders, and nothing that is not open for writing.
+class LockFile {
 public:
-    /// Waits for the other programs, unless `how` is LOCK_EX | LOCK_NB.
-    LockedFolder(const fs::path& folder, int how)
-        : m_descriptor(files::calls().open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        int result;
-        while ((result = ::flock(m_descriptor.number(), how)) != 0 && errno == EINTR)
-            continue;
-        m_locked = result == 0;
+    explicit LockFile(const fs::path& target)
+        : m_path(target.parent_path() / ("." + target.filename().string() + ".lock")) {}
+    ~LockFile() {
+        if (m_descriptor)
+            ::unlink(m_path.c_str());
     }
-    int number() const { return m_descriptor.number(); }
-    /// False where another program has the lock, and on network file systems, which do not lock folders.
-    bool isLocked() const { return m_locked; }
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+
+    /// Answers NO where another program has it, without waiting. Where the file system has no locks nobody has one.
+    /// Throws std::system_error.
+    bool take() {
+        for (int attempts = 0; attempts < 100; ++attempts) {
+            m_descriptor.emplace(files::calls().open(
+                m_path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+            const auto locked = lock(m_descriptor->number(), LOCK_EX);
+            m_isLocked = locked == Locked::yes;
+            // Who had it before takes the file away, perhaps after it was opened here.
+            if (locked == Locked::impossible || (m_isLocked && isNamed(m_path, m_descriptor->number())))
+                return true;
+            m_descriptor.reset();
+            if (!m_isLocked)
+                return false;
+        }
+        return false;
+    }
+    /// Whether a program has it, or was killed while it had.
+    bool isThere() const {
+        std::error_code none;
+        return fs::exists(m_path, none);
+    }
+    /// NO where the file system has no locks.
+    bool isLocked() const { return m_isLocked; }
 
 private:
-    Descriptor m_descriptor;
-    bool m_locked;
+    fs::path m_path;
+    std::optional<Descriptor> m_descriptor;
+    bool m_isLocked = false;
 };
 
-Turn::Turn(const fs::path& file) : m_target(targetOf(file)) {
+struct Turn::Hold {
+    explicit Hold(const fs::path& target)
+        : folder(files::calls().open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), file(target) {}
+
+    Descriptor folder;
+    LockFile file;
+};
+
+Turn::Turn(const fs::path& file, const std::function<void()>& onWait) : m_target(targetOf(file)) {
     makeFolders(m_target.parent_path());
-    m_folder = std::make_unique<LockedFolder>(m_target.parent_path(), LOCK_EX);
-    if (m_folder->isLocked()) {
+    m_hold = std::make_unique<Hold>(m_target);
+    constexpr std::chrono::milliseconds step(10);
+    std::chrono::milliseconds waited(0);
+    for (; !m_hold->file.take(); waited += step) {
+        if (waited >= longestWait)
+            throw Busy();
+        if (waited == silentWait && onWait)
+            onWait();
+        files::calls().pause(step);
+    }
+    if (m_hold->file.isLocked()) {
         removeLeftoversOf(m_target);
         finishKilled();
     }
@@ -271,7 +322,7 @@ std::optional<Fingerprint> Turn::state() const {
 
 void Turn::confirm() {
     // Not every file system can do that with a folder.
-    if (files::calls().sync(m_folder->number()) != 0 && errno != EINVAL)
+    if (files::calls().sync(m_hold->folder.number()) != 0 && errno != EINVAL)
         fail(errno);
 }
 
@@ -357,7 +408,10 @@ OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporar
     // Between its making and its locking another program may take it for one that was left behind.
     for (int attempts = 0; attempts < 100; ++attempts) {
         TemporaryFile made(prefix);
-        if (::flock(made.number(), LOCK_EX | LOCK_NB) != 0 || !isNamed(made.path(), made.number()))
+        const auto locked = lock(made.number(), LOCK_EX);
+        if (locked == Locked::impossible)
+            fail(ENOLCK); // nobody could tell whether its owner is alive
+        if (locked != Locked::yes || !isNamed(made.path(), made.number()))
             continue;
         m_path = made.path();
         m_number = made.release();
@@ -373,11 +427,11 @@ std::unique_ptr<OwnedFile> OwnedFile::takeOver(const fs::path& file) {
         return nullptr;
     std::unique_ptr<OwnedFile> taken(new OwnedFile(file, number));
     int attempts = 0;
-    while (::flock(number, LOCK_EX | LOCK_NB) != 0) {
+    while (lock(number, LOCK_EX) != Locked::yes) {
         // Who only asks whether it is left behind, as below, has done with it at once; an owner has not.
-        if (::flock(number, LOCK_SH | LOCK_NB) != 0 || ++attempts == 100)
+        if (lock(number, LOCK_SH) != Locked::yes || ++attempts == 100)
             return nullptr;
-        ::flock(number, LOCK_UN);
+        lock(number, LOCK_UN);
         std::this_thread::yield();
     }
     // Its owner may have put a new one in its place in this moment.
@@ -389,7 +443,7 @@ bool OwnedFile::isLeftBehind(const fs::path& file) {
     if (number < 0)
         return false;
     const Descriptor descriptor(number);
-    return ::flock(number, LOCK_SH | LOCK_NB) == 0 && isNamed(file, number);
+    return lock(number, LOCK_SH) == Locked::yes && isNamed(file, number);
 }
 
 OwnedFile::~OwnedFile() {
@@ -400,7 +454,8 @@ OwnedFile::~OwnedFile() {
 void OwnedFile::replace(std::string_view bytes) {
     TemporaryFile temporary(m_temporaryPrefix);
     // Before it has the name, so that nobody finds it without its owner.
-    checked(::flock(temporary.number(), LOCK_EX | LOCK_NB));
+    if (lock(temporary.number(), LOCK_EX) != Locked::yes)
+        fail(ENOLCK);
     writeAll(temporary.number(), bytes);
     temporary.renameTo(m_path);
     const int former = std::exchange(m_number, temporary.release());
@@ -414,10 +469,11 @@ void OwnedFile::remove() const {
 void removeLeftovers(const fs::path& file) {
     try {
         const auto target = targetOf(file);
-        const LockedFolder folder(target.parent_path(), LOCK_EX | LOCK_NB);
-        if (!folder.isLocked())
+        LockFile lock(target);
+        if (!lock.isThere() && filesNamed(hiddenPrefix(target, saving)).empty())
             return;
-        removeLeftoversOf(target);
+        if (lock.take() && lock.isLocked())
+            removeLeftoversOf(target);
     } catch (const std::system_error&) {
         // Without the folder there is nothing to remove.
     }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,16 +39,23 @@ inline constexpr int mostVersions = 3;
 /// The name under which a former version of `file` is kept: "<stem>.previous-<number><extension>"; 1 is the last one.
 std::filesystem::path versionOf(const std::filesystem::path& file, int number);
 
-class LockedFolder;
 class Name;
+
+/// Another program has had its turn for too long. Thrown inside the store only.
+struct Busy {};
+
+/// So long a program waits for its turn without a word, and so long at all.
+inline constexpr std::chrono::seconds silentWait{1};
+inline constexpr std::chrono::seconds longestWait{20};
 
 /// A program's turn to replace a file. Others of its kind wait, so that what is read in a turn is what is replaced in
 /// it; where the file system has no locks a small gap remains.
 class Turn {
 public:
-    /// Waits for the others. Missing folders are made, for the user alone; leftovers are removed, as `removeLeftovers`
-    /// does. Where `file` is a symbolic link, what it points to is meant. Throws std::system_error.
-    explicit Turn(const std::filesystem::path& file);
+    /// Waits for the others; `onWait` is called once where that takes longer than `silentWait`. Missing folders are
+    /// made, for the user alone; leftovers are removed, as `removeLeftovers` does. Where `file` is a symbolic link,
+    /// what it points to is meant. Throws std::system_error, and Busy after `longestWait`.
+    explicit Turn(const std::filesystem::path& file, const std::function<void()>& onWait = {});
     ~Turn();
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
@@ -71,7 +80,8 @@ private:
     void finishKilled() const;
 
     std::filesystem::path m_target;
-    std::unique_ptr<LockedFolder> m_folder;
+    struct Hold;
+    std::unique_ptr<Hold> m_hold;
 };
 
 /// What hidden files for `file` begin with; six letters or digits follow: ".<name>.<word>-", beside it. Where `file` is
@@ -110,7 +120,7 @@ private:
 };
 
 /// Removes the temporary files of programs that were killed while they replaced `file`. Nothing is removed while
-/// another program replaces a file of the folder, nor where the file system has no locks to tell; and no file that is
+/// another program replaces it, nor where the file system has no locks to tell; and no file that is
 /// younger than this program. What cannot be removed stays.
 void removeLeftovers(const std::filesystem::path& file);
 

@@ -68,6 +68,7 @@ struct Store::State {
     int versions = mostVersions;
     std::unique_ptr<OwnedFile> journal;
     std::vector<Notice> notices;
+    std::function<void()> onWait;
 };
 
 /// What is in the place of the file.
@@ -172,6 +173,7 @@ LoadResult Store::load() {
         reading.state.unknown.document[key::lineage] = QUuid::createUuid().toString(QUuid::WithoutBraces);
     reading.state.versions = m_state->versions;
     reading.state.journal = std::move(m_state->journal);
+    reading.state.onWait = std::move(m_state->onWait);
     *m_state = std::move(reading.state);
     if (!result.readOnly)
         removeLeftovers(m_file);
@@ -187,6 +189,10 @@ std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>
         return work();
     } catch (const Problem& problem) {
         return failureAbout(problem.code, problem.text.toStdU16String());
+    } catch (const Busy&) {
+        return failureAbout(Code::busy, u"Another program has been writing the configurations in " + quoted(m_file) +
+                                            u" for " + platform::fromUtf8(std::to_string(longestWait.count())) +
+                                            u" seconds, and nothing was saved.");
     } catch (const std::system_error& error) {
         return failureAbout(Code::unwritable, u"The configurations could not be saved in " + quoted(m_file) + u" (" +
                                                   reason(error) + u").");
@@ -340,7 +346,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
     const auto attempt = [&](std::vector<Contested>& contested,
                              const std::vector<Decision>& decisions) -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        Turn turn(m_file);
+        Turn turn(m_file, m_state->onWait);
         const auto state = turn.state();
         auto forms = mine;
         std::vector<Notice> notices;
@@ -412,6 +418,10 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
 
 fs::path Store::previousVersion(int number) const {
     return versionOf(targetOf(m_file), number);
+}
+
+void Store::setOnWait(std::function<void()> tell) {
+    m_state->onWait = std::move(tell);
 }
 
 const std::vector<Notice>& Store::notices() const {

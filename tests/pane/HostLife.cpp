@@ -12,6 +12,7 @@
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSString.h>
+#include <files/Calls.h>
 
 #include <QAction>
 #include <QApplication>
@@ -21,12 +22,17 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTest>
 #include <QTimer>
 
 #include <fstream>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 using namespace platform;
 namespace fs = std::filesystem;
@@ -294,6 +300,31 @@ TEST_F(HostLife, TheWindowAsksWhoseChangesStay) {
         EXPECT_EQ(next.model().configurations()->back()->name(), u"Last");
         end();
     }
+}
+
+TEST_F(HostLife, TheWindowSaysThatItWaitsForAnotherProgramThatSaves) {
+    open(folder / "configurations.json");
+    const auto lock = folder / ".configurations.json.lock";
+    const int other = ::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    struct Time final : files::Calls {
+        void pause(std::chrono::milliseconds) override { pass(); }
+        std::function<void()> pass;
+    } time;
+    QString said;
+    time.pass = [&] {
+        said = window->statusBar()->currentMessage();
+        if (!said.isEmpty())
+            ::flock(other, LOCK_UN);
+    };
+    files::setCalls(&time);
+    current()->setName(u"Mine");
+    window->close();
+    files::setCalls(nullptr);
+    ::close(other);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(said, QStringLiteral("Waiting for another program that is saving…"));
+    EXPECT_NE(contents(folder / "configurations.json").find("Mine"), std::string::npos);
 }
 
 TEST_F(HostLife, TheWindowSaysWhatStaysInSpiteOfBeingDeleted) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 
 #include <sys/types.h>
@@ -23,6 +24,10 @@ public:
     /// `copy_file_range` to where `to` stands.
     virtual ssize_t copyRange(int from, off_t* at, int to, std::size_t size);
     virtual int sync(int file);
+    /// `flock`.
+    virtual int lock(int file, int operation);
+    /// Nothing happens for so long.
+    virtual void pause(std::chrono::milliseconds time);
     /// The file is closed whatever is answered.
     virtual int close(int file);
     /// `renameat2`; `rename` where there are no flags.

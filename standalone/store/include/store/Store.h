@@ -26,6 +26,7 @@ enum class Code {
     changedElsewhere, ///< another program wrote the file, and what it wrote cannot be merged, or nobody read it
     contested,        ///< another program changed a configuration that was changed here too
     unwritable,       ///< the file system refused
+    busy,             ///< another program has been writing it for too long
 };
 
 struct Failure {
@@ -131,6 +132,9 @@ public:
     /// files are kept beside it. What has no form in a file, such as a member that is not in the model, is a failure
     /// that names it.
     [[nodiscard]] std::optional<Failure> save(model::ImprinterModel& model, const Ask& ask = {});
+    /// Told once in a save that has to wait for another program that is writing the file, when that takes longer than a
+    /// second. After twenty the save is given up.
+    void setOnWait(std::function<void()> tell);
     /// About the last `save` or `takeOver` that did something.
     const std::vector<Notice>& notices() const;
     /// Keeps no former files: for one that is written to be given away.
