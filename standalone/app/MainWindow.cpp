@@ -254,6 +254,10 @@ void MainWindow::afterFirstPaint() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_session.isSaving()) {
+        event->ignore(); // it is asking
+        return;
+    }
     // After a deletion the next configuration may have come into the same row, and no selection has changed.
     runGuarded([this] { rememberSelection(); });
     if (!m_pane->leave()) {

@@ -60,7 +60,9 @@ void Session::saveChanges() {
 }
 
 void Session::save() {
-    m_saving = true;
+    // While a save asks, nothing that happens meanwhile begins another.
+    if (std::exchange(m_saving, true))
+        return;
     m_mergedIn = false;
     const auto failure = m_store.save(*m_model, m_ask);
     m_saving = false;

@@ -37,6 +37,8 @@ public:
     void setOnMerge(std::function<void()> tell) { m_onMerge = std::move(tell); }
     /// Whether something was changed since it was last stored, and could not be stored.
     bool hasUnsaved() const { return m_saveFailed && m_changed; }
+    /// Whether a save is at work, which may be asking its user.
+    bool isSaving() const { return m_saving; }
     /// Whether what is unsaved is in the journal as it is now.
     bool isJournalled();
 
