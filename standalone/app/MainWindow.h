@@ -26,6 +26,8 @@ public:
 
     /// A sentence for people, shown as it stands.
     void warn(const QString& sentence);
+    /// What was decided without a question.
+    void inform(const std::vector<store::Notice>& notices);
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
