@@ -62,8 +62,7 @@ ExchangeCommands::ExchangeCommands(Session& session, MainWindow& window, QMenu& 
 void ExchangeCommands::import() {
     if (!m_window.pane().commitEditing())
         return;
-    const auto files =
-        QFileDialog::getOpenFileNames(&m_window, text(u"Import Configurations"), {}, filter());
+    const auto files = QFileDialog::getOpenFileNames(&m_window, text(u"Import Configurations"), {}, filter());
     std::size_t imported = 0;
     for (const auto& file : files) {
         const auto more = importFile(file.toStdString());
@@ -72,9 +71,8 @@ void ExchangeCommands::import() {
         imported += *more;
     }
     if (imported > 0)
-        m_window.statusBar()->showMessage(imported == 1
-                                              ? text(u"One configuration imported.")
-                                              : text(u"%@ configurations imported.", {written(imported)}),
+        m_window.statusBar()->showMessage(imported == 1 ? text(u"One configuration imported.")
+                                                        : text(u"%@ configurations imported.", {written(imported)}),
                                           10000);
 }
 
@@ -158,8 +156,8 @@ void ExchangeCommands::exportAll() {
 
 void ExchangeCommands::exportTo(const store::Configurations& configurations, const QString& name) {
     const auto folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    auto chosen = QFileDialog::getSaveFileName(&m_window, text(u"Export Configurations"), folder + u'/' + name,
-                                               filter());
+    auto chosen =
+        QFileDialog::getSaveFileName(&m_window, text(u"Export Configurations"), folder + u'/' + name, filter());
     if (chosen.isEmpty())
         return;
     const fs::path file = chosen.toStdString();

@@ -15,8 +15,8 @@ QString sentenceOf(const engine::Outcome& outcome, bool triedPassword = false);
 /// What is wrong with a file of configurations, in the user's language, likewise.
 QString sentenceOf(const store::Failure& failure);
 
-/// The store's own sentence, for below the other one: it tells the reason and what became of the file. Empty where it is
-/// the same.
+/// The store's own sentence, for below the other one: it tells the reason and what became of the file. Empty where it
+/// is the same.
 QString detailOf(const store::Failure& failure);
 
 } // namespace app

@@ -123,8 +123,8 @@ private:
     Configurations m_list; // as it is to be
     Present m_present;
     std::set<std::u16string> m_names;
-    std::map<Handed, Own> m_standsFor;           // for each that was read
-    std::vector<std::pair<Own, Own>> m_written;  // what was read, and what takes it over
+    std::map<Handed, Own> m_standsFor;          // for each that was read
+    std::vector<std::pair<Own, Own>> m_written; // what was read, and what takes it over
     std::set<Own> m_copies;
     std::map<Handed, Own> m_turned; // those that come in the place of one of another kind
     std::vector<std::u16string> m_left;

@@ -18,7 +18,8 @@ Toolkit& load() {
     void* const library = dlopen(IMPRINTER_TOOLKIT, RTLD_NOW | RTLD_LOCAL);
     void* const entry = library ? dlsym(library, toolkitEntry) : nullptr;
     if (!entry)
-        throw std::runtime_error(std::string("The toolkit's part of the platform layer cannot be loaded: ") + dlerror());
+        throw std::runtime_error(std::string("The toolkit's part of the platform layer cannot be loaded: ") +
+                                 dlerror());
     return *reinterpret_cast<Toolkit* (*)()>(entry)();
 }
 

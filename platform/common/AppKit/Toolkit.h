@@ -7,7 +7,8 @@
 
 namespace platform {
 
-/// What the layer asks the toolkit's part for, which is a library of its own: a program that shows nothing never loads it.
+/// What the layer asks the toolkit's part for, which is a library of its own: a program that shows nothing never loads
+/// it.
 class Toolkit {
 public:
     virtual ~Toolkit();
