@@ -70,6 +70,12 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     makeMenus();
     m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(failure); });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
+    m_session.setOnWait([this] {
+        // Nothing else happens until then, so that it is painted at once.
+        statusBar()->showMessage(text(u"Waiting for another program that is saving…"), 10000);
+        statusBar()->repaint();
+    });
+    m_session.setOnNotices([this](const auto& notices) { inform(notices); });
     m_session.setOnMerge([this] {
         // Within a message of the pane; the window may be about to close, too.
         QTimer::singleShot(0, this, [this] {
@@ -110,6 +116,8 @@ MainWindow::~MainWindow() {
     NSNotificationCenter::defaultCenter().removeObserver(m_selectionObserver);
     m_session.setOnSaveFailure({});
     m_session.setOnConflict({});
+    m_session.setOnWait({});
+    m_session.setOnNotices({});
     m_session.setOnMerge({});
     m_session.setOnModelChange({});
     m_session.setOnSampleLost({});
@@ -185,6 +193,18 @@ void MainWindow::warn(const QString& sentence, const QString& detail) {
     QMessageBox box(QMessageBox::Warning, windowTitle(), sentence, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(detail);
+    box.exec();
+}
+
+void MainWindow::inform(const std::vector<store::Notice>& notices) {
+    constexpr std::size_t most = 10;
+    QStringList sentences;
+    for (std::size_t i = 0; i < std::min(most, notices.size()); ++i)
+        sentences.append(toQt(notices[i].sentence));
+    if (notices.size() > most)
+        sentences.append(QStringLiteral("…"));
+    QMessageBox box(QMessageBox::Information, windowTitle(), sentences.join(u'\n'), QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
     box.exec();
 }
 
@@ -285,6 +305,10 @@ void MainWindow::afterFirstPaint() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_session.isSaving()) {
+        event->ignore(); // it is asking
+        return;
+    }
     // After a deletion the next configuration may have come into the same row, and no selection has changed.
     runGuarded([this] { rememberSelection(); });
     if (!m_pane->leave()) {

@@ -27,6 +27,8 @@ public:
 
     /// A sentence for people, shown as it stands.
     void warn(const QString& sentence, const QString& detail = {});
+    /// What was decided without a question.
+    void inform(const std::vector<store::Notice>& notices);
     /// About a file of configurations, in the user's language.
     void warn(const store::Failure& failure);
 

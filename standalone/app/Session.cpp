@@ -72,7 +72,9 @@ void Session::saveChanges() {
 }
 
 void Session::save() {
-    m_saving = true;
+    // While a save asks, nothing that happens meanwhile begins another.
+    if (std::exchange(m_saving, true))
+        return;
     m_mergedIn = false;
     const auto failure = m_store.save(*m_model, m_ask);
     m_saving = false;
@@ -83,6 +85,7 @@ void Session::save() {
         if (m_onMerge)
             m_onMerge();
     }
+    tellNotices();
     if (!hasUnsaved())
         return;
     // Whatever is decided now, the changes outlive the program.
@@ -90,6 +93,12 @@ void Session::save() {
         writeJournal();
     if (m_onSaveFailure)
         m_onSaveFailure(*failure);
+}
+
+void Session::tellNotices() {
+    const auto notices = m_store.notices(); // while they are told, another save may take place
+    if (!notices.empty() && m_onNotices)
+        m_onNotices(notices);
 }
 
 void Session::textUndoes() {
@@ -143,7 +152,9 @@ bool Session::isJournalled() {
 }
 
 std::optional<store::Failure> Session::takeOver(const store::Unsaved& unsaved) {
-    return m_store.takeOver(unsaved, *m_model, m_ask);
+    auto failure = m_store.takeOver(unsaved, *m_model, m_ask);
+    tellNotices();
+    return failure;
 }
 
 void Session::allowPreviews() {

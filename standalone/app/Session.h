@@ -32,10 +32,16 @@ public:
     /// Whom to ask about a configuration that was changed here and by another program; nobody at first, so that such a
     /// save fails.
     void setOnConflict(store::Ask ask) { m_ask = std::move(ask); }
+    /// Told where a save has to wait for another program.
+    void setOnWait(std::function<void()> tell) { m_store.setOnWait(std::move(tell)); }
+    /// Told what was decided without a question when changes were joined, by a save or by `takeOver`.
+    void setOnNotices(std::function<void(const std::vector<store::Notice>&)> tell) { m_onNotices = std::move(tell); }
     /// Told when a save has brought changes of another program into the model.
     void setOnMerge(std::function<void()> tell) { m_onMerge = std::move(tell); }
     /// Whether something was changed since it was last stored, and could not be stored.
     bool hasUnsaved() const { return m_saveFailed && m_changed; }
+    /// Whether a save is at work, which may be asking its user.
+    bool isSaving() const { return m_saving; }
     /// Whether what is unsaved is in the journal as it is now.
     bool isJournalled();
 
@@ -54,7 +60,7 @@ public:
     /// to compare; a save that works drops it.
     void keepJournal();
     /// What programs left that ended without saving.
-    std::vector<store::Unsaved> unsaved() const { return m_store.findUnsaved(); }
+    std::vector<store::Unsaved> unsaved() { return m_store.findUnsaved(); }
     /// Takes it into the model, which is stored by the next save only.
     std::optional<store::Failure> takeOver(const store::Unsaved& unsaved);
     void discard(const store::Unsaved& unsaved) { m_store.discard(unsaved); }
@@ -83,6 +89,7 @@ private:
     void giveUpSample(const QString& reason);
     void stampAgainSoon();
     void save();
+    void tellNotices();
     void endStepSoon();
     void writeJournalSoon();
     void writeJournal();
@@ -111,6 +118,7 @@ private:
     std::function<void(const store::Failure&)> m_onSaveFailure;
     store::Ask m_ask;
     std::function<void()> m_onMerge;
+    std::function<void(const std::vector<store::Notice>&)> m_onNotices;
     model::Configuration::ChangeNotice m_onModelChange;
     bool m_previews = false;
     bool m_saidThatThereIsNoFolder = false;

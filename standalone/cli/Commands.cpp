@@ -21,7 +21,6 @@
 namespace cli {
 
 namespace fs = std::filesystem;
-using platform::fromUtf8;
 using platform::toUtf8;
 
 namespace {
@@ -74,8 +73,7 @@ std::optional<Configurations> chosen(const std::vector<std::string>& names, cons
 int print(const Configurations& configurations) {
     const auto folder = workFolder();
     std::string problem = "A folder for temporary files cannot be made.";
-    // Whoever writes a store locks its folder, and this one is locked by its owner.
-    const auto file = folder ? folder->path() / "store" / "configurations.json" : fs::path();
+    const auto file = folder ? folder->path() / "configurations.json" : fs::path();
     if (!folder || !writeStore(file, configurations, problem))
         return complain(cannotWrite, problem);
     std::cout << std::ifstream(file).rdbuf() << std::flush;
@@ -84,7 +82,7 @@ int print(const Configurations& configurations) {
 
 /// Says that a window ended with changes that only the next window can take over.
 void tellOfUnsaved(const store::Store& store) {
-    if (!store.findUnsaved().empty())
+    if (store.hasUnsaved())
         complain(0, store.file().string() + ": a window ended before changes were saved; the next one offers them");
 }
 
@@ -180,6 +178,7 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
         complain(0, toUtf8(message.sentence));
     if (present.readOnly || present.standIns)
         return noConfiguration;
+    own.setOnWait([&] { complain(0, store.string() + ": waiting for another program that is writing it"); });
     tellOfUnsaved(own);
     auto result = std::move(present.configurations);
     const auto whatIsThere = sorted->has("--replace") ? store::Present::replace : store::Present::leave;
@@ -206,6 +205,8 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
                             ? changedElsewhere
                             : cannotWrite,
                         toUtf8(failure->sentence));
+    for (const auto& notice : own.notices())
+        complain(0, store.string() + ": " + toUtf8(notice.sentence));
     std::cout << imported << (imported == 1 ? " configuration was imported\n" : " configurations were imported\n");
     return done;
 }

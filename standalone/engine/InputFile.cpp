@@ -4,6 +4,7 @@
 #include "PictureFile.h"
 
 #include <files/Calls.h>
+#include <files/ReadWhole.h>
 
 #include <cerrno>
 #include <system_error>
@@ -36,20 +37,11 @@ InputFile::~InputFile() {
 }
 
 std::string InputFile::read(std::size_t most) const {
-    std::string bytes(most, '\0');
-    std::size_t at = 0;
-    while (at < most) {
-        const auto got = files::calls().pread(m_descriptor, bytes.data() + at, most - at, static_cast<off_t>(at));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            fail(errno);
-        if (got == 0)
-            break;
-        at += static_cast<std::size_t>(got);
+    try {
+        return files::readWhole(m_descriptor, most);
+    } catch (const std::system_error& error) {
+        fail(error.code().value());
     }
-    bytes.resize(at);
-    return bytes;
 }
 
 InputState::InputState(int file) {

@@ -3,8 +3,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,10 +18,6 @@ int Calls::open(const char* path, int flags, mode_t mode) {
 
 int Calls::openTemporary(char* pattern) {
     return ::mkostemp(pattern, O_CLOEXEC);
-}
-
-ssize_t Calls::read(int file, void* bytes, std::size_t size) {
-    return ::read(file, bytes, size);
 }
 
 ssize_t Calls::pread(int file, void* bytes, std::size_t size, off_t at) {
@@ -36,6 +34,14 @@ ssize_t Calls::copyRange(int from, off_t* at, int to, std::size_t size) {
 
 int Calls::sync(int file) {
     return ::fsync(file);
+}
+
+int Calls::lock(int file, int operation) {
+    return ::flock(file, operation);
+}
+
+void Calls::pause(std::chrono::milliseconds time) {
+    std::this_thread::sleep_for(time);
 }
 
 int Calls::close(int file) {

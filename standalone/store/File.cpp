@@ -2,6 +2,7 @@
 #include "File.h"
 
 #include <files/Calls.h>
+#include <files/ReadWhole.h>
 
 #include <algorithm>
 #include <array>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <ctime>
 #include <limits>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -20,6 +22,26 @@
 namespace store {
 
 namespace fs = std::filesystem;
+
+/// A name of a file that is taken away again, if it is still there.
+class Name {
+public:
+    Name() = default;
+    explicit Name(fs::path path) : m_path(std::move(path)) {}
+    ~Name() {
+        if (!m_path.empty())
+            ::unlink(m_path.c_str());
+    }
+    Name(Name&& other) noexcept : m_path(std::exchange(other.m_path, {})) {}
+    Name& operator=(Name&&) = delete;
+
+    /// Empty for none.
+    const fs::path& path() const { return m_path; }
+    void release() { m_path.clear(); }
+
+private:
+    fs::path m_path;
+};
 
 namespace {
 
@@ -81,6 +103,7 @@ bool isFilledIn(const std::string& name, const std::string& prefix) {
 }
 
 constexpr char saving[] = "saving";
+constexpr char formerly[] = "former";
 
 /// To be called with the folder locked.
 void removeLeftoversOf(const fs::path& target) {
@@ -136,6 +159,16 @@ private:
     Descriptor m_descriptor;
 };
 
+enum class Locked { yes, byAnother, impossible };
+
+/// Locks an open file for this program (LOCK_EX) or all who look (LOCK_SH), or gives it free, without waiting.
+Locked lock(int file, int how) {
+    int result;
+    while ((result = files::calls().lock(file, how | LOCK_NB)) != 0 && errno == EINTR)
+        continue;
+    return result == 0 ? Locked::yes : errno == EWOULDBLOCK ? Locked::byAnother : Locked::impossible;
+}
+
 /// Whether `path` still names the ordinary file that is open as `number`.
 bool isNamed(const fs::path& path, int number) {
     struct stat opened {};
@@ -186,20 +219,7 @@ FileContent readFile(const fs::path& file, std::uintmax_t limit) {
     FileContent content{{}, fingerprintOf(status)};
     if (static_cast<std::uintmax_t>(status.st_size) > limit)
         fail(EFBIG);
-    content.bytes.resize(static_cast<std::size_t>(status.st_size));
-    std::size_t at = 0;
-    while (at < content.bytes.size()) {
-        const auto count =
-            files::calls().read(descriptor.number(), content.bytes.data() + at, content.bytes.size() - at);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            fail(errno);
-        if (count == 0)
-            break;
-        at += static_cast<std::size_t>(count);
-    }
-    content.bytes.resize(at);
+    content.bytes = files::readWhole(descriptor.number(), static_cast<std::size_t>(status.st_size));
     return content;
 }
 
@@ -224,31 +244,74 @@ std::vector<fs::path> filesNamed(const fs::path& prefix) {
     return found;
 }
 
-/// A folder that the programs of this kind lock as long as they have a temporary file in it.
-class LockedFolder {
+/// What the programs of this kind lock as long as they replace a file: a hidden one beside it, which is there for that
+/// only. Network file systems lock no folders, and nothing that is not open for writing.
+class LockFile {
 public:
-    /// Waits for the other programs, unless `how` is LOCK_EX | LOCK_NB.
-    LockedFolder(const fs::path& folder, int how)
-        : m_descriptor(files::calls().open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        int result;
-        while ((result = ::flock(m_descriptor.number(), how)) != 0 && errno == EINTR)
-            continue;
-        m_locked = result == 0;
+    explicit LockFile(const fs::path& target)
+        : m_path(target.parent_path() / ("." + target.filename().string() + ".lock")) {}
+    ~LockFile() {
+        if (m_descriptor)
+            ::unlink(m_path.c_str());
     }
-    int number() const { return m_descriptor.number(); }
-    /// False where another program has the lock, and on network file systems, which do not lock folders.
-    bool isLocked() const { return m_locked; }
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+
+    /// Answers NO where another program has it, without waiting. Where the file system has no locks nobody has one.
+    /// Throws std::system_error.
+    bool take() {
+        for (int attempts = 0; attempts < 100; ++attempts) {
+            m_descriptor.emplace(files::calls().open(
+                m_path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+            const auto locked = lock(m_descriptor->number(), LOCK_EX);
+            m_isLocked = locked == Locked::yes;
+            // Who had it before takes the file away, perhaps after it was opened here.
+            if (locked == Locked::impossible || (m_isLocked && isNamed(m_path, m_descriptor->number())))
+                return true;
+            m_descriptor.reset();
+            if (!m_isLocked)
+                return false;
+        }
+        return false;
+    }
+    /// Whether a program has it, or was killed while it had.
+    bool isThere() const {
+        std::error_code none;
+        return fs::exists(m_path, none);
+    }
+    /// NO where the file system has no locks.
+    bool isLocked() const { return m_isLocked; }
 
 private:
-    Descriptor m_descriptor;
-    bool m_locked;
+    fs::path m_path;
+    std::optional<Descriptor> m_descriptor;
+    bool m_isLocked = false;
 };
 
-Turn::Turn(const fs::path& file) : m_target(targetOf(file)) {
+struct Turn::Hold {
+    explicit Hold(const fs::path& target)
+        : folder(files::calls().open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), file(target) {}
+
+    Descriptor folder;
+    LockFile file;
+};
+
+Turn::Turn(const fs::path& file, const std::function<void()>& onWait) : m_target(targetOf(file)) {
     makeFolders(m_target.parent_path());
-    m_folder = std::make_unique<LockedFolder>(m_target.parent_path(), LOCK_EX);
-    if (m_folder->isLocked())
+    m_hold = std::make_unique<Hold>(m_target);
+    constexpr std::chrono::milliseconds step(10);
+    std::chrono::milliseconds waited(0);
+    for (; !m_hold->file.take(); waited += step) {
+        if (waited >= longestWait)
+            throw Busy();
+        if (waited == silentWait && onWait)
+            onWait();
+        files::calls().pause(step);
+    }
+    if (m_hold->file.isLocked()) {
         removeLeftoversOf(m_target);
+        finishKilled();
+    }
 }
 
 Turn::~Turn() = default;
@@ -257,41 +320,86 @@ std::optional<Fingerprint> Turn::state() const {
     return fingerprintOf(m_target);
 }
 
-void Turn::keepVersions(int versions) const {
-    const auto last = versionOf(m_target, 1);
+void Turn::confirm() {
+    // Not every file system can do that with a folder.
+    if (files::calls().sync(m_hold->folder.number()) != 0 && errno != EINVAL)
+        fail(errno);
+}
+
+Name Turn::former(const std::string& suffix) const {
     std::error_code none;
-    // A program that was killed right here has kept it already.
-    if (versions < 1 || !fs::exists(m_target, none) || fs::equivalent(m_target, last, none))
-        return;
-    for (int number = versions; number > 1; --number)
-        files::calls().rename(versionOf(m_target, number - 1).c_str(), versionOf(m_target, number).c_str());
-    if (files::calls().link(m_target.c_str(), last.c_str()) == 0) {
-        ::chmod(last.c_str(), 0600);
-        return;
-    }
+    if (!fs::exists(m_target, none))
+        return {};
+    Name name(hiddenPrefix(m_target, formerly).string() + suffix);
+    if (files::calls().link(m_target.c_str(), name.path().c_str()) == 0)
+        return name;
     if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK)
-        return;
+        return {};
     // Some file systems have one name for a file only.
-    TemporaryFile copy(hiddenPrefix(m_target, saving));
-    writeAll(copy.number(), readFile(m_target, std::numeric_limits<std::uintmax_t>::max()).bytes);
-    copy.finish();
-    copy.renameTo(last);
+    try {
+        TemporaryFile copy(hiddenPrefix(m_target, formerly));
+        writeAll(copy.number(), readFile(m_target, std::numeric_limits<std::uintmax_t>::max()).bytes);
+        copy.finish();
+        copy.renameTo(name.path());
+        return name;
+    } catch (const std::system_error&) {
+        return {}; // what was is worth less than what is
+    }
+}
+
+void Turn::keep(Name former, const std::string& suffix, int versions) const {
+    std::error_code none;
+    for (int number = 1; number <= versions; ++number)
+        if (const auto version = versionOf(m_target, number);
+            fs::exists(version, none) && !fs::is_regular_file(version, none))
+            return; // whatever that is, it is nobody's former version
+    int gap = 1;
+    while (gap < versions && fs::exists(versionOf(m_target, gap), none))
+        ++gap;
+    // Each step can be taken back, so that what cannot be kept leaves what was kept before.
+    std::vector<std::pair<fs::path, fs::path>> steps;
+    const Name last(hiddenPrefix(m_target, saving).string() + suffix);
+    if (fs::exists(versionOf(m_target, gap), none))
+        steps.emplace_back(versionOf(m_target, gap), last.path());
+    for (; gap > 1; --gap)
+        steps.emplace_back(versionOf(m_target, gap - 1), versionOf(m_target, gap));
+    steps.emplace_back(former.path(), versionOf(m_target, 1));
+    std::size_t done = 0;
+    while (done < steps.size() && files::calls().rename(steps[done].first.c_str(), steps[done].second.c_str()) == 0)
+        ++done;
+    if (done == steps.size())
+        ::chmod(versionOf(m_target, 1).c_str(), 0600);
+    else
+        while (done-- > 0)
+            files::calls().rename(steps[done].second.c_str(), steps[done].first.c_str());
+}
+
+void Turn::finishKilled() const {
+    for (const auto& path : filesNamed(hiddenPrefix(m_target, formerly))) {
+        Name former(path);
+        try {
+            constexpr auto most = std::numeric_limits<std::uintmax_t>::max();
+            // It was killed before the new file came into its place, or after.
+            if (std::error_code none; fs::exists(m_target, none) && !fs::equivalent(path, m_target, none) &&
+                                      readFile(path, most).bytes != readFile(m_target, most).bytes)
+                keep(std::move(former), path.string().substr(path.string().size() - pattern.size()), mostVersions);
+        } catch (const std::system_error&) {
+            former.release(); // the next one may be able to
+        }
+    }
 }
 
 void Turn::replace(std::string_view bytes, std::optional<Fingerprint>& seen, int versions) {
     TemporaryFile temporary(hiddenPrefix(m_target, saving));
     writeAll(temporary.number(), bytes);
     const auto written = temporary.finish();
-    try {
-        keepVersions(versions);
-    } catch (const std::system_error&) {
-        // What was is worth less than what is.
-    }
+    const auto suffix = temporary.path().substr(temporary.path().size() - pattern.size());
+    auto last = versions > 0 ? former(suffix) : Name();
     temporary.renameTo(m_target);
     seen = written;
-    // Not every file system can do that with a folder.
-    if (files::calls().sync(m_folder->number()) != 0 && errno != EINVAL)
-        fail(errno);
+    if (!last.path().empty())
+        keep(std::move(last), suffix, versions);
+    confirm();
 }
 
 OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporaryPrefix(hiddenPrefix(file, saving)) {
@@ -300,7 +408,10 @@ OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporar
     // Between its making and its locking another program may take it for one that was left behind.
     for (int attempts = 0; attempts < 100; ++attempts) {
         TemporaryFile made(prefix);
-        if (::flock(made.number(), LOCK_EX | LOCK_NB) != 0 || !isNamed(made.path(), made.number()))
+        const auto locked = lock(made.number(), LOCK_EX);
+        if (locked == Locked::impossible)
+            fail(ENOLCK); // nobody could tell whether its owner is alive
+        if (locked != Locked::yes || !isNamed(made.path(), made.number()))
             continue;
         m_path = made.path();
         m_number = made.release();
@@ -310,12 +421,29 @@ OwnedFile::OwnedFile(const fs::path& file, const std::string& word) : m_temporar
 }
 
 std::unique_ptr<OwnedFile> OwnedFile::takeOver(const fs::path& file) {
-    const int number = files::calls().open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    // For writing, without which network file systems do not give it to one program alone.
+    const int number = files::calls().open(file.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (number < 0)
         return nullptr;
     std::unique_ptr<OwnedFile> taken(new OwnedFile(file, number));
+    int attempts = 0;
+    while (lock(number, LOCK_EX) != Locked::yes) {
+        // Who only asks whether it is left behind, as below, has done with it at once; an owner has not.
+        if (lock(number, LOCK_SH) != Locked::yes || ++attempts == 100)
+            return nullptr;
+        lock(number, LOCK_UN);
+        std::this_thread::yield();
+    }
     // Its owner may have put a new one in its place in this moment.
-    return ::flock(number, LOCK_EX | LOCK_NB) == 0 && isNamed(file, number) ? std::move(taken) : nullptr;
+    return isNamed(file, number) ? std::move(taken) : nullptr;
+}
+
+bool OwnedFile::isLeftBehind(const fs::path& file) {
+    const int number = files::calls().open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (number < 0)
+        return false;
+    const Descriptor descriptor(number);
+    return lock(number, LOCK_SH) == Locked::yes && isNamed(file, number);
 }
 
 OwnedFile::~OwnedFile() {
@@ -326,7 +454,8 @@ OwnedFile::~OwnedFile() {
 void OwnedFile::replace(std::string_view bytes) {
     TemporaryFile temporary(m_temporaryPrefix);
     // Before it has the name, so that nobody finds it without its owner.
-    checked(::flock(temporary.number(), LOCK_EX | LOCK_NB));
+    if (lock(temporary.number(), LOCK_EX) != Locked::yes)
+        fail(ENOLCK);
     writeAll(temporary.number(), bytes);
     temporary.renameTo(m_path);
     const int former = std::exchange(m_number, temporary.release());
@@ -340,10 +469,11 @@ void OwnedFile::remove() const {
 void removeLeftovers(const fs::path& file) {
     try {
         const auto target = targetOf(file);
-        const LockedFolder folder(target.parent_path(), LOCK_EX | LOCK_NB);
-        if (!folder.isLocked())
+        LockFile lock(target);
+        if (!lock.isThere() && filesNamed(hiddenPrefix(target, saving)).empty())
             return;
-        removeLeftoversOf(target);
+        if (lock.take() && lock.isLocked())
+            removeLeftoversOf(target);
     } catch (const std::system_error&) {
         // Without the folder there is nothing to remove.
     }

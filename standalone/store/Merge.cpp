@@ -30,6 +30,14 @@ bool isCombined(const Form& form) {
     return form && form->value(key::combined).toBool();
 }
 
+std::vector<QString> membersOf(const Form& form) {
+    std::vector<QString> members;
+    if (form)
+        for (const auto& member : form->value(key::members).toArray())
+            members.push_back(folded(member.toString()));
+    return members;
+}
+
 class Merger {
 public:
     Merger(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions)
@@ -42,28 +50,85 @@ public:
         for (const auto* forms : {&m_base, &m_mine, &m_theirs})
             for (const auto& [identifier, form] : forms->byIdentifier)
                 (isCombined(form) ? combined : ordinary).insert(identifier);
-        for (const auto& identifier : combined)
-            ordinary.erase(identifier);
-        for (const auto& identifier : ordinary)
-            decide(identifier, formIn(m_base, identifier), formIn(m_mine, identifier), formIn(m_theirs, identifier));
-        // What became of the members is known now: one that is gone is gone from all, which is no change of its own.
-        for (const auto& identifier : combined)
-            decide(identifier, withMembersThatStay(formIn(m_base, identifier)),
-                   withMembersThatStay(formIn(m_mine, identifier)), withMembersThatStay(formIn(m_theirs, identifier)));
+        m_putIntoByMine = putInto(m_mine, combined);
+        m_putIntoByTheirs = putInto(m_theirs, combined);
+        for (const auto& identifier : ordinary) {
+            if (combined.contains(identifier))
+                continue;
+            const auto base = formIn(m_base, identifier);
+            const auto mine = formIn(m_mine, identifier);
+            const auto theirs = formIn(m_theirs, identifier);
+            decide(identifier, isSame(mine, base), isSame(theirs, base), mine, theirs);
+        }
+        // What became of the members is known now. One that its own side deleted is no change of the combined one.
+        const auto decideCombined = [&](const QString& identifier) {
+            const auto base = formIn(m_base, identifier);
+            const auto mine = formIn(m_mine, identifier);
+            const auto theirs = formIn(m_theirs, identifier);
+            const bool mineIsAsItWas = isSame(mine, withMembersIn(base, m_mine));
+            const bool theirsIsAsItWas = isSame(theirs, withMembersIn(base, m_theirs));
+            if (base && mine && theirs && mineIsAsItWas && theirsIsAsItWas)
+                put(identifier, withMembersThatStay(base, {})); // with those that were deleted and stay
+            else
+                decide(identifier, mineIsAsItWas, theirsIsAsItWas, withMembersThatStay(mine, m_putIntoByMine),
+                       withMembersThatStay(theirs, m_putIntoByTheirs));
+        };
+        // Those that are combined on one side only may be members of the others.
+        for (const bool onBoth : {false, true})
+            for (const auto& identifier : combined)
+                if (ordinary.contains(identifier) != onBoth)
+                    decideCombined(identifier);
         m_result.forms.order = order();
         return std::move(m_result);
     }
 
 private:
-    void decide(const QString& identifier, const Form& base, const Form& mine, const Form& theirs) {
-        if (isSame(mine, base))
-            put(identifier, theirs);
-        else if (isSame(theirs, base) || isSame(mine, theirs) || !theirs)
-            put(identifier, mine);
-        else if (!mine)
-            put(identifier, theirs); // what was edited outlives its deletion
-        else
-            decide({identifier, *mine, *theirs});
+    /// The combined configurations that one side put something into, by what it put there.
+    using PutInto = std::map<QString, QJsonObject>;
+
+    void decide(const QString& identifier, bool mineIsAsItWas, bool theirsIsAsItWas, const Form& mine,
+                const Form& theirs) {
+        if (mine && theirs) {
+            if (mineIsAsItWas)
+                put(identifier, theirs);
+            else if (theirsIsAsItWas || isSame(mine, theirs))
+                put(identifier, mine);
+            else
+                decide({identifier, *mine, *theirs});
+        } else if (mine) {
+            putUnlessDeleted(identifier, *mine, mineIsAsItWas, m_putIntoByMine, false);
+        } else if (theirs) {
+            putUnlessDeleted(identifier, *theirs, theirsIsAsItWas, m_putIntoByTheirs, true);
+        }
+    }
+
+    /// Puts what one side has and the other has not, unless that one deleted it and nothing was done with it here.
+    void putUnlessDeleted(const QString& identifier, const QJsonObject& form, bool isAsItWas, const PutInto& putInto,
+                          bool deletedHere) {
+        const auto use = putInto.find(identifier);
+        // Of what a journal does not tell there is nothing to bring back.
+        if (isAsItWas && (use == putInto.end() || form.isEmpty()))
+            return;
+        put(identifier, form);
+        if (m_base.byIdentifier.contains(identifier))
+            m_result.outlived.push_back({form, deletedHere, isAsItWas ? use->second : QJsonObject()});
+    }
+
+    /// What stands in a combined configuration of `side` more often than it did at first.
+    PutInto putInto(const Forms& side, const std::set<QString>& combined) const {
+        PutInto found;
+        for (const auto& identifier : combined) {
+            const auto form = formIn(side, identifier);
+            if (!isCombined(form))
+                continue;
+            std::map<QString, int> before;
+            for (const auto& member : membersOf(formIn(m_base, identifier)))
+                ++before[member];
+            for (const auto& member : membersOf(form))
+                if (--before[member] < 0)
+                    found.emplace(member, *form);
+        }
+        return found;
     }
 
     void decide(const Contested& contested) {
@@ -101,17 +166,31 @@ private:
         m_copies.emplace(contested.identifier, folded(identifier));
     }
 
-    Form withMembersThatStay(Form form) const {
+    /// `form` with those of its members that `stays` answers true for.
+    template <class Stays>
+    static Form withMembers(Form form, Stays stays) {
         if (!isCombined(form))
             return form;
         QJsonArray members;
-        for (const auto& member : form->value(key::members).toArray()) {
-            const auto found = m_result.forms.byIdentifier.find(folded(member.toString()));
-            if (found != m_result.forms.byIdentifier.end() && !isCombined(found->second))
+        for (const auto& member : form->value(key::members).toArray())
+            if (stays(folded(member.toString())))
                 members.append(member);
-        }
         (*form)[key::members] = members;
         return form;
+    }
+    static Form withMembersIn(const Form& form, const Forms& side) {
+        return withMembers(form, [&](const auto& member) { return side.byIdentifier.contains(member); });
+    }
+    Form withMembersThatStay(const Form& form, const PutInto& putInto) {
+        return withMembers(form, [&](const auto& member) {
+            const auto found = m_result.forms.byIdentifier.find(member);
+            if (found != m_result.forms.byIdentifier.end() && !isCombined(found->second))
+                return true;
+            const auto changed = formIn(&putInto == &m_putIntoByMine ? m_theirs : m_mine, member);
+            if (isCombined(changed) && putInto.contains(member))
+                m_result.leftOut.push_back({*changed, *form});
+            return false;
+        });
     }
 
     /// Those of `identifiers` that are in `among` too.
@@ -153,6 +232,8 @@ private:
     const Forms& m_mine;
     const Forms& m_theirs;
     const std::vector<Decision>& m_decisions;
+    PutInto m_putIntoByMine;
+    PutInto m_putIntoByTheirs;
     std::map<QString, QString> m_copies;
     Merged m_result;
 };

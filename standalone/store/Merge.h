@@ -28,10 +28,27 @@ struct Decision {
     Choice choice;
 };
 
+/// A configuration that was deleted on one side, and is there all the same for what the other side did.
+struct Outlived {
+    QJsonObject form;
+    /// Where it was deleted.
+    bool deletedHere = false;
+    /// The combined configuration that the other side put it into; empty where it was changed itself.
+    QJsonObject combined;
+};
+
+/// A member that one side put into a combined configuration, and that the other made a combined one.
+struct LeftOut {
+    QJsonObject form;
+    QJsonObject combined;
+};
+
 struct Merged {
     Forms forms;
     /// What no decision is about; as long as there is one, `forms` is not to be used.
     std::vector<Contested> contested;
+    std::vector<Outlived> outlived;
+    std::vector<LeftOut> leftOut;
 };
 
 /// Joins what was changed in `mine` and in `theirs` since both were `base`, as docs/file-format.md says.

@@ -67,6 +67,8 @@ struct Store::State {
     bool unsynced = false;
     int versions = mostVersions;
     std::unique_ptr<OwnedFile> journal;
+    std::vector<Notice> notices;
+    std::function<void()> onWait;
 };
 
 /// What is in the place of the file.
@@ -171,6 +173,7 @@ LoadResult Store::load() {
         reading.state.unknown.document[key::lineage] = QUuid::createUuid().toString(QUuid::WithoutBraces);
     reading.state.versions = m_state->versions;
     reading.state.journal = std::move(m_state->journal);
+    reading.state.onWait = std::move(m_state->onWait);
     *m_state = std::move(reading.state);
     if (!result.readOnly)
         removeLeftovers(m_file);
@@ -186,21 +189,33 @@ std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>
         return work();
     } catch (const Problem& problem) {
         return failureAbout(problem.code, problem.text.toStdU16String());
+    } catch (const Busy&) {
+        return failureAbout(Code::busy, u"Another program has been writing the configurations in " + quoted(m_file) +
+                                            u" for " + platform::fromUtf8(std::to_string(longestWait.count())) +
+                                            u" seconds, and nothing was saved.");
     } catch (const std::system_error& error) {
         return failureAbout(Code::unwritable, u"The configurations could not be saved in " + quoted(m_file) + u" (" +
                                                   reason(error) + u").");
     }
 }
 
+namespace {
+
+/// Without bytes those of the supplied configurations.
+Forms formsOrSupplied(const QByteArray& bytes) {
+    if (!bytes.isEmpty())
+        return formsIn(bytes);
+    model::ImprinterModel model;
+    model.setConfigurations(suppliedConfigurations());
+    return formsOf(model, {});
+}
+
+} // namespace
+
 const Forms& Store::base() const {
     auto& base = m_state->base;
-    if (!base && !m_state->baseBytes->isEmpty()) {
-        base = formsIn(*m_state->baseBytes);
-    } else if (!base) {
-        model::ImprinterModel model;
-        model.setConfigurations(suppliedConfigurations());
-        base = formsOf(model, {});
-    }
+    if (!base)
+        base = formsOrSupplied(*m_state->baseBytes);
     return *base;
 }
 
@@ -225,6 +240,28 @@ bool decide(const std::vector<Contested>& contested, const Ask& ask, std::vector
         decisions.push_back({about, *choice});
     }
     return true;
+}
+
+/// What to tell about what was joined. `here` and `there` are when the two sides did what they did: "here" and "by
+/// another program".
+std::vector<Notice> noticesOf(const Merged& merged, const std::u16string& here, const std::u16string& there) {
+    const auto nameIn = [](const QJsonObject& form) { return form.value(key::name).toString().toStdU16String(); };
+    std::vector<Notice> notices;
+    for (const auto& [form, deletedHere, combined] : merged.outlived) {
+        const auto& deleted = deletedHere ? here : there;
+        const auto& used = deletedHere ? there : here;
+        const auto name = nameIn(form);
+        const auto what =
+            combined.isEmpty() ? u" and changed " + used : u" and put into “" + nameIn(combined) + u"” " + used;
+        notices.push_back({combined.isEmpty() ? Notice::Kind::outlivedDeletion : Notice::Kind::outlivedDeletionByUse,
+                           name, nameIn(combined),
+                           u"“" + name + u"” was deleted " + deleted + what + u"; it was kept."});
+    }
+    for (const auto& [form, combined] : merged.leftOut)
+        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined),
+                           u"“" + nameIn(form) + u"” is no member of “" + nameIn(combined) +
+                               u"”, since it is a combined configuration now."});
+    return notices;
 }
 
 std::u16string namesOf(const std::vector<Contested>& contested) {
@@ -299,6 +336,7 @@ void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel
 }
 
 std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask) {
+    m_state->notices.clear();
     if (m_state->readOnly)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.");
     const auto nothing = [&](Code code, const std::u16string& why) {
@@ -308,10 +346,19 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
     const auto attempt = [&](std::vector<Contested>& contested,
                              const std::vector<Decision>& decisions) -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        Turn turn(m_file);
+        Turn turn(m_file, m_state->onWait);
         const auto state = turn.state();
         auto forms = mine;
-        bool isThere = state && state == m_state->seen && !m_state->unsynced && isSame(mine, base());
+        std::vector<Notice> notices;
+        bool isThere = state && state == m_state->seen && isSame(mine, base());
+        if (isThere && m_state->unsynced) {
+            auto failure = guarded([&] {
+                turn.confirm();
+                return std::nullopt;
+            });
+            m_state->unsynced = failure.has_value();
+            return failure;
+        }
         auto seen = m_state->seen;
         if (state && state != m_state->seen) {
             if (!m_state->baseBytes)
@@ -324,6 +371,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             contested = std::move(merged.contested);
             if (!contested.empty())
                 return std::nullopt;
+            notices = noticesOf(merged, u"here", u"by another program");
             forms = std::move(merged.forms);
             isThere = isSame(forms, theirForms);
             seen = theirs.state.seen;
@@ -344,6 +392,7 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
         }
         m_state->seen = seen;
         m_state->unsynced = failure.has_value();
+        m_state->notices = std::move(notices);
         if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
             adopt(forms, mine, model);
         m_state->baseBytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
@@ -371,6 +420,14 @@ fs::path Store::previousVersion(int number) const {
     return versionOf(targetOf(m_file), number);
 }
 
+void Store::setOnWait(std::function<void()> tell) {
+    m_state->onWait = std::move(tell);
+}
+
+const std::vector<Notice>& Store::notices() const {
+    return m_state->notices;
+}
+
 void Store::keepNoVersions() {
     m_state->versions = 0;
 }
@@ -389,24 +446,43 @@ std::optional<Failure> Store::keepUnsaved(const model::ImprinterModel& model) {
     });
 }
 
-std::vector<Unsaved> Store::findUnsaved() const {
+std::vector<Unsaved> Store::findUnsaved() {
     std::vector<Unsaved> found;
-    if (m_state->readOnly)
+    if (m_state->readOnly || !m_state->baseBytes)
         return found; // what is taken over could neither be saved nor kept
     for (const auto& path : journalsFor(m_file)) {
-        const auto file = OwnedFile::takeOver(path);
-        if (const auto journal = file ? readJournal(*file) : std::nullopt)
-            found.push_back({path, journal->changed()});
+        std::shared_ptr<OwnedFile> claim = OwnedFile::takeOver(path);
+        if (!claim)
+            continue;
+        std::error_code none;
+        const auto journal = readJournal(path);
+        const auto changes = journal ? changesOf(*journal, base()) : std::nullopt;
+        if (changes)
+            found.push_back({path, changes->size(), std::move(claim)});
+        else if (journal || fs::is_empty(path, none))
+            claim->remove();
     }
     return found;
 }
 
+bool Store::hasUnsaved() const {
+    std::optional<Forms> current;
+    for (const auto& path : journalsFor(m_file)) {
+        const auto journal = OwnedFile::isLeftBehind(path) ? readJournal(path) : std::nullopt;
+        if (journal && !current)
+            current = m_state->baseBytes ? base() : formsOrSupplied(*readFile().state.baseBytes);
+        if (journal && changesOf(*journal, *current))
+            return true;
+    }
+    return false;
+}
+
 std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask) {
+    m_state->notices.clear();
     if (m_state->readOnly || !m_state->baseBytes)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was taken over.");
     return guarded([&]() -> std::optional<Failure> {
-        const auto file = OwnedFile::takeOver(unsaved.journal);
-        auto journal = file ? readJournal(*file) : std::nullopt;
+        auto journal = unsaved.claim ? readJournal(unsaved.journal) : std::nullopt;
         if (!journal)
             return failureAbout(Code::unreadable, quoted(unsaved.journal) + u" cannot be read.");
         const auto current = formsOf(model, m_state->unknown);
@@ -418,16 +494,17 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
                 return failureAbout(Code::contested,
                                     namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
         adopt(merged.forms, current, model);
+        m_state->notices = noticesOf(merged, u"before the program ended", u"since");
         if (auto failure = keepUnsaved(model))
             return failure;
-        file->remove();
+        unsaved.claim->remove();
         return std::nullopt;
     });
 }
 
 void Store::discard(const Unsaved& unsaved) {
-    if (const auto file = OwnedFile::takeOver(unsaved.journal))
-        file->remove();
+    if (unsaved.claim)
+        unsaved.claim->remove();
 }
 
 } // namespace store

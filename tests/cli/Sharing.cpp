@@ -73,6 +73,31 @@ TEST_F(Sharing, WhereBothChangedTheSameOneNothingIsImportedAndTheStatusSaysSo) {
     EXPECT_EQ(imprinter("--store mine.json list").output, "Uno\n");
 }
 
+TEST_F(Sharing, WhatWasDeletedDuringAnImportThatReplacesItStaysAndIsNamed) {
+    writeFile(folder / "mine.json", document(R"({"uniqueID": "1", "name": "One"}, {"uniqueID": "2", "name": "Two"})"));
+    writeFile(folder / "theirs.json", document(R"({"uniqueID": "1", "name": "Eins"})"));
+    const auto run = importing("--replace " + quoted(folder / "theirs.json"), [&] {
+        writeFile(folder / "mine.json", document(R"({"uniqueID": "2", "name": "Two"})"));
+    });
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(run.output, "imprinter: mine.json: “Eins” was deleted by another program and changed here; it was kept.\n"
+                          "1 configuration was imported\n");
+    EXPECT_EQ(imprinter("--store mine.json list").output, "Eins\nTwo\n");
+}
+
+TEST_F(Sharing, AnImportThatHasToWaitForAnotherProgramSaysSo) {
+    writeFile(folder / "mine.json", document(R"({"uniqueID": "1", "name": "One"})"));
+    writeFile(folder / "theirs.json", document(R"({"uniqueID": "2", "name": "Two"})"));
+    // The lock is given free as soon as the program has said that it waits.
+    const auto run =
+        shell("mkfifo said && { flock 9; " + environment() + quoted(IMPRINTER) +
+              " --store mine.json import theirs.json 9>&- 2>said & read line <said; echo \"$line\"; exec 9>&-; wait; }"
+              " 9>.mine.json.lock");
+    EXPECT_EQ(run.output, "imprinter: mine.json: waiting for another program that is writing it\n"
+                          "1 configuration was imported\n");
+    EXPECT_EQ(imprinter("--store mine.json list").output, "One\nTwo\n");
+}
+
 TEST_F(Sharing, FormerVersionsCanBeListedAndTakenBack) {
     writeFile(folder / "mine.json", document(R"({"uniqueID": "1", "name": "One"})"));
     writeFile(folder / "theirs.json", document(R"({"uniqueID": "1", "name": "Eins"})"));

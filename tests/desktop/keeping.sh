@@ -29,6 +29,16 @@ kill -KILL "$program_pid"
 wait "$program_pid" 2>/dev/null
 program_pid=
 
+# Told to end while it asks, it ends without an answer, and the next one asks again.
+for signal in TERM INT HUP; do
+    start_and_be_asked "keeping-asked-before-$signal"
+    kill -"$signal" "$program_pid"
+    until_true "the program ends while it asks" program_ended
+    wait "$program_pid" || fail "it ends as when it is closed"
+    program_pid=
+    journal || fail "the journal stays"
+done
+
 start_and_be_asked keeping-after-a-kill
 xdotool windowfocus --sync "$question" key Return
 until_true "the question is answered" eval '! two_windows'

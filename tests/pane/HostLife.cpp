@@ -6,12 +6,14 @@
 #include "HostBundle.h"
 #include "MainWindow.h"
 #include "SettingsDialog.h"
+#include "Signals.h"
 
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSPopover.h>
 #include <AppKit/NSTabView.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSString.h>
+#include <files/Calls.h>
 
 #include <QAction>
 #include <QApplication>
@@ -21,12 +23,17 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTest>
 #include <QTimer>
 
 #include <fstream>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 using namespace platform;
 namespace fs = std::filesystem;
@@ -101,7 +108,7 @@ protected:
             });
             m_poll.start(1);
         }
-        std::vector<QString> seen;
+        QList<QString> seen;
 
     private:
         QString m_button;
@@ -296,6 +303,46 @@ TEST_F(HostLife, TheWindowAsksWhoseChangesStay) {
     }
 }
 
+TEST_F(HostLife, TheWindowSaysThatItWaitsForAnotherProgramThatSaves) {
+    open(folder / "configurations.json");
+    const auto lock = folder / ".configurations.json.lock";
+    const int other = ::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    struct Time final : files::Calls {
+        void pause(std::chrono::milliseconds) override { pass(); }
+        std::function<void()> pass;
+    } time;
+    QString said;
+    time.pass = [&] {
+        said = window->statusBar()->currentMessage();
+        if (!said.isEmpty())
+            ::flock(other, LOCK_UN);
+    };
+    files::setCalls(&time);
+    current()->setName(u"Mine");
+    window->close();
+    files::setCalls(nullptr);
+    ::close(other);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(said, QStringLiteral("Waiting for another program that is saving…"));
+    EXPECT_NE(contents(folder / "configurations.json").find("Mine"), std::string::npos);
+}
+
+TEST_F(HostLife, TheWindowSaysWhatStaysInSpiteOfBeingDeleted) {
+    open(folder / "configurations.json");
+    session->model().saveConfigurations();
+    app::Session other(folder / "configurations.json");
+    other.model().deleteConfigurationAtIndex(0);
+    other.saveChanges();
+    current()->setName(u"Edited");
+    Presser presser(QStringLiteral("OK"));
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(presser.seen,
+              QList<QString>{QStringLiteral("“Edited” was deleted by another program and changed here; it was kept.")});
+    EXPECT_EQ(app::Session(folder / "configurations.json").model().configurations()->front()->name(), u"Edited");
+}
+
 TEST_F(HostLife, WithoutAnAnswerAboutWhoseChangesStayTheWindowStaysOpenAndNothingIsSaved) {
     open(folder / "configurations.json");
     session->model().saveConfigurations();
@@ -310,6 +357,87 @@ TEST_F(HostLife, WithoutAnAnswerAboutWhoseChangesStayTheWindowStaysOpenAndNothin
     EXPECT_EQ(presser.seen.size(), 2U) << "the question, and what came of it";
     EXPECT_EQ(current()->name(), u"Mine");
     EXPECT_EQ(contents(folder / "configurations.json"), theirs);
+}
+
+TEST_F(HostLife, ToldToEndBetweenTwoQuestionsItAsksNoMoreAndTheJournalsStay) {
+    for (const char16_t* name : {u"First", u"Second"}) {
+        app::Session killed(folder / "configurations.json");
+        killed.keepJournal();
+        killed.model().configurations()->front()->setName(name);
+    }
+    ASSERT_EQ(journals().size(), 2U);
+    open(folder / "configurations.json");
+    session->keepJournal();
+    int asked = 0;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (qobject_cast<QMessageBox*>(QApplication::activeModalWidget()) && asked++ == 0)
+            app::closeUnasked(*window);
+    });
+    poll.start(0);
+    window->offerUnsaved();
+    poll.stop();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+    EXPECT_GE(asked, 1);
+    end();
+    EXPECT_EQ(journals().size(), 2U);
+    EXPECT_EQ(app::Session(folder / "configurations.json").model().configurations()->front()->name(), u"Received");
+}
+
+TEST_F(HostLife, ToldToEndWhileItAsksWhoseChangesStayItEndsWithTheOwnInTheJournal) {
+    for (const bool byClosing : {true, false}) {
+        const auto file = folder / (byClosing ? "closed.json" : "saved.json");
+        open(file);
+        session->keepJournal();
+        session->model().saveConfigurations();
+        app::Session other(file);
+        other.model().configurations()->front()->setName(u"Theirs");
+        other.saveChanges();
+        const auto theirs = contents(file);
+        current()->setName(u"Mine");
+        int asked = 0;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (!QApplication::activeModalWidget() || asked++ > 0)
+                return;
+            // Whatever else wants to close or save meanwhile is refused.
+            window->close();
+            session->model().saveConfigurations();
+            EXPECT_TRUE(window->isVisible());
+            app::closeUnasked(*window);
+        });
+        poll.start(0);
+        if (byClosing)
+            window->close();
+        else
+            session->model().saveConfigurations();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+        poll.stop();
+        EXPECT_GT(asked, 0);
+        EXPECT_EQ(contents(file), theirs);
+        end();
+
+        open(file);
+        const auto left = session->unsaved();
+        ASSERT_EQ(left.size(), 1U);
+        EXPECT_EQ(left[0].configurations, 1U);
+        EXPECT_NE(contents(left[0].journal).find("Mine"), std::string::npos);
+        end();
+    }
+}
+
+TEST_F(HostLife, ToldToEndWithWhatCanNeitherBeSavedNorKeptItAsksInTheEnd) {
+    std::ofstream(folder / "file") << "in the way";
+    open(folder / "file" / "configurations.json");
+    session->keepJournal();
+    current()->setName(u"Unsaved");
+    app::closeUnasked(*window);
+    Presser cancel(QStringLiteral("Cancel"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return cancel.seen.contains(QStringLiteral("Close without saving?")); }));
+    QApplication::processEvents();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_NE(window->centralWidget(), nullptr);
+    EXPECT_EQ(current()->name(), u"Unsaved");
 }
 
 TEST_F(HostLife, WhatAnotherProgramSavedIsShownAfterASave) {

@@ -100,9 +100,16 @@ TEST(Kills, DuringSavesLoseNothingThatWasSavedAndDamageNothing) {
         ASSERT_TRUE(found == saved || found == saved + 1) << found << " in place of " << saved;
         ASSERT_EQ(first->customOccurance()->size(), found % 2 ? 20'000U : 3U);
         saved = found;
+        int newer = found; // each is older than the one before
         for (int version = 1; version <= 3; ++version) {
             const auto former = store::Store(file).previousVersion(version);
-            ASSERT_TRUE(!fs::exists(former) || !store::Store(former).read().standIns) << former;
+            if (!fs::exists(former))
+                continue;
+            const auto kept = store::Store(former).read();
+            ASSERT_FALSE(kept.standIns) << former;
+            const auto name = kept.configurations.at(0)->name();
+            ASSERT_LT(std::stoi(platform::toUtf8(name)), newer) << former;
+            newer = std::stoi(platform::toUtf8(name));
         }
         leftovers += removeHidden(folder);
     }

@@ -35,9 +35,6 @@ public:
     int openTemporary(char* pattern) override {
         return fails("openTemporary", true) ? -1 : Calls::openTemporary(pattern);
     }
-    ssize_t read(int file, void* bytes, std::size_t size) override {
-        return fails("read", false) ? -1 : Calls::read(file, bytes, size);
-    }
     ssize_t pread(int file, void* bytes, std::size_t size, off_t at) override {
         return fails("pread", false) ? -1 : Calls::pread(file, bytes, size, at);
     }
@@ -92,9 +89,6 @@ public:
     SmallSteps(const SmallSteps&) = delete;
     SmallSteps& operator=(const SmallSteps&) = delete;
 
-    ssize_t read(int file, void* bytes, std::size_t size) override {
-        return isInterrupted() ? -1 : Calls::read(file, bytes, std::min<std::size_t>(size, 7));
-    }
     ssize_t pread(int file, void* bytes, std::size_t size, off_t at) override {
         return isInterrupted() ? -1 : Calls::pread(file, bytes, std::min<std::size_t>(size, 7), at);
     }

@@ -71,6 +71,20 @@ protected:
     }
     /// What a program that starts now finds.
     std::string stored() const { return Program(file).names(); }
+    /// The names of the members of `id` that it finds, separated by spaces.
+    std::string members(const std::u16string& id = u"all") const {
+        std::string names;
+        const Program now(file);
+        for (const auto& member : *now.model.configurationForID(id)->configurations())
+            names += (names.empty() ? "" : " ") + platform::toUtf8(member->name());
+        return names;
+    }
+    static std::vector<std::string> told(const Program& program) {
+        std::vector<std::string> sentences;
+        for (const auto& notice : program.store.notices())
+            sentences.push_back(platform::toUtf8(notice.sentence));
+        return sentences;
+    }
 
     std::optional<Program> one;
     std::optional<Program> other;
@@ -137,6 +151,100 @@ TEST_F(Merging, KeepsWhatOneEditedAndTheOtherDeleted) {
     ASSERT_EQ(one->save(), "");
     ASSERT_EQ(other->save(), "");
     EXPECT_EQ(stored(), "A2 B C2 All");
+    EXPECT_TRUE(told(*one).empty());
+    EXPECT_EQ(told(*other), (std::vector<std::string>{
+                                "“A2” was deleted by another program and changed here; it was kept.",
+                                "“C2” was deleted here and changed by another program; it was kept.",
+                            }));
+    EXPECT_EQ(members(), "A2 B") << "and stays a member";
+}
+
+TEST_F(Merging, WhatOnePutIntoACombinedOneOutlivesItsDeletionByTheOther) {
+    for (const bool deletedFirst : {true, false}) {
+        SCOPED_TRACE(deletedFirst);
+        put(documentOf(R"({"uniqueID": "a", "name": "A"}, {"uniqueID": "c", "name": "C"},
+                          {"uniqueID": "all", "name": "All", "combinedConfiguration": true, "members": ["a"]})"));
+        Program deleting(file);
+        Program using_(file);
+        deleting.remove(u"c");
+        using_[u"all"]->addConfiguration(using_[u"c"]);
+        ASSERT_EQ((deletedFirst ? deleting : using_).save(), "");
+        ASSERT_EQ((deletedFirst ? using_ : deleting).save(), "");
+        EXPECT_EQ(stored(), "A C All");
+        EXPECT_EQ(members(), "A C");
+        EXPECT_EQ(told(deletedFirst ? using_ : deleting),
+                  std::vector<std::string>{
+                      deletedFirst ? "“C” was deleted by another program and put into “All” here; it was kept."
+                                   : "“C” was deleted here and put into “All” by another program; it was kept."});
+        EXPECT_EQ(deleting.save(), "");
+        EXPECT_EQ(using_.save(), "");
+        EXPECT_TRUE(told(deleting).empty() && told(using_).empty()) << "once is enough";
+        EXPECT_EQ(deleting.names(), using_.names());
+    }
+}
+
+TEST_F(Merging, ANewCombinedOneKeepsTheMembersThatTheOtherDeleted) {
+    one->remove(u"a");
+    const auto made = other->model.createConfiguration(true);
+    made->setName(u"New");
+    made->addConfiguration((*other)[u"a"]);
+    ASSERT_EQ(one->save(), "");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_EQ(stored(), "A B C All New");
+    EXPECT_EQ(members(made->uniqueID()), "A");
+    EXPECT_EQ(members(), "A B") << "what stays is where it was";
+}
+
+TEST_F(Merging, ACombinedOneWhoseMembersWereChangedOutlivesItsDeletion) {
+    for (const bool deletedFirst : {true, false}) {
+        SCOPED_TRACE(deletedFirst);
+        put(documentOf(R"({"uniqueID": "a", "name": "A"}, {"uniqueID": "b", "name": "B"},
+                          {"uniqueID": "all", "name": "All", "combinedConfiguration": true, "members": ["a", "b"]})"));
+        Program deleting(file);
+        Program changing(file);
+        // Taken out by one, and gone at the other: what both wanted is no less a change.
+        deleting.remove(u"all");
+        deleting.remove(u"a");
+        changing[u"all"]->deleteConfiguration(changing[u"a"]);
+        ASSERT_EQ((deletedFirst ? deleting : changing).save(), "");
+        ASSERT_EQ((deletedFirst ? changing : deleting).save(), "");
+        EXPECT_EQ(stored(), "B All");
+        EXPECT_EQ(members(), "B");
+        EXPECT_EQ(told(deletedFirst ? changing : deleting).size(), 1u);
+    }
+}
+
+TEST_F(Merging, WithItsMembersACombinedOneThatNobodyChangedIsDeleted) {
+    one->remove(u"all");
+    other->remove(u"a");
+    ASSERT_EQ(one->save(), "");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_EQ(stored(), "B C") << "that it lost a member is no change of it";
+    EXPECT_TRUE(told(*other).empty());
+}
+
+TEST_F(Merging, MembersThatBothChangedAreAsked) {
+    Answer answer{Choice::both, {}};
+    (*one)[u"all"]->addConfiguration((*one)[u"c"]);
+    (*other)[u"all"]->deleteConfiguration((*other)[u"a"]);
+    other->remove(u"c");
+    ASSERT_EQ(one->save(), "");
+    ASSERT_EQ(other->save(answer.ask()), "");
+    EXPECT_EQ(answer.asked, std::vector<std::string>{"All/All"});
+    EXPECT_EQ(stored(), "A B C All All copy");
+    EXPECT_EQ(members(), "B");
+    EXPECT_EQ(members(Program(file).model.configurations()->back()->uniqueID()), "A B C");
+}
+
+TEST_F(Merging, AMemberThatBecameACombinedOneMeanwhileIsLeftOutAndNamed) {
+    (*one)[u"all"]->addConfiguration((*one)[u"c"]);
+    put(documentOf(R"({"uniqueID": "a", "name": "A"}, {"uniqueID": "b", "name": "B"},
+                      {"uniqueID": "c", "name": "C", "combinedConfiguration": true, "members": ["a"]},
+                      {"uniqueID": "all", "name": "All", "combinedConfiguration": true, "members": ["a", "b"]})"));
+    ASSERT_EQ(one->save(), "");
+    EXPECT_EQ(members(), "A B");
+    EXPECT_EQ(told(*one),
+              std::vector<std::string>{"“C” is no member of “All”, since it is a combined configuration now."});
 }
 
 TEST_F(Merging, ADeletedMemberIsNoChangeOfTheCombinedOne) {
@@ -413,13 +521,14 @@ TEST_F(Unsaved, ChangesAreOfferedToTheNextProgramAndChangeTheFileOnlyWhenSaved) 
     end(one);
     EXPECT_EQ(content(), before);
     Program next(file);
-    const auto found = next.store.findUnsaved();
+    auto found = next.store.findUnsaved();
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].configurations, 4u) << "the combined one lost a member";
     EXPECT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
     EXPECT_EQ(next.names(), "A2 C All New");
     EXPECT_EQ(content(), before);
     EXPECT_EQ(journals().size(), 1u) << "it is this program's now";
+    found.clear();
     EXPECT_TRUE(Program(file).store.findUnsaved().empty());
     ASSERT_EQ(next.save(), "");
     EXPECT_EQ(stored(), "A2 C All New");
@@ -434,8 +543,9 @@ TEST_F(Unsaved, ChangesSurviveTheNextProgramToo) {
         ASSERT_EQ(sentenceOf(next.store.takeOver(next.store.findUnsaved().at(0), next.model)), "");
     }
     Program afterThat(file);
-    ASSERT_EQ(afterThat.store.findUnsaved().size(), 1u);
-    ASSERT_EQ(sentenceOf(afterThat.store.takeOver(afterThat.store.findUnsaved()[0], afterThat.model)), "");
+    const auto found = afterThat.store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    ASSERT_EQ(sentenceOf(afterThat.store.takeOver(found[0], afterThat.model)), "");
     EXPECT_EQ(afterThat.names(), "A2 B C All");
 }
 
@@ -478,10 +588,95 @@ TEST_F(Unsaved, ChangesAreJoinedWithWhatWasSavedSince) {
     const auto failure = next.store.takeOver(found, next.model);
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::contested);
-    EXPECT_EQ(next.store.findUnsaved().size(), 1u);
+    EXPECT_EQ(journals().size(), 1u);
     ASSERT_EQ(sentenceOf(next.store.takeOver(found, next.model, answer.ask())), "");
     EXPECT_EQ(answer.asked, std::vector<std::string>{"of one/of other"});
     EXPECT_EQ(next.names(), "of other B2 All");
+}
+
+TEST_F(Unsaved, AJournalIsOfferedToOneProgramAtATime) {
+    (*one)[u"a"]->setName(u"A2");
+    end(one);
+    Program first(file);
+    Program second(file);
+    {
+        const auto offered = first.store.findUnsaved();
+        ASSERT_EQ(offered.size(), 1u);
+        EXPECT_TRUE(second.store.findUnsaved().empty());
+        EXPECT_FALSE(second.store.hasUnsaved());
+    }
+    EXPECT_TRUE(second.store.hasUnsaved());
+    const auto offered = second.store.findUnsaved();
+    ASSERT_EQ(offered.size(), 1u) << "the first left it for later";
+    EXPECT_TRUE(first.store.findUnsaved().empty());
+    ASSERT_EQ(sentenceOf(second.store.takeOver(offered[0], second.model)), "");
+    EXPECT_EQ(journals().size(), 1u);
+    EXPECT_TRUE(first.store.findUnsaved().empty());
+}
+
+TEST_F(Unsaved, WithoutAClaimNothingIsTakenOverOrDiscarded) {
+    (*one)[u"a"]->setName(u"A2");
+    end(one);
+    auto found = other->store.findUnsaved().at(0);
+    found.claim.reset();
+    EXPECT_TRUE(other->store.takeOver(found, other->model));
+    other->store.discard(found);
+    EXPECT_EQ(journals().size(), 1u);
+    EXPECT_EQ(other->names(), "A B C All");
+}
+
+TEST_F(Unsaved, AJournalWhoseChangesWereSavedSinceIsDropped) {
+    (*one)[u"a"]->setName(u"A2");
+    (*one)[u"b"]->setRotation(12.3);
+    one->remove(u"c");
+    end(one);
+    (*other)[u"a"]->setName(u"A2");
+    (*other)[u"b"]->setRotation(double(12.3F));
+    other->remove(u"c");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_FALSE(store::Store(file).hasUnsaved());
+    EXPECT_EQ(journals().size(), 1u) << "who only looks removes nothing";
+    EXPECT_TRUE(Program(file).store.findUnsaved().empty());
+    EXPECT_TRUE(journals().empty());
+}
+
+TEST_F(Unsaved, OfAJournalOnlyWhatStillDiffersIsOffered) {
+    (*one)[u"a"]->setName(u"A2");
+    (*one)[u"b"]->setName(u"B2");
+    one->move(u"c", 0);
+    end(one);
+    (*other)[u"a"]->setName(u"A2");
+    ASSERT_EQ(other->save(), "");
+    EXPECT_TRUE(store::Store(file).hasUnsaved());
+    Program next(file);
+    {
+        const auto found = next.store.findUnsaved();
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].configurations, 1u);
+    }
+    (*next.model.configurations())[1]->setName(u"B2");
+    ASSERT_EQ(next.save(), "");
+    const auto found = next.store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].configurations, 0u) << "only the order is left";
+    ASSERT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
+    EXPECT_EQ(next.names(), "C A2 B2 All");
+}
+
+TEST_F(Unsaved, AMemberThatWasDeletedSinceComesBackWithWhatItWasPutInto) {
+    (*one)[u"all"]->addConfiguration((*one)[u"c"]);
+    end(one);
+    other->remove(u"c");
+    ASSERT_EQ(other->save(), "");
+    Program next(file);
+    const auto found = next.store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].configurations, 2u) << "the combined one, and the member that comes back";
+    ASSERT_EQ(sentenceOf(next.store.takeOver(found[0], next.model)), "");
+    EXPECT_EQ(told(next), std::vector<std::string>{
+                              "“C” was deleted since and put into “All” before the program ended; it was kept."});
+    ASSERT_EQ(next.save(), "");
+    EXPECT_EQ(members(), "A B C");
 }
 
 TEST_F(Unsaved, ChangesThatNobodyWantsAreDiscarded) {
@@ -501,18 +696,18 @@ TEST_F(Unsaved, WhatIsNoJournalIsNotOffered) {
     std::filesystem::create_symlink(file, folder / ".configurations.json.unsaved-eeeeee");
     EXPECT_TRUE(one->store.findUnsaved().empty());
     EXPECT_EQ(othersInFolder().size(), 4u) << "only the empty one is known to hold nothing";
-    std::string made;
     (*one)[u"a"]->setName(u"A2");
     end(one);
-    ASSERT_EQ(other->store.findUnsaved().size(), 1u);
-    EXPECT_NE(other->store.findUnsaved()[0].journal.filename().string(), made);
+    const auto found = other->store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_FALSE(found[0].journal.filename().string().ends_with("eeeeee"));
 }
 
 TEST_F(Unsaved, ChangesAreLeftForLaterWhereNothingCanBeSaved) {
     (*one)[u"a"]->setName(u"A2");
     end(one);
     const auto original = content();
-    const auto found = other->store.findUnsaved().at(0);
+    auto found = other->store.findUnsaved().at(0);
     put(R"({"format": "imprinter-configurations", "version": 2})");
     store::Store newer(file);
     model::ImprinterModel model;
@@ -522,6 +717,7 @@ TEST_F(Unsaved, ChangesAreLeftForLaterWhereNothingCanBeSaved) {
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::readOnly);
     EXPECT_EQ(journals().size(), 1u);
+    found.claim.reset();
     put(original);
     Program next(file);
     ASSERT_EQ(sentenceOf(next.store.takeOver(next.store.findUnsaved().at(0), next.model)), "");

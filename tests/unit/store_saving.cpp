@@ -2,6 +2,8 @@
 #include "model_title.h"
 #include "store_support.h"
 
+#include <files/Calls.h>
+
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -268,8 +270,9 @@ TEST_F(Leftovers, AreWhatAKilledSaveLeaves) {
     int status = 0;
     ::waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status)) << "the save was to be killed";
-    ASSERT_EQ(othersInFolder().size(), 1u);
-    leave(othersInFolder()[0]);
+    ASSERT_EQ(othersInFolder().size(), 2u);
+    EXPECT_EQ(othersInFolder()[0], ".configurations.json.lock");
+    leave(othersInFolder()[1]);
     store.load();
     expectNothingLost();
 }
@@ -296,13 +299,133 @@ TEST_F(Leftovers, AreNotAnythingElse) {
 
 TEST_F(Leftovers, AreLeftWhileAnotherProgramSaves) {
     leave(".configurations.json.saving-aB3xY9");
-    const int lock = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    const int lock = ::open((folder / ".configurations.json.lock").c_str(), O_RDWR | O_CREAT, 0600);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
     store.load();
-    EXPECT_EQ(othersInFolder().size(), 1u);
+    EXPECT_EQ(othersInFolder().size(), 2u);
     ::close(lock);
     store.load();
     EXPECT_TRUE(othersInFolder().empty());
+}
+
+/// Where another program has its turn: what time would bring is done at each pause, so that nobody waits.
+class Waiting : public Saving, public files::Calls {
+protected:
+    Waiting() { files::setCalls(this); }
+    ~Waiting() override { files::setCalls(nullptr); }
+
+    void begin() {
+        m_lock = ::open((folder / ".configurations.json.lock").c_str(), O_RDWR | O_CREAT, 0600);
+        ASSERT_EQ(::flock(m_lock, LOCK_EX), 0);
+    }
+    void end() { ::close(m_lock); }
+    /// What the other does when it ends by itself.
+    void endOrderly() {
+        std::filesystem::remove(folder / ".configurations.json.lock");
+        end();
+    }
+    void pause(std::chrono::milliseconds time) override {
+        m_waited += time;
+        if (onPause)
+            onPause(m_waited);
+    }
+
+    std::function<void(std::chrono::milliseconds)> onPause;
+    std::chrono::milliseconds m_waited{0};
+
+private:
+    int m_lock = -1;
+};
+
+TEST_F(Waiting, ForAnotherProgramIsSaidAfterAMoment) {
+    begin();
+    int told = 0;
+    store.setOnWait([&] {
+        ++told;
+        EXPECT_EQ(m_waited, std::chrono::seconds(1));
+    });
+    onPause = [&](auto waited) {
+        if (waited == std::chrono::seconds(3))
+            endOrderly();
+    };
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(m_waited, std::chrono::seconds(3));
+    EXPECT_NE(content(), saved);
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(Waiting, ShortlyIsNotWorthAWord) {
+    begin();
+    store.setOnWait([] { ADD_FAILURE(); });
+    onPause = [&](auto waited) {
+        if (waited == std::chrono::milliseconds(500))
+            end(); // killed, so that its file stays
+    };
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(Waiting, EndsWithAFailureThatSaysWhoIsInTheWay) {
+    begin();
+    const auto failure = store.save(*model);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::busy);
+    EXPECT_EQ(sentenceOf(failure), "Another program has been writing the configurations in “" + file.string() +
+                                       "” for 20 seconds, and nothing was saved.");
+    EXPECT_EQ(m_waited, std::chrono::seconds(20));
+    EXPECT_EQ(content(), saved);
+    endOrderly();
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+}
+
+/// A network file system, which locks only what is open for writing, or one without any locks.
+class Locks : public Saving, public files::Calls {
+protected:
+    Locks() { files::setCalls(this); }
+    ~Locks() override { files::setCalls(nullptr); }
+
+    int lock(int number, int operation) override {
+        struct stat status {};
+        ::fstat(number, &status);
+        const int access = ::fcntl(number, F_GETFL) & O_ACCMODE;
+        if (areThere && S_ISREG(status.st_mode) && (access == O_RDWR || (operation & LOCK_SH)))
+            return Calls::lock(number, operation);
+        ++refused;
+        errno = areThere ? EBADF : ENOLCK;
+        return -1;
+    }
+    bool areThere = true;
+    int refused = 0;
+};
+
+TEST_F(Locks, OfANetworkFileSystemAreEnoughForSavesAndJournals) {
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    configuration->setName(u"unsaved");
+    {
+        store::Store other(file);
+        const auto theirs = modelOf(other.load().configurations);
+        theirs->configurations()->front()->setName(u"unsaved");
+        EXPECT_EQ(sentenceOf(other.keepUnsaved(*theirs)), "");
+        EXPECT_TRUE(store.findUnsaved().empty());
+        EXPECT_FALSE(store.hasUnsaved());
+    }
+    EXPECT_TRUE(store.hasUnsaved());
+    const auto found = store.findUnsaved();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_TRUE(store::Store(file).hasUnsaved() == false);
+    EXPECT_EQ(refused, 0);
+}
+
+TEST_F(Locks, ThatAreNotThereKeepNobodyFromSavingAndLeaveNothingBehind) {
+    areThere = false;
+    EXPECT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_NE(content(), saved);
+    EXPECT_TRUE(othersInFolder().empty());
+    configuration->setName(u"unsaved");
+    EXPECT_NE(sentenceOf(store.keepUnsaved(*model)).find("No locks available"), std::string::npos);
+    EXPECT_TRUE(othersInFolder().empty());
+    EXPECT_GT(refused, 0);
 }
 
 TEST_F(Saving, IntoAFolderThatCannotBeMadeIsAFailure) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 
 #include <sys/types.h>
@@ -18,12 +19,15 @@ public:
     virtual int open(const char* path, int flags, mode_t mode = 0);
     /// `mkostemp`, closed in programs that are started: fills in the last six letters of `pattern`.
     virtual int openTemporary(char* pattern);
-    virtual ssize_t read(int file, void* bytes, std::size_t size);
     virtual ssize_t pread(int file, void* bytes, std::size_t size, off_t at);
     virtual ssize_t write(int file, const void* bytes, std::size_t size);
     /// `copy_file_range` to where `to` stands.
     virtual ssize_t copyRange(int from, off_t* at, int to, std::size_t size);
     virtual int sync(int file);
+    /// `flock`.
+    virtual int lock(int file, int operation);
+    /// Nothing happens for so long.
+    virtual void pause(std::chrono::milliseconds time);
     /// The file is closed whatever is answered.
     virtual int close(int file);
     /// `renameat2`; `rename` where there are no flags.

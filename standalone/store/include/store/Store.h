@@ -11,6 +11,7 @@
 namespace store {
 
 struct Forms;
+class OwnedFile;
 
 /// What went wrong with the file of configurations.
 enum class Code {
@@ -25,6 +26,7 @@ enum class Code {
     changedElsewhere, ///< another program wrote the file, and what it wrote cannot be merged, or nobody read it
     contested,        ///< another program changed a configuration that was changed here too
     unwritable,       ///< the file system refused
+    busy,             ///< another program has been writing it for too long
 };
 
 struct Failure {
@@ -60,11 +62,27 @@ enum class Choice {
 /// Asks a person about a conflict; none where nothing is to be done at all. Without a function there is nobody to ask.
 using Ask = std::function<std::optional<Choice>(const Conflict& conflict)>;
 
+/// What was decided without a question when changes were joined, and people should know.
+struct Notice {
+    enum class Kind {
+        outlivedDeletion,      ///< it was deleted on one side, and stays since the other changed it
+        outlivedDeletionByUse, ///< it was deleted on one side, and stays since the other put it into a combined one
+        leftOut,               ///< it is no member of a combined one, since it is combined itself now
+    };
+    Kind kind;
+    std::u16string configuration; ///< its name
+    std::u16string combined;      ///< the name of the combined one; empty where there is none
+    /// For people, complete, in English.
+    std::u16string sentence;
+};
+
 /// Changes that a program left behind when it ended without having saved them.
 struct Unsaved {
     std::filesystem::path journal;
-    /// How many configurations were changed, created or deleted; 0 where only their order was.
+    /// How many configurations taking it over would change, create or delete; 0 where only their order.
     std::size_t configurations = 0;
+    /// As long as there is a copy of it, the journal is offered to nobody else.
+    std::shared_ptr<OwnedFile> claim;
 };
 
 /// The configurations on disk: one file, described in docs/file-format.md.
@@ -114,15 +132,23 @@ public:
     /// files are kept beside it. What has no form in a file, such as a member that is not in the model, is a failure
     /// that names it.
     [[nodiscard]] std::optional<Failure> save(model::ImprinterModel& model, const Ask& ask = {});
+    /// Told once in a save that has to wait for another program that is writing the file, when that takes longer than a
+    /// second. After twenty the save is given up.
+    void setOnWait(std::function<void()> tell);
+    /// About the last `save` or `takeOver` that did something.
+    const std::vector<Notice>& notices() const;
     /// Keeps no former files: for one that is written to be given away.
     void keepNoVersions();
 
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
     /// without saving; removes the journal where there is nothing to keep. Does not wait for the disk.
     std::optional<Failure> keepUnsaved(const model::ImprinterModel& model);
-    /// The journals that other programs left behind; not those of programs that run, and none where nothing can be
-    /// saved.
-    std::vector<Unsaved> findUnsaved() const;
+    /// The journals that other programs left behind; not those of programs that run, nor those that another program was
+    /// offered and has not answered about, and none where nothing can be saved. One that would change nothing about
+    /// what was loaded or saved last, or that holds nothing, is removed.
+    std::vector<Unsaved> findUnsaved();
+    /// Whether there is such a journal, for whoever takes nothing over: nothing is claimed, and nothing removed.
+    bool hasUnsaved() const;
     /// Joins what a journal holds with the model, as `save` would, and removes it as soon as this store's own journal
     /// has it. The file stays as it is.
     std::optional<Failure> takeOver(const Unsaved& unsaved, model::ImprinterModel& model, const Ask& ask = {});
