@@ -4,6 +4,7 @@
 #include "EmptyHint.h"
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
+#include "PageListHelp.h"
 #include "Preflight.h"
 #include "PreviewDrag.h"
 #include "RecentDocuments.h"
@@ -22,15 +23,18 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -61,6 +65,17 @@ QStringList filesOf(const QMimeData& mime) {
     return files;
 }
 
+/// How much of it there is, and of when.
+QString whatIsUnsaved(const store::Unsaved& unsaved) {
+    const QFileInfo journal(fromPath(unsaved.journal));
+    const auto when = QLocale().toString(journal.lastModified(), QLocale::ShortFormat);
+    if (unsaved.configurations == 0)
+        return text(u"Their order was changed, last on %@.", {when});
+    return unsaved.configurations == 1
+               ? text(u"One configuration was changed, last on %@.", {when})
+               : text(u"%@ configurations were changed, last on %@.", {written(unsaved.configurations), when});
+}
+
 } // namespace
 
 MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_session(session), m_pane(std::move(pane)) {
@@ -86,6 +101,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
         });
     });
     showPane();
+    helpInPane();
     m_order = new OrderPalette(
         m_session.model(), *m_pane, [this] { refreshPane(); }, this);
     m_session.setOnModelChange([this](const auto& configuration) {
@@ -135,6 +151,23 @@ void MainWindow::showPane() {
     setCentralWidget(whole);
     showHint();
     m_pane->didShow();
+}
+
+void MainWindow::helpInPane() {
+    if (auto* pages = findChild<QLineEdit*>(QStringLiteral("customOccurance")))
+        new PageListHelp(*pages);
+    const auto table = m_pane->table();
+    auto* list = table ? widgetOf(*table) : nullptr;
+    if (!list)
+        return;
+    auto* deletes = new QShortcut(QKeySequence::Delete, list);
+    deletes->setContext(Qt::WidgetShortcut); // not while a name is edited
+    connect(deletes, &QShortcut::activated, this, [this] {
+        runGuarded([this] {
+            if (isListed(m_pane->currentConfiguration()))
+                m_pane->perform(u"deleteConfiguration:");
+        });
+    });
 }
 
 void MainWindow::hidePane() {
@@ -241,6 +274,7 @@ void MainWindow::offerUnsaved() {
                         text(u"Imprinter ended before changes were saved. Take them over?"), QMessageBox::NoButton,
                         this);
         box.setTextFormat(Qt::PlainText);
+        box.setInformativeText(whatIsUnsaved(unsaved));
         QAbstractButton* take = box.addButton(text(u"&Take Over"), QMessageBox::AcceptRole);
         QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
         box.addButton(text(u"&Later"), QMessageBox::RejectRole);
@@ -479,6 +513,8 @@ void MainWindow::editSettings() {
 }
 
 void MainWindow::showOrder() {
+    if (!std::exchange(m_orderPlaced, true))
+        m_order->placeBeside(*this);
     m_order->show();
     m_order->raise();
     m_order->activateWindow();

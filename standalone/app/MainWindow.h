@@ -77,6 +77,8 @@ private:
     bool stampFiles(const QStringList& files, bool asksWhereTo = false);
     void editSettings();
     void showPane();
+    /// What the window adds to the pane's own controls.
+    void helpInPane();
     /// Takes the pane's view out of the window.
     void hidePane();
     /// Shows what to do where there is no configuration, and only there.
@@ -95,6 +97,7 @@ private:
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
     QTimer m_titleSettles;
+    bool m_orderPlaced = false;
     bool m_painted = false;
     bool m_warned = false;
 };

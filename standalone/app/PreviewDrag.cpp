@@ -80,9 +80,9 @@ void PreviewDrag::drag(QWidget& from) {
         return;
     constexpr int shownSize = 160;
     auto* drag = new QDrag(&from); // the toolkit deletes it
-    drag->setPixmap(QPixmap::fromImage(qvariant_cast<QImage>(mime->imageData())
-                                           .scaled(shownSize, shownSize, Qt::KeepAspectRatio,
-                                                   Qt::SmoothTransformation)));
+    drag->setPixmap(
+        QPixmap::fromImage(qvariant_cast<QImage>(mime->imageData())
+                               .scaled(shownSize, shownSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
     drag->setMimeData(mime);
     drag->exec(Qt::CopyAction);
 }

@@ -57,9 +57,8 @@ void SampleCommands::choose() {
     auto* sample = m_session.sample();
     if (!sample || !m_window.pane().commitEditing())
         return;
-    const auto file = QFileDialog::getOpenFileName(
-        &m_window, text(u"Choose a Sample Document"), {},
-        text(u"PDF documents and pictures (*.pdf *.png *.jpg *.jpeg)"));
+    const auto file = QFileDialog::getOpenFileName(&m_window, text(u"Choose a Sample Document"), {},
+                                                   text(u"PDF documents and pictures (*.pdf *.png *.jpg *.jpeg)"));
     if (file.isEmpty())
         return;
     if (const auto problem = sample->choose(file.toStdString()))
@@ -92,10 +91,10 @@ void SampleCommands::tell() {
         return;
     const std::vector<QString> facts{QString::fromStdString(sample->file().filename().string()),
                                      written(sample->page()), written(sample->pageCount())};
-    m_window.statusBar()->showMessage(
-        m_session.isSampleStamped() ? text(u"Sample: %@, page %@ of %@", facts)
-                                    : text(u"Sample: %@, page %@ of %@, which is not stamped", facts),
-        shownFor);
+    m_window.statusBar()->showMessage(m_session.isSampleStamped()
+                                          ? text(u"Sample: %@, page %@ of %@", facts)
+                                          : text(u"Sample: %@, page %@ of %@, which is not stamped", facts),
+                                      shownFor);
 }
 
 } // namespace app

@@ -200,8 +200,7 @@ void SampleDocument::draw(const fs::path& target) const {
         program.kill();
     program.waitForFinished(1000);
     std::error_code none;
-    if (finished && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0 &&
-        fs::exists(target, none))
+    if (finished && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0 && fs::exists(target, none))
         return;
     QImage blank(std::max(1, static_cast<int>(std::lround(page.width * dots / 72))),
                  std::max(1, static_cast<int>(std::lround(page.height * dots / 72))), QImage::Format_RGB32);

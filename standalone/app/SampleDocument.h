@@ -9,11 +9,11 @@
 
 namespace app {
 
-/// The user's own document that previews show in place of the supplied sample page: a PDF document, of which one page at
-/// a time is shown, or a PNG or JPEG picture. It is remembered in the user's settings.
+/// The user's own document that previews show in place of the supplied sample page: a PDF document, of which one page
+/// at a time is shown, or a PNG or JPEG picture. It is remembered in the user's settings.
 ///
-/// Pages are drawn by the program `pdftoppm`, in a process of its own with a bounded time: what is wrong with a document
-/// ends that one. Where it is missing or fails, a page is blank, and has its size and turn all the same.
+/// Pages are drawn by the program `pdftoppm`, in a process of its own with a bounded time: what is wrong with a
+/// document ends that one. Where it is missing or fails, a page is blank, and has its size and turn all the same.
 class SampleDocument {
 public:
     /// Under which the file is remembered.

@@ -16,10 +16,29 @@
 
 namespace app {
 
+namespace {
+
+std::u16string nameOfSupplied(const std::u16string& english) {
+    const QString names[][2] = {{QStringLiteral("Received"), text(u"Received")},
+                                {QStringLiteral("Page of Pages"), text(u"Page of Pages")},
+                                {QStringLiteral("Confidential"), text(u"Confidential")}};
+    for (const auto& [name, local] : names)
+        if (toQt(english) == name)
+            return local.toStdU16String();
+    return english;
+}
+
+} // namespace
+
 Session::Session(const std::filesystem::path& store)
     : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model),
       m_history(*m_model) {
     m_model->setConfigurations(m_loaded.configurations);
+    // The program's own configurations are called as the user's language has it, until there is a file.
+    std::error_code none;
+    if (!m_loaded.standIns && !std::filesystem::exists(store, none))
+        for (const auto& supplied : m_loaded.configurations)
+            supplied->setName(nameOfSupplied(supplied->name()));
     m_history.clear();
     m_model->setBeforeChange([this](const auto& configuration) {
         if (!m_saving)
