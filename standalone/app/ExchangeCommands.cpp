@@ -3,6 +3,7 @@
 
 #include "HostBundle.h"
 #include "MainWindow.h"
+#include "Questions.h"
 #include "Sentences.h"
 
 #include <Foundation/NSException.h>
@@ -91,7 +92,7 @@ std::optional<std::size_t> ExchangeCommands::importFile(const fs::path& file) {
     auto list = own(m_session.model().configurations());
     auto present = store::Present::leave;
     if (const auto names = store::differingNames(list, read.configurations); !names.empty()) {
-        const auto choice = askAboutPresent(file, names);
+        const auto choice = askAboutPresent(m_window, file, names);
         if (!choice)
             return std::nullopt;
         present = *choice;
@@ -112,12 +113,12 @@ std::optional<std::size_t> ExchangeCommands::importFile(const fs::path& file) {
     return joined.imported.size();
 }
 
-std::optional<store::Present> ExchangeCommands::askAboutPresent(const fs::path& file,
-                                                                const std::vector<std::u16string>& names) {
+std::optional<store::Present> askAboutPresent(QWidget& parent, const fs::path& file,
+                                              const std::vector<std::u16string>& names) {
     QMessageBox box(
-        QMessageBox::Question, m_window.windowTitle(),
+        QMessageBox::Question, parent.window()->windowTitle(),
         text(u"Some of the configurations in “%@” are here already and say something else:", {quotable(file)}),
-        QMessageBox::Cancel, &m_window);
+        QMessageBox::Cancel, &parent);
     box.setTextFormat(Qt::PlainText);
     QStringList lines;
     for (const auto& name : names)
@@ -130,6 +131,7 @@ std::optional<store::Present> ExchangeCommands::askAboutPresent(const fs::path& 
     auto* both = box.addButton(text(u"Keep &Both"), QMessageBox::AcceptRole);
     const QAbstractButton* leave = box.addButton(text(u"&Leave"), QMessageBox::AcceptRole);
     box.setDefaultButton(both); // nobody loses anything by it
+    stackButtons(box);
     box.exec();
     if (box.clickedButton() == replace)
         return store::Present::replace;

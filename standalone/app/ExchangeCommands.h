@@ -6,11 +6,17 @@
 #include <QObject>
 
 class QMenu;
+class QWidget;
 
 namespace app {
 
 class MainWindow;
 class Session;
+
+/// Asks what becomes of the configurations of these names, which `file` has in another form; none where nothing is to
+/// be imported.
+std::optional<store::Present> askAboutPresent(QWidget& parent, const std::filesystem::path& file,
+                                              const std::vector<std::u16string>& names);
 
 /// The commands of the File menu that bring configurations from files and write them into files.
 class ExchangeCommands final : public QObject {
@@ -22,8 +28,6 @@ private:
     void import();
     /// Answers how many were imported; none where the user gave it up.
     std::optional<std::size_t> importFile(const std::filesystem::path& file);
-    std::optional<store::Present> askAboutPresent(const std::filesystem::path& file,
-                                                  const std::vector<std::u16string>& names);
     /// Suggests a file called `name`.
     void exportTo(const store::Configurations& configurations, const QString& name);
     void exportCurrent();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Screens.h"
 
+#include "ExchangeCommands.h"
 #include "HostBundle.h"
 #include "Language.h"
 #include "Preflight.h"
@@ -176,6 +177,9 @@ void Screens::visitStoreDialogs(const Look& look) {
     model.configurations()->front()->setRotation(60);
     lookAtModal("a configuration that was changed twice", look, [&] { session->saveChanges(); });
     lookAtModal("what could not be saved", look, [&] { window->warn({store::Code::unwritable, u"…", file}); });
+    lookAtModal("configurations that are here already", look, [&] {
+        app::askAboutPresent(*window, file, {u"…", model.configurations()->front()->name()});
+    });
     model.configurations()->front()->setRotation(0);
 }
 
