@@ -131,7 +131,7 @@ std::optional<store::Present> askAboutPresent(QWidget& parent, const fs::path& f
     auto* both = box.addButton(text(u"Keep &Both"), QMessageBox::AcceptRole);
     const QAbstractButton* leave = box.addButton(text(u"&Leave"), QMessageBox::AcceptRole);
     box.setDefaultButton(both); // nobody loses anything by it
-    stackButtons(box);
+    fitButtons(box);
     box.exec();
     if (box.clickedButton() == replace)
         return store::Present::replace;

@@ -253,7 +253,7 @@ std::optional<store::Choice> MainWindow::askWhichStays(const store::Conflict& co
     QAbstractButton* theirs = box.addButton(text(u"Take &Theirs"), QMessageBox::AcceptRole);
     QAbstractButton* both = box.addButton(text(u"Keep &Both"), QMessageBox::AcceptRole);
     box.setDefaultButton(qobject_cast<QPushButton*>(both)); // nobody loses anything by it
-    stackButtons(box);
+    fitButtons(box);
     box.exec();
     if (box.clickedButton() == mine)
         return store::Choice::mine;
@@ -281,7 +281,7 @@ void MainWindow::offerUnsaved() {
         QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
         box.addButton(text(u"&Later"), QMessageBox::RejectRole);
         box.setDefaultButton(qobject_cast<QPushButton*>(take));
-        stackButtons(box);
+        fitButtons(box);
         box.exec();
         if (box.clickedButton() == take) {
             const auto failure = m_session.takeOver(unsaved);

@@ -90,16 +90,16 @@ bool goesOn(QWidget* parent, const Preflight& found) {
     for (int row = 0; row < list->count(); ++row)
         list->item(row)->setToolTip(list->item(row)->text());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-    if (any) {
-        auto* goOn = buttons->addButton(text(u"C&ontinue"), QDialogButtonBox::AcceptRole);
-        goOn->setDefault(true);
-    }
+    auto* first = any ? buttons->addButton(text(u"C&ontinue"), QDialogButtonBox::AcceptRole)
+                      : buttons->button(QDialogButtonBox::Cancel);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* layout = new QVBoxLayout(&dialog);
     layout->addWidget(label);
     layout->addWidget(list, 1);
     layout->addWidget(buttons);
+    first->setDefault(true); // which it can be in a dialog only
+    first->setFocus();
     dialog.resize(dialog.fontMetrics().averageCharWidth() * 70, dialog.fontMetrics().height() * 16);
     return dialog.exec() == QDialog::Accepted && any;
 }

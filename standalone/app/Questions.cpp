@@ -3,11 +3,14 @@
 
 #include <QDialogButtonBox>
 #include <QMessageBox>
+#include <QScreen>
 
 namespace app {
 
-void stackButtons(QMessageBox& box) {
-    if (auto* buttons = box.findChild<QDialogButtonBox*>())
+void fitButtons(QMessageBox& box) {
+    constexpr int around = 80; // frame and margins
+    auto* buttons = box.findChild<QDialogButtonBox*>();
+    if (buttons && buttons->sizeHint().width() + around > box.screen()->availableGeometry().width())
         buttons->setOrientation(Qt::Vertical);
 }
 

@@ -5,8 +5,8 @@ class QMessageBox;
 
 namespace app {
 
-/// Puts the buttons of a question with several answers one below the other: side by side, long ones would be cut off on
-/// a small screen.
-void stackButtons(QMessageBox& box);
+/// Puts the buttons of a question with several answers one below the other where they would be cut off side by side, on
+/// a small screen. To be called once they are all there.
+void fitButtons(QMessageBox& box);
 
 } // namespace app
