@@ -5,6 +5,7 @@
 #include "Screens.h"
 
 #include "HostBundle.h"
+#include "Sentences.h"
 
 #include <Foundation/NSBundle.h>
 
@@ -123,6 +124,60 @@ TEST_F(Words, NothingStaysInEnglish) {
     for (const auto& each : found)
         lines += "\n  " + each;
     EXPECT_TRUE(found.empty()) << lines;
+}
+
+TEST_F(Words, WhatFailsIsSaidInTheLanguage) {
+    const auto isLocal = [](const QString& sentence) {
+        return !sentence.isEmpty() && (language() == "en" || !sentence.contains(QStringLiteral("English")));
+    };
+    engine::Outcome outcome;
+    outcome.path = "/"; // which is there
+    outcome.sentence = "English, by the engine.";
+    for (const auto code :
+         {engine::Code::unreadable, engine::Code::unsupported, engine::Code::damaged, engine::Code::encrypted,
+          engine::Code::notPermitted, engine::Code::isSigned, engine::Code::certified, engine::Code::tooLarge,
+          engine::Code::nothingToStamp, engine::Code::sameFile, engine::Code::changed, engine::Code::cancelled}) {
+        outcome.code = code;
+        EXPECT_TRUE(isLocal(app::sentenceOf(outcome))) << static_cast<int>(code);
+    }
+    // The system's reason is kept beside the sentence.
+    outcome.code = engine::Code::cannotWrite;
+    EXPECT_TRUE(app::sentenceOf(outcome).contains("English, by the engine."));
+    outcome.code = engine::Code::unreadable;
+    outcome.path = "/nowhere/letter.pdf";
+    EXPECT_EQ(app::sentenceOf(outcome), app::text(u"The file does not exist."));
+
+    for (const auto code : {store::Code::unreadable, store::Code::damaged, store::Code::foreign, store::Code::invalid,
+                            store::Code::newer, store::Code::tooLarge, store::Code::unstorable, store::Code::readOnly,
+                            store::Code::changedElsewhere, store::Code::contested, store::Code::unwritable}) {
+        const store::Failure failure{code, u"English, by the store.", "/some/file.json"};
+        EXPECT_TRUE(isLocal(app::sentenceOf(failure))) << static_cast<int>(code);
+        // Elsewhere the file is named, and what the store says stands below.
+        if (language() != "en") {
+            EXPECT_TRUE(app::sentenceOf(failure).contains("/some/file.json"));
+            EXPECT_EQ(app::detailOf(failure), "English, by the store.");
+        } else {
+            EXPECT_TRUE(app::detailOf(failure).isEmpty());
+        }
+    }
+}
+
+TEST_F(Words, TheSuppliedConfigurationsAreCalledInTheLanguageAtTheFirstStart) {
+    open();
+    const auto names = [this] {
+        QStringList all;
+        for (const auto& configuration : *session->model().configurations())
+            all << app::toQt(configuration->name());
+        return all;
+    };
+    const QStringList local{app::text(u"Received"), app::text(u"Page of Pages"), app::text(u"Confidential")};
+    EXPECT_EQ(names(), local);
+    session->model().configurations()->front()->setName(u"Received");
+    window->close();
+    window.reset();
+    session.reset();
+    open();
+    EXPECT_EQ(names().front(), "Received") << "what is stored stays";
 }
 
 TEST_F(Words, TheProgramAndThePaneSpeakTheLanguageOfTheEnvironment) {

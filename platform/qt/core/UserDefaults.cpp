@@ -3,8 +3,13 @@
 
 #include "Text.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+
+#include <utility>
 
 namespace platform {
 
@@ -28,12 +33,25 @@ public:
         return qt::fromQt(value.toString());
     }
     void setObjectForKey(const std::u16string& value, const std::u16string& key) override {
+        keepPrivate();
         m_settings.setValue(qt::toQt(key), qt::toQt(value));
     }
     void removeObjectForKey(const std::u16string& key) override { m_settings.remove(qt::toQt(key)); }
 
 private:
+    /// What is in the settings concerns nobody but the user. The toolkit leaves the file as open as it finds it.
+    void keepPrivate() {
+        if (std::exchange(m_private, true))
+            return;
+        constexpr auto owners = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+        QFile file(m_settings.fileName());
+        QDir().mkpath(QFileInfo(file).path());
+        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owners))
+            file.setPermissions(file.permissions() & owners);
+    }
+
     QSettings m_settings;
+    bool m_private = false;
 };
 
 std::shared_ptr<NSUserDefaults>& replacement() {

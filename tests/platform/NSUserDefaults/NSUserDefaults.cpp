@@ -30,6 +30,18 @@ TEST(UserDefaults, ATextComesBackFromTheUsersFile) {
     EXPECT_TRUE(QFile::exists(settingsFile()));
 }
 
+TEST(UserDefaults, TheFileIsReadByNobodyElse) {
+    auto& defaults = NSUserDefaults::standardUserDefaults();
+    for (const auto* value : {u"1", u"2"}) {
+        defaults.setObjectForKey(value, u"Private");
+        QCoreApplication::processEvents();
+        ASSERT_TRUE(QFile::exists(settingsFile()));
+        const auto permissions = QFile::permissions(settingsFile());
+        EXPECT_TRUE(permissions & QFileDevice::ReadOwner);
+        EXPECT_FALSE(permissions & (QFileDevice::ReadGroup | QFileDevice::ReadOther)) << "at the next writing, too";
+    }
+}
+
 TEST(UserDefaults, ARemovedKeyIsAbsent) {
     auto& defaults = NSUserDefaults::standardUserDefaults();
     defaults.setBoolForKey(true, u"Flag");
