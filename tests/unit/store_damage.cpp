@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "model_title.h"
 #include "store_support.h"
 
 #include <fstream>
@@ -333,6 +334,41 @@ TEST_F(NewerFile, IsLeftAsItIsAndNotSavedOver) {
     const auto failure = store.save(*modelOf(result.configurations));
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_EQ(content(), text);
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(NewerFile, IsShownAsFarAsItCanBeRead) {
+    const std::string text = R"({"format": "imprinter-configurations", "version": 2, "configurations": [
+        {"uniqueID": "a", "name": "A", "rotation": 30, "position": {"anchor": "new"}, "glow": 7,
+         "titleTokens": ["title", {"fontSize": "large", "underline": true}]},
+        {"uniqueID": "b", "name": "B", "titleTokens": [["no", "longer", "texts"]]},
+        {"name": "without an identifier"}, 7, {"uniqueID": "A", "name": "the same again"},
+        {"uniqueID": "all", "name": "All", "combinedConfiguration": true, "members": ["a", {"by": "rule"}, "gone", "b"]},
+        {"uniqueID": "c", "combinedConfiguration": true, "name": "C", "members": 7}]})";
+    put(text);
+    store::Store store(file);
+    const auto result = store.load();
+    ASSERT_EQ(namesOf(result.configurations), (std::vector<std::string>{"A", "B", "All", "C"}));
+    const auto& first = *result.configurations[0];
+    EXPECT_EQ(first.rotation(), 30);
+    EXPECT_EQ(first.position(), 0) << "what cannot be read is as in a new one";
+    ASSERT_EQ(platform::count(first.titleTokens()), 2u);
+    EXPECT_EQ(std::get<std::u16string>((*first.titleTokens())[0]), u"title");
+    EXPECT_TRUE(runAt(first, 1)->underline());
+    EXPECT_EQ(runAt(first, 1)->fontSize(), 12);
+    EXPECT_EQ(platform::count(result.configurations[2]->configurations()), 2u);
+    EXPECT_TRUE(result.readOnly);
+    EXPECT_TRUE(result.standIns) << "nothing is stamped or imported with what may mean something else";
+    EXPECT_NE(sentenceOf(result).find("The file is left as it is; its configurations are shown as far as they can be "
+                                      "read, and changes are not saved."),
+              std::string::npos)
+        << sentenceOf(result);
+    result.configurations[0]->setName(u"changed");
+    const auto failure = store.save(*modelOf(result.configurations));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_FALSE(store.keepUnsaved(*modelOf(result.configurations)));
     EXPECT_EQ(content(), text);
     EXPECT_TRUE(othersInFolder().empty());
 }

@@ -42,8 +42,8 @@ struct LoadResult {
     std::vector<Failure> messages;
     /// The file is left as it is: nothing can be saved.
     bool readOnly = false;
-    /// Something is there, and the configurations are not from it: the supplied ones stand in for them. False where
-    /// there is nothing, at the first start.
+    /// Something is there, and the configurations are not what it holds: the supplied ones stand in for them, or for
+    /// those of a newer version what could be understood of them. False where there is nothing, at the first start.
     bool standIns = false;
 };
 
