@@ -41,7 +41,10 @@ std::vector<QString> membersOf(const Form& form) {
 class Merger {
 public:
     Merger(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions)
-        : m_base(base), m_mine(mine), m_theirs(theirs), m_decisions(decisions) {}
+        : m_base(base), m_mine(mine), m_theirs(theirs) {
+        for (const auto& decision : decisions)
+            m_decisions.emplace(decision.about.identifier, &decision);
+    }
 
     Merged merge() {
         m_result.forms.document = m_theirs.document;
@@ -132,17 +135,19 @@ private:
     }
 
     void decide(const Contested& contested) {
-        const auto decision = std::find_if(m_decisions.begin(), m_decisions.end(), [&](const Decision& made) {
-            return made.about.identifier == contested.identifier && store::isSame(made.about.mine, contested.mine) &&
-                   store::isSame(made.about.theirs, contested.theirs);
+        const auto [first, last] = m_decisions.equal_range(contested.identifier);
+        const auto decision = std::find_if(first, last, [&](const auto& made) {
+            return store::isSame(made.second->about.mine, contested.mine) &&
+                   store::isSame(made.second->about.theirs, contested.theirs);
         });
-        if (decision == m_decisions.end()) {
+        if (decision == last) {
             m_result.contested.push_back(contested);
             put(contested.identifier, contested.mine);
             return;
         }
-        put(contested.identifier, decision->choice == Choice::theirs ? contested.theirs : contested.mine);
-        if (decision->choice == Choice::both)
+        const auto choice = decision->second->choice;
+        put(contested.identifier, choice == Choice::theirs ? contested.theirs : contested.mine);
+        if (choice == Choice::both)
             putCopy(contested);
     }
 
@@ -153,15 +158,16 @@ private:
 
     /// Theirs, as a configuration of its own.
     void putCopy(const Contested& contested) {
-        std::set<std::u16string> taken;
-        for (const Forms* forms : {&m_mine, &m_theirs, &std::as_const(m_result.forms)})
-            for (const auto& [identifier, form] : forms->byIdentifier)
-                taken.insert(form.value(key::name).toString().toStdU16String());
+        if (m_names.empty())
+            for (const Forms* forms : {&m_mine, &m_theirs})
+                for (const auto& [identifier, form] : forms->byIdentifier)
+                    m_names.insert(form.value(key::name).toString().toStdU16String());
         const auto identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
         auto copy = contested.theirs;
         copy[key::uniqueID] = identifier;
-        copy[key::name] = QString::fromStdU16String(
-            model::nameOfCopy(contested.theirs.value(key::name).toString().toStdU16String(), taken));
+        const auto name = model::nameOfCopy(contested.theirs.value(key::name).toString().toStdU16String(), m_names);
+        m_names.insert(name);
+        copy[key::name] = QString::fromStdU16String(name);
         put(folded(identifier), copy);
         m_copies.emplace(contested.identifier, folded(identifier));
     }
@@ -209,29 +215,45 @@ private:
         // Whoever moved something says where all go; the other's new ones follow what they stood behind.
         const auto common = setOf(kept(kept(m_base.order, setOf(m_mine.order)), setOf(m_theirs.order)));
         const bool moved = kept(m_mine.order, common) != kept(m_base.order, common);
-        auto list = kept(moved ? m_mine.order : m_theirs.order, staying);
+        const auto list = kept(moved ? m_mine.order : m_theirs.order, staying);
         const auto rest = kept(moved ? m_theirs.order : m_mine.order, staying);
         const auto listed = setOf(list);
         const auto inRest = setOf(rest);
-        auto place = list.begin();
-        for (const auto& identifier : rest) {
-            if (listed.contains(identifier)) {
-                place = std::find(list.begin(), list.end(), identifier) + 1;
-                continue;
+        // What is not listed goes behind what it stands behind there, and behind what only `list` has there.
+        std::map<QString, std::vector<QString>> following;
+        QString before;
+        for (const auto& identifier : rest)
+            if (listed.contains(identifier))
+                before = identifier;
+            else
+                following[before].push_back(identifier);
+        std::vector<QString> joined;
+        const auto add = [&](const QString& identifier) {
+            joined.push_back(identifier);
+            if (const auto copy = m_copies.find(identifier); copy != m_copies.end())
+                joined.push_back(copy->second);
+        };
+        auto* waiting = &following[QString()];
+        const auto addWaiting = [&] {
+            for (const auto& identifier : *waiting)
+                add(identifier);
+        };
+        for (const auto& identifier : list) {
+            if (inRest.contains(identifier)) {
+                addWaiting();
+                waiting = &following[identifier];
             }
-            while (place != list.end() && !inRest.contains(*place))
-                ++place;
-            place = list.insert(place, identifier) + 1;
+            add(identifier);
         }
-        for (const auto& [original, copy] : m_copies)
-            list.insert(std::find(list.begin(), list.end(), original) + 1, copy);
-        return list;
+        addWaiting();
+        return joined;
     }
 
     const Forms& m_base;
     const Forms& m_mine;
     const Forms& m_theirs;
-    const std::vector<Decision>& m_decisions;
+    std::multimap<QString, const Decision*> m_decisions;
+    std::set<std::u16string> m_names; // of what there is and of the copies; empty as long as nobody asked
     PutInto m_putIntoByMine;
     PutInto m_putIntoByTheirs;
     std::map<QString, QString> m_copies;
