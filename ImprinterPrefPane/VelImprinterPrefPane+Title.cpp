@@ -318,7 +318,7 @@ void VelImprinterPrefPane::insertPlaceholderTitleToMenuAtIndex(const std::u16str
 }
 
 std::shared_ptr<NSMenu> VelImprinterPrefPane::createFontTokensMenu() {
-    const auto menu = std::make_shared<NSMenu>();
+    auto menu = std::make_shared<NSMenu>();
     NSInteger tag = 0;
     for (const auto& run :
          fontRunsOf(fieldTitle(tell(m_currentConfiguration, &host::ImprinterConfiguration::titleTokens)))) {

@@ -2,6 +2,7 @@
 #include "Alert.h"
 
 #include "Peers.h"
+#include "QtToolkit.h"
 #include "Text.h"
 
 #include <Foundation/NSException.h>
@@ -51,7 +52,7 @@ void qt::noteCancelTitle(const std::u16string& title) {
     cancelTitles().insert(title);
 }
 
-NSInteger runAlertModally(const NSAlert& alert) {
+NSInteger qt::runAlertModally(const NSAlert& alert) {
     auto titles = alert.buttonTitles();
     if (titles.empty())
         titles.push_back(u"OK");

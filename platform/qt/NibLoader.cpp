@@ -3,6 +3,7 @@
 
 #include "Alert.h"
 #include "NibWidgets.h"
+#include "QtToolkit.h"
 #include "Text.h"
 #include "Window.h"
 
@@ -397,8 +398,7 @@ private:
 
 } // namespace
 
-NibContents loadNibNamedOwner(const NSBundle& bundle, const std::u16string& name,
-                              const std::shared_ptr<NSObject>& owner) {
+NibContents qt::loadNib(const NSBundle& bundle, const std::u16string& name, const std::shared_ptr<NSObject>& owner) {
     return InterfaceReader(bundle, owner).read(name);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Picture.h"
 
+#include "QtToolkit.h"
+
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
@@ -48,7 +50,7 @@ QImage readPlainBitmap(const QString& name) {
 
 } // namespace
 
-std::shared_ptr<const Picture> loadPicture(const std::filesystem::path& file) {
+std::shared_ptr<const Picture> qt::loadPicture(const std::filesystem::path& file) {
     const auto name = QString::fromStdString(file.string());
     auto image = readPlainBitmap(name);
     if (image.isNull()) {

@@ -4,6 +4,7 @@
 #include "Blending.h"
 #include "Entry.h"
 #include "PopoverFrame.h"
+#include "QtToolkit.h"
 #include "WidgetPeer.h"
 
 #include <PlatformQt/Bridge.h>
@@ -159,12 +160,8 @@ bool QtPopoverPeer::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-} // namespace platform::qt
-
-namespace platform {
-
 std::unique_ptr<PopoverPeer> makePopoverPeer(const std::shared_ptr<NSPopover>& popover) {
-    return std::make_unique<qt::QtPopoverPeer>(popover);
+    return std::make_unique<QtPopoverPeer>(popover);
 }
 
-} // namespace platform
+} // namespace platform::qt

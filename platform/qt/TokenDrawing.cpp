@@ -3,6 +3,7 @@
 
 #include "Peers.h"
 #include "Picture.h"
+#include "QtToolkit.h"
 #include "Text.h"
 
 #include <QApplication>
@@ -11,9 +12,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace platform {
-
-namespace qt {
+namespace platform::qt {
 
 namespace {
 
@@ -111,17 +110,15 @@ private:
 
 } // namespace
 
-} // namespace qt
-
 std::shared_ptr<Canvas> makeCanvas(NSSize size) {
-    return std::make_shared<qt::ImageCanvas>(size);
+    return std::make_shared<ImageCanvas>(size);
 }
 
 NSSize sizeOfToken(const std::u16string& title, NSControlSize size) {
-    if (!qt::hasScreen())
+    if (!hasScreen())
         return {1, 1};
-    const auto taken = qt::tokenSize(qt::toQt(title), qt::fontOfSize(size));
+    const auto taken = tokenSize(toQt(title), fontOfSize(size));
     return {taken.width(), taken.height()};
 }
 
-} // namespace platform
+} // namespace platform::qt

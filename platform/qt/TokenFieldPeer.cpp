@@ -37,6 +37,23 @@ bool isToken(const QTextCharFormat& format) {
     return format.objectType() == tokenObject;
 }
 
+/// The nearest place at or before `position` where a caret may stand: in no surrogate pair, behind no letter that a
+/// combining mark follows.
+int caretPlaceBefore(const QTextDocument& document, int position) {
+    const auto block = document.findBlock(position);
+    const auto inside = position - block.position();
+    return inside == 0 || block.layout()->isValidCursorPosition(inside)
+               ? position
+               : block.position() + block.layout()->previousCursorPosition(inside);
+}
+
+int caretPlaceAfter(const QTextDocument& document, int position) {
+    const auto before = caretPlaceBefore(document, position);
+    const auto block = document.findBlock(before);
+    return before == position ? position
+                              : block.position() + block.layout()->nextCursorPosition(before - block.position());
+}
+
 } // namespace
 
 /// The tokens a document ever had, so that undoing brings back the very objects; and how they are drawn.
@@ -257,9 +274,11 @@ NSRange TokenEdit::selectedRange() const {
 void TokenEdit::setSelectedRange(NSRange range) {
     const auto last = static_cast<NSUInteger>(std::max(document()->characterCount() - 1, 0));
     const auto start = std::min(range.location, last);
+    const auto first = static_cast<int>(start);
+    const auto end = static_cast<int>(start + std::min(range.length, last - start));
     auto cursor = textCursor();
-    cursor.setPosition(static_cast<int>(start));
-    cursor.setPosition(static_cast<int>(start + std::min(range.length, last - start)), QTextCursor::KeepAnchor);
+    cursor.setPosition(caretPlaceBefore(*document(), first));
+    cursor.setPosition(end > first ? caretPlaceAfter(*document(), end) : cursor.anchor(), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
 }
 

@@ -7,15 +7,6 @@
 
 namespace app {
 
-namespace fs = std::filesystem;
-
-fs::path bundleFolder() {
-    std::error_code error;
-    const auto program = fs::read_symlink("/proc/self/exe", error).parent_path();
-    const auto installed = program / "../lib/imprinter";
-    return (fs::exists(installed, error) ? installed : program / "../lib").lexically_normal();
-}
-
 std::shared_ptr<platform::NSBundle> hostBundle() {
     static const auto bundle = platform::NSBundle::bundleWithPath(bundleFolder() / "ImprinterHost.bundle");
     return bundle;

@@ -2,18 +2,17 @@
 #pragma once
 
 #include <Foundation/NSBundle.h>
+#include <files/Installation.h>
 
 #include <QString>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace app {
 
-/// The folder with the program's bundles: beside the program as it is built, or where it is installed.
-std::filesystem::path bundleFolder();
+using files::bundleFolder;
 
 /// The program's texts; null where they are missing.
 std::shared_ptr<platform::NSBundle> hostBundle();

@@ -2,9 +2,12 @@
 #include "MainWindow.h"
 
 #include "EmptyHint.h"
+#include "ExchangeCommands.h"
 #include "HostBundle.h"
+#include "Sentences.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
+#include "UndoCommands.h"
 
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSException.h>
@@ -60,7 +63,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
     setAcceptDrops(true);
     makeMenus();
-    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(toQt(failure.sentence)); });
+    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(failure); });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
     m_session.setOnWait([this] {
         // Nothing else happens until then, so that it is painted at once.
@@ -142,17 +145,48 @@ void MainWindow::showHint() {
 }
 
 void MainWindow::refreshPane() {
+    changePane([this] { m_pane->refresh(m_session.model()); });
+}
+
+void MainWindow::changePane(const std::function<void()>& change) {
     const QPointer<QWidget> focus = focusWidget();
     setUpdatesEnabled(false);
-    m_pane->refresh(m_session.model());
+    change();
     if (focus && focus->isVisible())
         focus->setFocus();
     setUpdatesEnabled(true);
 }
 
-void MainWindow::warn(const QString& sentence) {
+void MainWindow::undo(bool again) {
+    const QPointer<QWidget> focus = focusWidget(); // ending the edit takes it away
+    auto& history = m_session.history();
+    if (!(again ? history.canRedo() : history.canUndo()) || !m_pane->commitEditing())
+        return;
+    const auto row = again ? history.redo() : history.undo();
+    changePane([&] {
+        const auto list = m_session.model().configurations();
+        if (list->empty())
+            m_pane->showNone(m_session.model());
+        else
+            m_pane->show(row && *row < list->size() ? (*list)[*row] : m_pane->currentConfiguration(),
+                         m_session.model());
+    });
+    if (focus && focus->isVisible() && focus->isEnabled())
+        focus->setFocus();
+}
+
+void MainWindow::show(const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
+    changePane([&] { m_pane->show(configuration, m_session.model()); });
+}
+
+void MainWindow::warn(const store::Failure& failure) {
+    warn(sentenceOf(failure), detailOf(failure));
+}
+
+void MainWindow::warn(const QString& sentence, const QString& detail) {
     QMessageBox box(QMessageBox::Warning, windowTitle(), sentence, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(detail);
     box.exec();
 }
 
@@ -210,7 +244,7 @@ void MainWindow::offerUnsaved() {
             const auto failure = m_session.takeOver(unsaved);
             refreshPane();
             if (failure)
-                warn(toQt(failure->sentence));
+                warn(*failure);
         } else if (box.clickedButton() == discard) {
             m_session.discard(unsaved);
         }
@@ -222,12 +256,15 @@ void MainWindow::makeMenus() {
     auto* stamp = file->addAction(text(u"&Stamp Document…"), this, &MainWindow::stampDocument);
     stamp->setShortcut(QKeySequence::Open);
     file->addSeparator();
+    new ExchangeCommands(m_session, *this, *file);
+    file->addSeparator();
     auto* settings = file->addAction(text(u"Se&ttings…"), this, &MainWindow::editSettings);
     settings->setMenuRole(QAction::PreferencesRole);
     file->addSeparator();
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
+    new UndoCommands(m_session, *this, *menuBar()->addMenu(text(u"&Edit")));
     auto* window = menuBar()->addMenu(text(u"&Window"));
     auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
     order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));

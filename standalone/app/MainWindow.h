@@ -25,14 +25,23 @@ public:
     void offerDocuments(const std::vector<std::filesystem::path>& documents);
 
     /// A sentence for people, shown as it stands.
-    void warn(const QString& sentence);
+    void warn(const QString& sentence, const QString& detail = {});
     /// What was decided without a question.
     void inform(const std::vector<store::Notice>& notices);
+    /// About a file of configurations, in the user's language.
+    void warn(const store::Failure& failure);
+
+    /// Shows a configuration of the model in the pane, which shows its list anew.
+    void show(const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+    using QMainWindow::show;
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
     /// Asks whether what could neither be saved nor kept is given up.
     bool closesWithoutSaving();
+
+    /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
+    void undo(bool again);
 
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();
@@ -63,6 +72,8 @@ private:
     void showHint();
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
+    /// The same after `change`, which shows the pane something else.
+    void changePane(const std::function<void()>& change);
     void showOrder();
     /// Whose version of a configuration stays that was changed here and elsewhere.
     std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);

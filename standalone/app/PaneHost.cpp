@@ -94,6 +94,12 @@ void PaneHost::show(const std::shared_ptr<host::ImprinterConfiguration>& configu
          NSIndexSet(imprinter.indexOfConfiguration(configuration)), false);
 }
 
+void PaneHost::showNone(const host::Imprinter& imprinter) {
+    show(nullptr, imprinter);
+    tell(std::dynamic_pointer_cast<NSControl>(outlet(u"deleteConfigurationBtn")), &NSControl::setEnabled, false);
+    tell(std::dynamic_pointer_cast<NSView>(outlet(u"duplicateRecBtn")), &NSView::setHidden, true);
+}
+
 std::shared_ptr<NSTableView> PaneHost::table() const {
     return std::dynamic_pointer_cast<NSTableView>(outlet(u"tableView"));
 }

@@ -38,6 +38,9 @@ public:
     /// The same, with another configuration as the current one. One that the host does not have is not shown.
     void show(const std::shared_ptr<host::ImprinterConfiguration>& configuration, const host::Imprinter& imprinter);
 
+    /// Shows that there is no configuration, as the pane does after the last one was deleted.
+    void showNone(const host::Imprinter& imprinter);
+
     /// Whether the pane's class has this action, such as "addConfiguration:"; and doing it.
     bool performs(std::u16string_view action) const;
     void perform(std::u16string_view action);

@@ -162,10 +162,6 @@ void chooseLook(const std::string& look) {
         choose(QPalette(QColor(0x484848U), QColor(0x2C2C2CU)), 0xFFFFFF, 0x000000, 0xFFE000, 0x000000, 0xA0A0A0);
 }
 
-fs::path samplePage() {
-    return bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg";
-}
-
 bool leavePictures(MainWindow& window, Session& session, const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
@@ -179,7 +175,7 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     all = grabPreview(window, folder / "window-preview.png") && all;
     all = grabOthers(window, folder) && all;
 
-    const auto sample = samplePage();
+    const auto sample = files::samplePage();
     const auto plain = folder / "sample.pdf";
     try {
         writeSamplePdf(sample, plain);

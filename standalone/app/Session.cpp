@@ -14,14 +14,22 @@
 namespace app {
 
 Session::Session(const std::filesystem::path& store)
-    : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model) {
+    : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model),
+      m_history(*m_model) {
     m_model->setConfigurations(m_loaded.configurations);
+    m_history.clear();
+    m_model->setBeforeChange([this](const auto& configuration) {
+        if (!m_saving)
+            m_history.willChange(configuration);
+    });
     m_model->setSaver([this](model::ImprinterModel&) { save(); });
     m_model->setOnChange([this](const auto& configuration) {
         if (m_saving) {
             m_mergedIn = true;
         } else {
             m_changed = true;
+            m_history.changed(configuration);
+            endStepSoon();
             writeJournalSoon();
         }
         // A pane that edits the members of a combined configuration asks for no new preview.
@@ -52,6 +60,7 @@ Session::~Session() {
     m_model->setSaver({});
     m_model->setStamper({});
     m_model->setOnChange({});
+    m_model->setBeforeChange({});
 }
 
 void Session::saveChanges() {
@@ -68,8 +77,11 @@ void Session::save() {
     m_saving = false;
     m_saveFailed = failure.has_value();
     m_changed = m_changed && m_saveFailed;
-    if (m_mergedIn && m_onMerge)
-        m_onMerge();
+    if (m_mergedIn) {
+        m_history.clear(); // what it would put back is not what was there
+        if (m_onMerge)
+            m_onMerge();
+    }
     tellNotices();
     if (!hasUnsaved())
         return;
@@ -84,6 +96,23 @@ void Session::tellNotices() {
     const auto notices = m_store.notices(); // while they are told, another save may take place
     if (!notices.empty() && m_onNotices)
         m_onNotices(notices);
+}
+
+void Session::textUndoes() {
+    m_history.textUndoes();
+    endStepSoon();
+}
+
+void Session::endStepSoon() {
+    if (m_endingSoon)
+        return;
+    m_endingSoon = std::make_shared<bool>(true);
+    platform::dispatchAsync([this, waiting = std::weak_ptr(m_endingSoon)] {
+        if (waiting.expired())
+            return;
+        m_endingSoon.reset();
+        m_history.endStep();
+    });
 }
 
 void Session::keepJournal() {

@@ -5,6 +5,7 @@
 
 #include <engine/PreviewStamper.h>
 #include <files/PrivateFolder.h>
+#include <model/History.h>
 #include <model/HostClasses.h>
 #include <store/Store.h>
 
@@ -22,6 +23,7 @@ public:
     Session& operator=(const Session&) = delete;
 
     model::ImprinterModel& model() { return *m_model; }
+    const std::filesystem::path& file() const { return m_store.file(); }
     const std::vector<store::Failure>& messages() const { return m_loaded.messages; }
 
     /// Told about a save that failed; the pane's own messages carry no errors.
@@ -41,6 +43,11 @@ public:
     bool isSaving() const { return m_saving; }
     /// Whether what is unsaved is in the journal as it is now.
     bool isJournalled();
+
+    /// What was done to the model, so that it can be undone. A save that brought changes of another program forgets it.
+    model::History& history() { return m_history; }
+    /// The changes that follow now come from a text that undoes its own typing.
+    void textUndoes();
 
     /// Told after every change of the model: as its own notice says.
     void setOnModelChange(model::Configuration::ChangeNotice told) { m_onModelChange = std::move(told); }
@@ -66,6 +73,7 @@ private:
     void stampAgainSoon();
     void save();
     void tellNotices();
+    void endStepSoon();
     void writeJournalSoon();
     void writeJournal();
 
@@ -73,6 +81,7 @@ private:
     store::LoadResult m_loaded;
     std::shared_ptr<model::ImprinterModel> m_model;
     model::HostClasses m_classes;
+    model::History m_history;
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     std::optional<files::PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
@@ -84,6 +93,7 @@ private:
     Shown m_shown;
     std::shared_ptr<bool> m_stampingSoon; // what is still to be done outlives nobody who would do it
     std::shared_ptr<bool> m_writingSoon;
+    std::shared_ptr<bool> m_endingSoon;
     std::function<void(const store::Failure&)> m_onSaveFailure;
     store::Ask m_ask;
     std::function<void()> m_onMerge;

@@ -2,6 +2,7 @@
 #include "StampRun.h"
 
 #include "HostBundle.h"
+#include "Sentences.h"
 
 #include <engine/Naming.h>
 
@@ -31,6 +32,7 @@ QString named(const fs::path& path) {
 /// Asks for what a document lacks to be stamped: a password, or leave to add to what was signed. False where there is
 /// nothing to ask or no answer.
 bool askFor(QProgressDialog& progress, const engine::Outcome& outcome, engine::StampJob& job) {
+    const bool tried = !job.password.empty();
     const bool isSigned = outcome.code == engine::Code::isSigned && !job.allowSigned;
     if (!isSigned && outcome.code != engine::Code::encrypted && outcome.code != engine::Code::notPermitted)
         return false;
@@ -46,10 +48,9 @@ bool askFor(QProgressDialog& progress, const engine::Outcome& outcome, engine::S
         return job.allowSigned;
     }
     bool given = false;
-    const auto password = QInputDialog::getText(&progress, title,
-                                                text(u"Password for %@:", {named(job.input)}) + u'\n' +
-                                                    QString::fromStdString(outcome.sentence),
-                                                QLineEdit::Password, {}, &given);
+    const auto password = QInputDialog::getText(
+        &progress, title, text(u"Password for %@:", {named(job.input)}) + u'\n' + sentenceOf(outcome, tried),
+        QLineEdit::Password, {}, &given);
     job.password = password.toStdString();
     return given;
 }
@@ -134,17 +135,17 @@ StampSummary stampDocument(QWidget* parent, const fs::path& input, const fs::pat
 QString tellSummary(QWidget* parent, const StampSummary& summary) {
     const auto all = summary.done.size() + summary.failed.size();
     QStringList remarks;
-    const auto remark = [&remarks](const engine::Outcome& outcome, const std::string& sentence) {
+    const auto remark = [&remarks](const engine::Outcome& outcome, const QString& sentence) {
         if (remarks.size() < shownRemarks)
-            remarks.append(named(outcome.path) + QStringLiteral(": ") + QString::fromStdString(sentence));
+            remarks.append(named(outcome.path) + QStringLiteral(": ") + sentence);
         else if (remarks.size() == shownRemarks)
             remarks.append(QStringLiteral("…"));
     };
     for (const auto& outcome : summary.failed)
-        remark(outcome, outcome.sentence);
+        remark(outcome, sentenceOf(outcome));
     for (const auto& outcome : summary.done)
         for (const auto& warning : outcome.warnings)
-            remark(outcome, warning);
+            remark(outcome, QString::fromStdString(warning));
     QString line;
     if (summary.cancelled)
         line = text(u"Cancelled.");

@@ -79,7 +79,7 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
     window->offerDocuments(documents);
     window->show();
     for (const auto& message : session.messages())
-        window->warn(toQt(message.sentence));
+        window->warn(message);
     session.keepJournal();
     window->offerUnsaved();
     return window->isVisible() ? QApplication::exec() : 0; // a signal may have closed it meanwhile

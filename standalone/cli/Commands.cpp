@@ -4,10 +4,10 @@
 #include "Arguments.h"
 
 #include <Foundation/NSString.h>
-#include <app/Window.h>
 #include <engine/PreviewStamper.h>
+#include <files/Installation.h>
 #include <files/PrivateFolder.h>
-#include <store/Store.h>
+#include <store/Exchange.h>
 
 #include <QImage>
 
@@ -50,16 +50,7 @@ std::optional<files::PrivateFolder> workFolder() {
 
 /// A store's file of just these configurations; a failure's sentence in `problem`.
 bool writeStore(const fs::path& file, const Configurations& configurations, std::string& problem) {
-    model::ImprinterModel model;
-    model.setConfigurations(configurations);
-    store::Store written(file);
-    written.keepNoVersions();
-    auto loaded = written.load();
-    if (loaded.readOnly) {
-        problem = loaded.messages.empty() ? "The file cannot be written." : toUtf8(loaded.messages.front().sentence);
-        return false;
-    }
-    const auto failure = written.save(model);
+    const auto failure = store::exportTo(file, configurations);
     if (failure)
         problem = toUtf8(failure->sentence);
     return !failure;
@@ -70,20 +61,13 @@ std::optional<Configurations> chosen(const std::vector<std::string>& names, cons
     if (names.empty())
         return all;
     Configurations result;
-    const auto add = [&result](const std::shared_ptr<model::Configuration>& configuration) {
-        if (std::find(result.begin(), result.end(), configuration) == result.end())
-            result.push_back(configuration);
-    };
     for (const auto& name : names) {
         const auto found = configurationCalled(name, all);
         if (!found)
             return std::nullopt;
-        if (const auto members = found->configurations())
-            for (const auto& member : *members)
-                add(std::dynamic_pointer_cast<model::Configuration>(member));
-        add(found);
+        result.push_back(found);
     }
-    return result;
+    return store::withMembers(result);
 }
 
 /// Prints the configurations as a file of them.
@@ -198,7 +182,7 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
     own.setOnWait([&] { complain(0, store.string() + ": waiting for another program that is writing it"); });
     tellOfUnsaved(own);
     auto result = std::move(present.configurations);
-    const bool replaces = sorted->has("--replace");
+    const auto whatIsThere = sorted->has("--replace") ? store::Present::replace : store::Present::leave;
     std::size_t imported = 0;
     for (const auto& file : sorted->files) {
         const auto read = store::Store(file).read();
@@ -207,39 +191,13 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
                 return complain(badInput, file + ": The file cannot be read.");
             return complain(badInput, file + ": " + toUtf8(read.messages.front().sentence));
         }
-        // Members are shared objects, so that a combined one has to get those that stay.
-        std::map<std::u16string, std::shared_ptr<model::Configuration>> here;
-        for (const auto& configuration : result)
-            here.emplace(configuration->uniqueID(), configuration);
-        std::vector<std::shared_ptr<model::Configuration>> combined;
-        for (const auto& configuration : read.configurations) {
-            auto& known = here[configuration->uniqueID()];
-            if (known && !replaces) {
-                complain(0,
-                         file + ": \"" + toUtf8(configuration->name()) + "\" is there already and was left as it is");
-                continue;
-            }
-            ++imported;
-            if (known)
-                *std::find(result.begin(), result.end(), known) = configuration;
-            else
-                result.push_back(configuration);
-            known = configuration;
-        }
-        for (const auto& configuration : result) {
-            if (!configuration->combinedConfiguration())
-                continue;
-            const auto members = *configuration->configurations();
-            for (const auto& member : members)
-                configuration->deleteConfiguration(member);
-            for (const auto& former : members) {
-                const auto member = here.at(former->uniqueID());
-                if (member->combinedConfiguration())
-                    return complain(badInput, file + ": \"" + toUtf8(configuration->name()) + "\" would contain \"" +
-                                                  toUtf8(member->name()) + "\", which is combined itself");
-                configuration->addConfiguration(member);
-            }
-        }
+        const auto joined = store::importInto(result, read.configurations, whatIsThere);
+        for (const auto& name : joined.left)
+            complain(0, file + ": \"" + toUtf8(name) + "\" is there already and was left as it is");
+        if (const auto& nested = joined.nested)
+            return complain(badInput, file + ": \"" + toUtf8(nested->outer) + "\" would contain \"" +
+                                          toUtf8(nested->inner) + "\", which is combined itself");
+        imported += joined.imported.size();
     }
     model::ImprinterModel model;
     model.setConfigurations(std::move(result));
@@ -273,7 +231,7 @@ int preview(const fs::path& store, const std::vector<std::string>& arguments) {
     const auto folder = workFolder();
     if (!folder)
         return complain(cannotWrite, "a folder for temporary files cannot be made");
-    const fs::path sample = sorted->files.empty() ? app::samplePage() : fs::path(sorted->files.front());
+    const fs::path sample = sorted->files.empty() ? files::samplePage() : fs::path(sorted->files.front());
     engine::PreviewStamper stamper(folder->path());
     const auto outcome = stamper.stamp(sample, configuration);
     if (!outcome)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
+#include "WindowLibrary.h"
 
-#include <app/Window.h>
 #include <store/Store.h>
 
 #include <csignal>
@@ -24,7 +24,8 @@ void keepMemory() {
 /// Answers the exit status.
 int openWindow(int& argc, char** argv, const std::filesystem::path& store,
                const std::vector<std::filesystem::path>& documents) {
-    const int status = cli::hasDisplay() ? app::runWindow(argc, argv, store, documents) : app::noDisplay;
+    const int status =
+        cli::hasDisplay() ? cli::windowLibrary().runWindow(argc, argv, store, documents) : app::noDisplay;
     if (status == app::noDisplay)
         std::cerr << "imprinter: there is no display to open a window on; `imprinter --help` shows what works without "
                      "one\n";
@@ -82,7 +83,7 @@ int main(int argc, char** argv) {
                 return cli::noConfiguration;
             if (!cli::hasDisplay())
                 setenv("QT_QPA_PLATFORM", "offscreen", 0);
-            return app::drawPictures(argc, argv, store, arguments.front());
+            return cli::windowLibrary().drawPictures(argc, argv, store, arguments.front());
         }
         if (command == "--help" || command == "-h" || command == "help") {
             std::cout << cli::helpText;

@@ -7,6 +7,7 @@
 #include <cstdio> // libjpeg's header needs it first
 #include <cstdlib>
 #include <cstring>
+#include <future>
 
 #include <jpeglib.h>
 
@@ -394,9 +395,17 @@ bool keepCodes(const jpeg_decompress_struct& file, jpeg_compress_struct& out) {
     return true;
 }
 
-/// The stream of `source`, whose header was read, with the patches painted in; what follows its end in `file` stays.
-/// `keepsCodes`: whether the codes shall be kept; afterwards whether they were.
-std::string patched(Decompressor& source, std::string_view file, const std::vector<Patch>& patches, bool& keepsCodes) {
+using Coefficients = std::future<jvirt_barray_ptr*>;
+
+/// `source`, whose header was read, may next be asked for more than that when they are there.
+Coefficients readCoefficients(Decompressor& source, std::launch way) {
+    return std::async(way, [&source] { return jpeg_read_coefficients(&source.info); });
+}
+
+/// The stream of `source`, whose header was read and whose coefficients are on their way, with the patches painted in;
+/// what follows its end in `file` stays. `keepsCodes`: whether the codes shall be kept; afterwards whether they were.
+std::string patched(Decompressor& source, Coefficients coefficients, std::string_view file,
+                    const std::vector<Patch>& patches, bool& keepsCodes) {
     // 1. The units of the file that the stamps touch.
     Grid grid{8 * source.info.max_h_samp_factor, 8 * source.info.max_v_samp_factor, 0, 0, {}};
     grid.columns = (static_cast<int>(source.info.image_width) + grid.width - 1) / grid.width;
@@ -410,7 +419,7 @@ std::string patched(Decompressor& source, std::string_view file, const std::vect
 
     // 2. The file's coefficients, those of the touched units replaced. Pixels of subsampled colour depend on the units
     //    beside them, which are decoded too.
-    jvirt_barray_ptr* const blocks = jpeg_read_coefficients(&source.info);
+    jvirt_barray_ptr* const blocks = coefficients.get();
     const QRect around = units.adjusted(-1, -1, 1, 1) & QRect(0, 0, grid.columns, grid.rows);
     const QPoint corner(around.left() * grid.width, around.top() * grid.height);
     QImage image = decodeUnits(source, blocks, grid, around);
@@ -460,7 +469,7 @@ std::string patchJpeg(std::string_view stream, const std::vector<Patch>& patches
     for (const auto& patch : patches)
         if (!whole.contains(patch.area))
             throw Failure(Code::damaged, "The picture is damaged.");
-    auto result = patched(source, stream, patches, keepsCodes);
+    auto result = patched(source, readCoefficients(source, std::launch::deferred), stream, patches, keepsCodes);
     hasNewCodes = !keepsCodes;
     return result;
 }
@@ -471,11 +480,13 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     const auto geometry = geometryOf(source.info);
     const QSize size(geometry.width, geometry.height);
     const Matrix toPixels = pixelsFromShown(geometry);
+    // While the fonts are looked for and the titles set; where there can be no thread more, when they are asked for.
+    auto coefficients = readCoefficients(source, std::launch::async | std::launch::deferred);
     std::vector<Patch> patches;
     for (const auto& part : partsFor(geometry))
         patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), size, false));
     bool keepsCodes = false;
-    auto result = patched(source, file, patches, keepsCodes);
+    auto result = patched(source, std::move(coefficients), file, patches, keepsCodes);
     if (source.info.err->num_warnings > 0)
         report.sentences.insert("The picture is damaged; it was read as far as possible.");
     return result;

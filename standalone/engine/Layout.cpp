@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <iterator>
 #include <numbers>
 #include <optional>
@@ -62,14 +61,6 @@ std::u16string settable(std::u16string_view text) {
     return result;
 }
 
-std::u16string localTime(std::chrono::system_clock::time_point now, const char* format) {
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    std::tm parts{};
-    localtime_r(&seconds, &parts);
-    char text[32];
-    return platform::fromUtf8(std::string_view(text, std::strftime(text, sizeof text, format, &parts)));
-}
-
 std::optional<std::u16string> valueOf(const std::u16string& placeholder, const Facts& facts) {
     const auto number = [](std::size_t value) { return platform::fromUtf8(std::to_string(value)); };
     if (placeholder == u"%pageNumber%")
@@ -83,9 +74,9 @@ std::optional<std::u16string> valueOf(const std::u16string& placeholder, const F
     if (placeholder == u"%user%")
         return facts.user;
     if (placeholder == u"%date%")
-        return localTime(facts.now, "%Y-%m-%d");
+        return facts.day;
     if (placeholder == u"%time%")
-        return localTime(facts.now, "%H:%M");
+        return facts.time;
     return std::nullopt;
 }
 

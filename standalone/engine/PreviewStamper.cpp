@@ -8,6 +8,7 @@
 #include "StampPlan.h"
 
 #include <Foundation/NSString.h>
+#include <engine/WrittenTime.h>
 
 #include <QTransform>
 
@@ -169,7 +170,8 @@ Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sa
         if (!configuration)
             throw Failure(Code::nothingToStamp, "There is no configuration to stamp.");
         const auto& [image, geometry] = m_state->decoded(sample);
-        const Facts facts{1, 1, 1, platform::fromUtf8(sample.stem().string()), accountName(), now};
+        const WrittenTime time(now);
+        const Facts facts{1, 1, 1, platform::fromUtf8(sample.stem().string()), accountName(), time.day, time.time};
         std::vector<Patch> patches;
         QRect touched;
         for (const auto& plan : planStamps({configuration}, {}, m_state->faces, report)) {

@@ -8,6 +8,7 @@
 #include "StampPlan.h"
 
 #include <Foundation/NSString.h>
+#include <engine/WrittenTime.h>
 
 #include <QImageReader>
 
@@ -38,7 +39,9 @@ Facts factsOf(const StampJob& job) {
     Facts facts;
     facts.recordName = job.recordName.empty() ? platform::fromUtf8(job.input.stem().string()) : job.recordName;
     facts.user = job.user.empty() ? accountName() : job.user;
-    facts.now = job.now;
+    const WrittenTime now(job.now);
+    facts.day = now.day;
+    facts.time = now.time;
     facts.runningNumber = job.firstNumber;
     return facts;
 }
@@ -48,16 +51,18 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     if (job.replace)
         throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be replaced.");
     FaceLibrary faces(job.defaultFont);
-    const auto plans = planStamps(job.configurations, job.pages, faces, report);
+    std::optional<std::vector<StampPlan>> plans; // made when a picture asks for them, which may be reading meanwhile
     const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
     FitCheck fit;
     const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
+        if (!plans)
+            plans = planStamps(job.configurations, job.pages, faces, report);
         auto facts = factsOf(job);
         facts.pageNumber = page;
         facts.recordPageCount = pageCount;
         facts.runningNumber += page - 1;
         PictureParts parts;
-        for (const auto& plan : plans) {
+        for (const auto& plan : *plans) {
             const auto pages = plan.pagesOf(pageCount);
             if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <model/Configuration.h>
 
-#include "Assign.h"
+#include "SameContent.h"
 
 #include <algorithm>
 #include <array>
@@ -62,6 +62,26 @@ Title copyOfTitle(const Title& title, const std::shared_ptr<Configuration>& owne
     return copy;
 }
 
+bool isSameRun(const host::ImprinterFont& left, const host::ImprinterFont& right) {
+    return left.fontNumber() == right.fontNumber() && left.fullFontName() == right.fullFontName() &&
+           sameContent(left.colour(), right.colour()) && left.fontSize() == right.fontSize() &&
+           left.strokeWidth() == right.strokeWidth() && left.outline() == right.outline() &&
+           left.underline() == right.underline() && left.strikethrough() == right.strikethrough();
+}
+
+/// Whether both say the same, whichever objects their font runs are.
+bool isSameTitle(const Title& left, const Title& right) {
+    if (left == right || !left || !right)
+        return left == right;
+    return std::equal(left->begin(), left->end(), right->begin(), right->end(),
+                      [](const TitleToken& mine, const TitleToken& theirs) {
+                          using Run = std::shared_ptr<host::ImprinterFont>;
+                          const auto* run = std::get_if<Run>(&mine);
+                          const auto* other = std::get_if<Run>(&theirs);
+                          return run && other && *run && *other ? isSameRun(**run, **other) : mine == theirs;
+                      });
+}
+
 } // namespace
 
 Configuration::Configuration(std::u16string uniqueID, bool combined)
@@ -81,7 +101,15 @@ std::shared_ptr<Configuration> Configuration::makeWithID(std::u16string uniqueID
 }
 
 std::shared_ptr<Configuration> Configuration::copy() const {
-    std::shared_ptr<Configuration> made(new Configuration(newIdentifier(), m_combined));
+    return copyCalled(newIdentifier());
+}
+
+std::shared_ptr<Configuration> Configuration::snapshot() const {
+    return copyCalled(m_uniqueID);
+}
+
+std::shared_ptr<Configuration> Configuration::copyCalled(std::u16string uniqueID) const {
+    std::shared_ptr<Configuration> made(new Configuration(std::move(uniqueID), m_combined));
     made->m_members = m_members;
     made->m_values = m_values;
     made->m_values.titleTokens = copyOfTitle(m_values.titleTokens, made);
@@ -89,9 +117,58 @@ std::shared_ptr<Configuration> Configuration::copy() const {
 }
 
 void Configuration::setValuesOf(const Configuration& other) {
+    aboutToChange();
     m_values = other.m_values;
     m_values.titleTokens = copyOfTitle(other.m_values.titleTokens, self());
     changed();
+}
+
+void Configuration::restore(const Configuration& snapshot) {
+    aboutToChange();
+    m_members = snapshot.m_members;
+    m_handedOut = nullptr;
+    m_values = snapshot.m_values;
+    m_values.titleTokens = copyOfTitle(snapshot.m_values.titleTokens, self());
+    changed();
+}
+
+unsigned Configuration::differencesFrom(const Configuration& other) const {
+    const auto& mine = m_values;
+    const auto& theirs = other.m_values;
+    unsigned fields = 0;
+    const auto compare = [&fields](Field field, const auto& left, const auto& right) {
+        if (!sameContent(left, right))
+            fields |= field;
+    };
+    compare(nameField, mine.name, theirs.name);
+    compare(duplicateField, mine.duplicateRecord, theirs.duplicateRecord);
+    if (!isSameTitle(mine.titleTokens, theirs.titleTokens))
+        fields |= titleField;
+    compare(positionField, mine.position, theirs.position);
+    compare(offsetField, mine.offset, theirs.offset);
+    compare(rotationField, mine.rotation, theirs.rotation);
+    compare(pagesField, mine.occurance, theirs.occurance);
+    compare(pagesField, mine.customOccurance, theirs.customOccurance);
+    compare(borderField, mine.borderEnabled, theirs.borderEnabled);
+    compare(borderField, mine.borderStyle, theirs.borderStyle);
+    compare(borderField, mine.borderThickness, theirs.borderThickness);
+    compare(borderField, mine.borderColour, theirs.borderColour);
+    compare(fillField, mine.fillEnabled, theirs.fillEnabled);
+    compare(fillField, mine.fillColour, theirs.fillColour);
+    compare(fillField, mine.fillOpacity, theirs.fillOpacity);
+    compare(membersField, m_members, other.m_members);
+    return fields;
+}
+
+std::size_t Configuration::weight() const {
+    std::size_t bytes = sizeof *this + m_members.size() * sizeof m_members.front() +
+                        2 * (m_values.name.size() + (m_values.customOccurance ? m_values.customOccurance->size() : 0));
+    if (m_values.titleTokens)
+        for (const auto& token : *m_values.titleTokens) {
+            const auto* piece = std::get_if<std::u16string>(&token);
+            bytes += sizeof token + (piece ? 2 * piece->size() : sizeof(FontRun));
+        }
+    return bytes;
 }
 
 void Configuration::setName(const std::u16string& name) {
@@ -107,14 +184,17 @@ ConfigurationArray Configuration::configurations() const {
 void Configuration::addConfiguration(const Member& member) {
     if (!m_combined || !member || member->combinedConfiguration())
         return;
+    aboutToChange();
     m_members.push_back(member);
     m_handedOut = nullptr;
     changed();
 }
 
 void Configuration::deleteConfiguration(const Member& member) {
-    if (std::erase(m_members, member) == 0)
+    if (std::find(m_members.begin(), m_members.end(), member) == m_members.end())
         return;
+    aboutToChange();
+    std::erase(m_members, member);
     m_handedOut = nullptr;
     changed();
 }
@@ -179,10 +259,15 @@ void Configuration::setFillOpacity(double opacity) {
     set(m_values.fillOpacity, opacity);
 }
 
+// A copy of the pointer, because the one who is told may set other notices or let the configuration go.
+void Configuration::aboutToChange() {
+    if (const auto notices = m_notices; notices && notices->before)
+        notices->before(self());
+}
+
 void Configuration::changed() {
-    // A copy of the pointer, because the one who is told may set another notice or let the configuration go.
-    if (const auto notice = m_notice; notice && *notice)
-        (*notice)(self());
+    if (const auto notices = m_notices; notices && notices->after)
+        notices->after(self());
 }
 
 std::shared_ptr<Configuration> Configuration::self() {
@@ -191,7 +276,11 @@ std::shared_ptr<Configuration> Configuration::self() {
 
 template <class T>
 void Configuration::set(T& member, const T& value) {
-    if (assign(member, value))
+    const bool same = sameContent(member, value);
+    if (!same)
+        aboutToChange();
+    member = value; // -0 equals 0 and is another number
+    if (!same)
         changed();
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <model/FontRun.h>
 
-#include "Assign.h"
+#include "SameContent.h"
 
 #include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSString.h>
@@ -102,7 +102,11 @@ void FontRun::setAttributesOf(const host::ImprinterFont& other) {
 
 template <class T>
 void FontRun::set(T& member, const T& value) {
-    if (assign(member, value))
+    const bool same = sameContent(member, value);
+    if (!same)
+        platform::tell(m_maker, &Configuration::aboutToChange);
+    member = value;
+    if (!same)
         platform::tell(m_maker, &Configuration::changed);
 }
 

@@ -38,11 +38,11 @@ std::u16string nameOfCopy(const std::u16string& name, const std::set<std::u16str
     return candidate;
 }
 
-ImprinterModel::ImprinterModel() : m_onChange(std::make_shared<const Configuration::ChangeNotice>()) {}
+ImprinterModel::ImprinterModel() : m_notices(std::make_shared<const Configuration::Notices>()) {}
 
 ImprinterModel::~ImprinterModel() {
     for (const auto& configuration : m_list)
-        configuration->setChangeNotice(nullptr);
+        configuration->setNotices(nullptr);
 }
 
 ConfigurationArray ImprinterModel::configurations() const {
@@ -93,7 +93,7 @@ void ImprinterModel::deleteConfigurationAtIndex(NSUInteger index) {
     const auto gone = m_list[index];
     m_list.erase(m_list.begin() + static_cast<NSInteger>(index));
     m_byIdentifier.erase(gone->uniqueID());
-    gone->setChangeNotice(nullptr);
+    gone->setNotices(nullptr);
     // The list is true again before anybody is told that a combined configuration changed.
     m_handedOut = nullptr;
     m_rows.clear();
@@ -142,7 +142,7 @@ void ImprinterModel::setConfigurations(std::vector<std::shared_ptr<Configuration
                                                        platform::toUtf8(configuration->uniqueID()));
     }
     for (const auto& configuration : m_list)
-        configuration->setChangeNotice(nullptr);
+        configuration->setNotices(nullptr);
     m_list = std::move(configurations);
     m_byIdentifier.clear();
     for (const auto& configuration : m_list)
@@ -151,21 +151,29 @@ void ImprinterModel::setConfigurations(std::vector<std::shared_ptr<Configuration
 }
 
 void ImprinterModel::setOnChange(Configuration::ChangeNotice onChange) {
-    m_onChange = std::make_shared<const Configuration::ChangeNotice>(std::move(onChange));
+    setNotices({m_notices->before, std::move(onChange)});
+}
+
+void ImprinterModel::setBeforeChange(Configuration::ChangeNotice beforeChange) {
+    setNotices({std::move(beforeChange), m_notices->after});
+}
+
+void ImprinterModel::setNotices(Configuration::Notices notices) {
+    m_notices = std::make_shared<const Configuration::Notices>(std::move(notices));
     for (const auto& configuration : m_list)
-        configuration->setChangeNotice(m_onChange);
+        configuration->setNotices(m_notices);
 }
 
 void ImprinterModel::adopt(const std::shared_ptr<Configuration>& configuration) {
     m_byIdentifier[configuration->uniqueID()] = configuration;
-    configuration->setChangeNotice(m_onChange);
+    configuration->setNotices(m_notices);
 }
 
 void ImprinterModel::listChanged() {
     m_handedOut = nullptr;
     m_rows.clear();
-    if (const auto notice = m_onChange; *notice)
-        (*notice)(nullptr);
+    if (const auto notices = m_notices; notices->after)
+        notices->after(nullptr);
 }
 
 } // namespace model

@@ -53,6 +53,21 @@ TEST_F(CommandLine, ListsTheSuppliedConfigurationsAtFirst) {
     EXPECT_EQ(run.output, "Received\nPage of Pages\nConfidential\n");
 }
 
+TEST_F(CommandLine, LoadsNothingOfTheWindowForACommand) {
+    const auto loaded = [this](const std::string& arguments) {
+        const auto traced = imprinter(arguments, "LD_DEBUG=files LD_DEBUG_OUTPUT=loaded");
+        EXPECT_EQ(traced.status, 0) << traced.output;
+        const auto found = render::run("cat " + quoted(folder.path()) + "/loaded.*").output;
+        render::run("rm " + quoted(folder.path()) + "/loaded.*");
+        return found;
+    };
+    letter();
+    const auto forStamping = loaded("stamp --configuration Received --output stamped.pdf letter.pdf");
+    EXPECT_NE(forStamping.find("libQt6Gui"), std::string::npos);
+    EXPECT_EQ(forStamping.find("libQt6Widgets"), std::string::npos);
+    EXPECT_NE(loaded("pictures pictures").find("libQt6Widgets"), std::string::npos);
+}
+
 TEST_F(CommandLine, StampsOneFileIntoAFile) {
     letter();
     const auto run = imprinter("stamp --configuration 'Page of Pages' --output out.pdf letter.pdf");

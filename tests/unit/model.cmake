@@ -1,11 +1,11 @@
 # The stand-alone host's configurations in memory and on disk.
 
-add_executable(unit_model model_configuration.cpp model_font_run.cpp model_host_classes.cpp model_list.cpp)
+add_executable(unit_model model_configuration.cpp model_font_run.cpp model_history.cpp model_host_classes.cpp model_list.cpp)
 target_link_libraries(unit_model PRIVATE model GTest::gtest_main)
 add_test(NAME Unit.unit_model COMMAND unit_model)
 set_tests_properties(Unit.unit_model PROPERTIES LABELS unit)
 
-add_executable(unit_store store_damage.cpp store_defaults.cpp store_faults.cpp store_merging.cpp store_round_trip.cpp store_saving.cpp store_support.cpp)
+add_executable(unit_store store_damage.cpp store_defaults.cpp store_exchange.cpp store_faults.cpp store_merging.cpp store_round_trip.cpp store_saving.cpp store_support.cpp)
 target_compile_definitions(unit_store PRIVATE FORMAT_DOCUMENT="${PROJECT_SOURCE_DIR}/docs/file-format.md")
 target_link_libraries(unit_store PRIVATE files store GTest::gtest_main)
 add_test(NAME Unit.unit_store COMMAND unit_store)

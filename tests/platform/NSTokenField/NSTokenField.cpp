@@ -2,8 +2,11 @@
 #include "Interface.h"
 
 #include <AppKit/NSCell.h>
+#include <AppKit/NSTextView.h>
 #include <AppKit/NSTokenField.h>
 
+#include <QApplication>
+#include <QInputMethodEvent>
 #include <QTextEdit>
 
 #include <algorithm>
@@ -46,6 +49,44 @@ TEST_F(TokenFieldTest, TypingPutsTextBesideTheTokens) {
     setObjects({u"Received"});
     QTest::keyClicks(text, "x");
     EXPECT_EQ(*field->objectValue(), (std::vector<RepresentedObject>{u"Received", u"x"}));
+}
+
+TEST_F(TokenFieldTest, TheCaretStandsInNoCharacter) {
+    text->setFocus();
+    QInputMethodEvent event;
+    event.setCommitString(QStringLiteral(u"e\u0301\U0001F600"));
+    QApplication::sendEvent(text, &event);
+    const auto editor = field->currentEditor();
+    ASSERT_TRUE(editor);
+    const auto selected = [&](NSUInteger location, NSUInteger length) {
+        editor->setSelectedRange({location, length});
+        return editor->selectedRange();
+    };
+    EXPECT_EQ(selected(1, 0), (NSRange{0, 0})) << "between a letter and its accent";
+    EXPECT_EQ(selected(3, 0), (NSRange{2, 0})) << "in a surrogate pair";
+    EXPECT_EQ(selected(3, 1), (NSRange{2, 2}));
+    EXPECT_EQ(selected(0, 3), (NSRange{0, 4}));
+    EXPECT_EQ(selected(0, 1), (NSRange{0, 2}));
+    EXPECT_EQ(selected(2, 0), (NSRange{2, 0}));
+    EXPECT_EQ(selected(4, 0), (NSRange{4, 0}));
+}
+
+struct PlainText final : NSObject, NSTokenFieldDelegate {
+    NSTokenStyle tokenFieldStyleForRepresentedObject(const std::shared_ptr<NSTokenField>&,
+                                                     const RepresentedObject&) override {
+        return NSTokenStyle::none;
+    }
+};
+
+TEST_F(TokenFieldTest, TheCaretOfAnotherTextStandsInNoCharacter) {
+    text->setFocus();
+    QTest::keyClicks(text, "ab");
+    QTest::keyClick(text, Qt::Key_Left);
+    const auto plain = std::make_shared<PlainText>();
+    field->setDelegate(plain);
+    setObjects({u"\U0001F600"});
+    QTest::keyClicks(text, "x");
+    EXPECT_EQ(*field->objectValue(), (std::vector<RepresentedObject>{u"x\U0001F600"}));
 }
 
 TEST_F(TokenFieldTest, WrapsWhenItsCellIsToldTo) {

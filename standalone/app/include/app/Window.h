@@ -18,7 +18,11 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
 /// PDF; prints their paths. Answers the program's exit status.
 int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder);
 
-/// The sample page that ships with the pane.
-std::filesystem::path samplePage();
+/// What the window's library offers, by a function of the name `windowEntry` that answers a pointer to it.
+struct WindowLibrary {
+    decltype(&app::runWindow) runWindow;
+    decltype(&app::drawPictures) drawPictures;
+};
+inline constexpr const char* windowEntry = "imprinterWindow";
 
 } // namespace app

@@ -4,7 +4,6 @@
 #include <engine/Stamp.h>
 #include <host/ImprinterConfiguration.h>
 
-#include <chrono>
 #include <map>
 #include <set>
 
@@ -17,7 +16,8 @@ struct Facts {
     std::size_t runningNumber = 1; ///< Counts on from file to file.
     std::u16string recordName;
     std::u16string user;
-    std::chrono::system_clock::time_point now; ///< Shown in the local time zone, as 2024-02-29 and 18:05.
+    std::u16string day;  ///< As `WrittenTime` has it.
+    std::u16string time; ///< Likewise.
 };
 
 /// What a person should hear about a run that worked all the same; each sentence once.

@@ -16,8 +16,26 @@ namespace model {
 /// To be used on the main thread only, like the model.
 class Configuration final : public host::ImprinterConfiguration {
 public:
-    /// Told after a change of a value, with the configuration that changed.
+    /// Told about a change of a value, with the configuration that changes.
     using ChangeNotice = std::function<void(const std::shared_ptr<Configuration>& configuration)>;
+    /// Whom changes are told to. Either may be empty.
+    struct Notices {
+        ChangeNotice before; ///< The value is still what it was; the one who is told must not change anything.
+        ChangeNotice after;
+    };
+    /// What can be changed, to tell what was.
+    enum Field : unsigned {
+        nameField = 1,
+        duplicateField = 2,
+        titleField = 4,
+        positionField = 8,
+        offsetField = 16,
+        rotationField = 32,
+        pagesField = 64,
+        borderField = 128,
+        fillField = 256,
+        membersField = 512,
+    };
 
     /// A new one with an identifier of its own: a random UUID, in capitals.
     static std::shared_ptr<Configuration> make(bool combined);
@@ -27,9 +45,18 @@ public:
     /// A copy with an identifier of its own. The title's font runs are copied too, the members are shared.
     std::shared_ptr<Configuration> copy() const;
 
+    /// As it is now: with the same identifier, font runs of its own, and nobody who is told about changes.
+    std::shared_ptr<Configuration> snapshot() const;
+
     /// Takes over every value of `other`, with font runs of its own; identifier, kind and members stay. One change for
     /// whoever is told.
     void setValuesOf(const Configuration& other);
+    /// The same, and the members too.
+    void restore(const Configuration& snapshot);
+    /// The fields, joined by "or", in which the two say something else. Titles are compared by what they say.
+    unsigned differencesFrom(const Configuration& other) const;
+    /// Roughly what the configuration takes in memory, in bytes.
+    std::size_t weight() const;
 
     std::u16string uniqueID() const override { return m_uniqueID; }
     std::u16string name() const override { return m_values.name; }
@@ -79,8 +106,9 @@ public:
     void setFillOpacity(double opacity) override;
 
     /// Sets whom changes of the configuration and of the runs it made are told to; null for nobody.
-    void setChangeNotice(std::shared_ptr<const ChangeNotice> notice) { m_notice = std::move(notice); }
-    /// Passes a change of one of its font runs on.
+    void setNotices(std::shared_ptr<const Notices> notices) { m_notices = std::move(notices); }
+    /// Passes a change of one of its font runs on, before and after it.
+    void aboutToChange();
     void changed();
 
 private:
@@ -104,6 +132,7 @@ private:
 
     Configuration(std::u16string uniqueID, bool combined);
     std::shared_ptr<Configuration> self();
+    std::shared_ptr<Configuration> copyCalled(std::u16string uniqueID) const;
     template <class T>
     void set(T& member, const T& value);
 
@@ -112,7 +141,7 @@ private:
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> m_members;
     mutable host::ConfigurationArray m_handedOut; // made when first asked for after a change of the members
     Values m_values;
-    std::shared_ptr<const ChangeNotice> m_notice;
+    std::shared_ptr<const Notices> m_notices;
 };
 
 } // namespace model

@@ -60,17 +60,21 @@ public:
     /// Told after every change: with the configuration of which a value or a font run changed, and with null when the
     /// list changed. It is not told about a value that is set to what it was.
     void setOnChange(Configuration::ChangeNotice onChange);
+    /// Told before a value, a font run or the members of a configuration of the list change. A change of the list has
+    /// no such notice: who knew the former list still has it.
+    void setBeforeChange(Configuration::ChangeNotice beforeChange);
 
 private:
     void adopt(const std::shared_ptr<Configuration>& configuration);
     void listChanged();
+    void setNotices(Configuration::Notices notices);
 
     std::vector<std::shared_ptr<Configuration>> m_list;
     std::unordered_map<std::u16string, std::shared_ptr<Configuration>> m_byIdentifier;
     // Made when first asked for after a change of the list.
     mutable host::ConfigurationArray m_handedOut;
     mutable std::unordered_map<const host::ImprinterConfiguration*, host::NSUInteger> m_rows;
-    std::shared_ptr<const Configuration::ChangeNotice> m_onChange;
+    std::shared_ptr<const Configuration::Notices> m_notices;
     Saver m_saver;
     Stamper m_stamper;
 };
