@@ -578,6 +578,12 @@ QByteArray bytesOf(const QJsonObject& document) {
 }
 
 QByteArray bytesOf(const Forms& forms, qsizetype mostBytes) {
+    // Two lists of which each may be written can be joined to one that may not.
+    if (forms.order.size() > mostConfigurations)
+        refuse(Code::tooLarge, QStringLiteral("The list of configurations"),
+               QStringLiteral("would have %1 entries, of which %2 are the most")
+                   .arg(forms.order.size())
+                   .arg(mostConfigurations));
     QJsonArray configurations;
     for (const auto& identifier : forms.order)
         configurations.append(forms.byIdentifier.at(identifier));

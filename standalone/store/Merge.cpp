@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Merge.h"
 
+#include "Order.h"
+
 #include <QJsonArray>
 #include <QUuid>
 
@@ -81,7 +83,10 @@ public:
             for (const auto& identifier : combined)
                 if (ordinary.contains(identifier) != onBoth)
                     decideCombined(identifier);
-        m_result.forms.order = order();
+        std::set<QString> staying;
+        for (const auto& [identifier, form] : m_result.forms.byIdentifier)
+            staying.insert(identifier);
+        m_result.forms.order = joinedOrder(m_base.order, m_mine.order, m_theirs.order, staying, m_copies);
         return std::move(m_result);
     }
 
@@ -197,56 +202,6 @@ private:
                 m_result.leftOut.push_back({*changed, *form});
             return false;
         });
-    }
-
-    /// Those of `identifiers` that are in `among` too.
-    static std::vector<QString> kept(const std::vector<QString>& identifiers, const std::set<QString>& among) {
-        std::vector<QString> result;
-        std::copy_if(identifiers.begin(), identifiers.end(), std::back_inserter(result),
-                     [&](const auto& identifier) { return among.contains(identifier); });
-        return result;
-    }
-
-    std::vector<QString> order() const {
-        const auto setOf = [](const std::vector<QString>& list) { return std::set<QString>(list.begin(), list.end()); };
-        std::set<QString> staying;
-        for (const auto& [identifier, form] : m_result.forms.byIdentifier)
-            staying.insert(identifier);
-        // Whoever moved something says where all go; the other's new ones follow what they stood behind.
-        const auto common = setOf(kept(kept(m_base.order, setOf(m_mine.order)), setOf(m_theirs.order)));
-        const bool moved = kept(m_mine.order, common) != kept(m_base.order, common);
-        const auto list = kept(moved ? m_mine.order : m_theirs.order, staying);
-        const auto rest = kept(moved ? m_theirs.order : m_mine.order, staying);
-        const auto listed = setOf(list);
-        const auto inRest = setOf(rest);
-        // What is not listed goes behind what it stands behind there, and behind what only `list` has there.
-        std::map<QString, std::vector<QString>> following;
-        QString before;
-        for (const auto& identifier : rest)
-            if (listed.contains(identifier))
-                before = identifier;
-            else
-                following[before].push_back(identifier);
-        std::vector<QString> joined;
-        const auto add = [&](const QString& identifier) {
-            joined.push_back(identifier);
-            if (const auto copy = m_copies.find(identifier); copy != m_copies.end())
-                joined.push_back(copy->second);
-        };
-        auto* waiting = &following[QString()];
-        const auto addWaiting = [&] {
-            for (const auto& identifier : *waiting)
-                add(identifier);
-        };
-        for (const auto& identifier : list) {
-            if (inRest.contains(identifier)) {
-                addWaiting();
-                waiting = &following[identifier];
-            }
-            add(identifier);
-        }
-        addWaiting();
-        return joined;
     }
 
     const Forms& m_base;
