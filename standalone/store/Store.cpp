@@ -29,12 +29,14 @@ std::u16string reason(const std::system_error& error) {
     return platform::fromUtf8(error.code().message());
 }
 
+constexpr char16_t leftAsItIs[] = u". The file is left as it is.";
+
 /// Renames the file if it may be, and answers whether it did. Ends `sentence` with what became of the file.
 bool keepAside(const fs::path& file, bool mayBeRenamed, const std::u16string& shown, std::u16string& sentence) {
     std::u16string left = u"The file is left as it is";
     if (mayBeRenamed) {
         try {
-            const auto aside = renameAside(file, "damaged");
+            const auto aside = renameAside(targetOf(file), "damaged");
             sentence += u". The file is kept as " + quoted(aside) + u"; the supplied configurations take its place.";
             return true;
         } catch (const std::system_error& error) {
@@ -162,18 +164,21 @@ LoadResult Store::read() const {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, true, reading.problem.has_value()};
     if (reading.problem)
-        result.messages.push_back({*reading.problem, reading.sentence + u". The file is left as it is.", m_file});
+        result.messages.push_back({*reading.problem, reading.sentence + leftAsItIs, m_file});
     return result;
 }
 
-LoadResult Store::load() {
+LoadResult Store::load(Damaged damaged) {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, false, reading.problem.has_value()};
     if (reading.problem) {
         const std::u16string shown = reading.isUnderstoodInPart
                                          ? u"its configurations are shown as far as they can be read"
                                          : u"the supplied configurations are shown";
-        reading.state.readOnly = result.readOnly = !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
+        if (damaged == Damaged::leave)
+            reading.sentence += leftAsItIs;
+        reading.state.readOnly = result.readOnly =
+            damaged == Damaged::leave || !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
         result.messages.push_back({*reading.problem, reading.sentence, m_file});
     }
     // A file that is begun anew says so, for programs that still know the one that was there before.

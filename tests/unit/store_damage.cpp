@@ -318,6 +318,42 @@ TEST_F(Reading, IsNotEnoughToSave) {
     EXPECT_EQ(failure->code, Code::changedElsewhere);
 }
 
+TEST_F(Damage, BehindASymbolicLinkIsKeptAsideAndTheLinkStays) {
+    const auto elsewhere = data / "elsewhere";
+    std::filesystem::create_directory(elsewhere);
+    std::ofstream(elsewhere / "mine.json") << "not JSON at all";
+    std::filesystem::create_symlink("../elsewhere/mine.json", file);
+    store::Store store(file);
+    const auto result = store.load();
+    EXPECT_FALSE(result.readOnly);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_TRUE(othersInFolder().empty());
+    std::string aside;
+    for (const auto& entry : std::filesystem::directory_iterator(elsewhere))
+        aside = entry.path().filename().string();
+    EXPECT_TRUE(aside.starts_with("mine.damaged-2")) << aside;
+    EXPECT_EQ(readAll(elsewhere / aside), "not JSON at all");
+    EXPECT_NE(sentenceOf(result).find(aside), std::string::npos) << sentenceOf(result);
+    ASSERT_EQ(sentenceOf(store.save(*modelOf(result.configurations))), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(namesOf(store::Store(elsewhere / "mine.json").read().configurations), suppliedNames);
+}
+
+TEST_F(Damage, IsLeftInItsPlaceWhereThatIsWanted) {
+    put("not JSON at all");
+    store::Store store(file);
+    const auto result = store.load(store::Damaged::leave);
+    EXPECT_TRUE(result.standIns);
+    EXPECT_TRUE(result.readOnly);
+    EXPECT_EQ(sentenceOf(result), sentenceOf(store::Store(file).read()));
+    const auto failure = store.save(*modelOf(result.configurations));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_EQ(content(), "not JSON at all");
+    EXPECT_TRUE(othersInFolder().empty());
+    EXPECT_FALSE(store.load().readOnly) << "whoever opens the window has it kept aside";
+}
+
 using NewerFile = StoreTest;
 
 TEST_F(NewerFile, IsLeftAsItIsAndNotSavedOver) {
