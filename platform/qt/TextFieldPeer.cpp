@@ -46,7 +46,7 @@ void LineEdit::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter:
         enter([this] {
             const QPointer<LineEdit> self(this);
-            if (endEditing(Ending::returnKey) && self) {
+            if (endEditing(Ending::returnKey) && self) { // NOLINT(clang-analyzer-core.CallAndMessage): this is not null
                 selectAll();
                 finish();
             }

@@ -105,7 +105,7 @@ void PlaceholderTokenField::complete(const std::shared_ptr<NSMenu>& menu,
 }
 
 std::shared_ptr<NSMenu> PlaceholderTokenField::insertMenu() {
-    const auto menu = placeholderMenu();
+    auto menu = placeholderMenu();
     complete(menu, menu);
     return menu;
 }

@@ -21,7 +21,6 @@
 namespace cli {
 
 namespace fs = std::filesystem;
-using platform::fromUtf8;
 using platform::toUtf8;
 
 namespace {

@@ -297,7 +297,7 @@ private:
         FriBidiLevel highest = 0;
         for (const auto& item : items)
             highest = std::max(highest, item.level);
-        for (int level = highest; level > 0; --level)
+        for (auto level = highest; level > 0; --level)
             for (std::size_t i = 0; i < items.size();) {
                 std::size_t end = i;
                 while (end < items.size() && items[end].level >= level)

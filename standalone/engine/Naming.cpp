@@ -12,7 +12,7 @@ fs::path nameOfDuplicate(const fs::path& input, const char* suffix, const std::s
         auto name = input.stem().string() + suffix;
         if (number > 1)
             name += '-' + std::to_string(number);
-        const auto path = input.parent_path() / (name + input.extension().string());
+        auto path = input.parent_path() / (name + input.extension().string());
         std::error_code none;
         if (!fs::exists(fs::symlink_status(path, none)) && taken.count(path) == 0)
             return path;

@@ -315,7 +315,7 @@ private:
         bool possible = PdfUpdate::isPossible(m_document, m_file.bytes());
         // A page that stands twice in the tree became an object that the file does not have.
         const auto size = m_document.getTrailer().getKey("/Size").getIntValue();
-        for (auto page : m_document.getAllPages())
+        for (const auto& page : m_document.getAllPages())
             possible = possible && page.getObjectID() < size;
         if (isSigned && !possible)
             throw Failure(Code::isSigned, "The document is signed and can only be written anew, which would make its "

@@ -89,7 +89,7 @@ void PdfUpdate::begin(int number, int generation) {
 }
 
 std::string PdfUpdate::add(std::string_view body) {
-    const auto reference = reserve();
+    auto reference = reserve();
     fill(reference, body);
     return reference;
 }

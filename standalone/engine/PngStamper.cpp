@@ -20,6 +20,8 @@ namespace {
 struct Chunk {
     std::string_view type;
     std::string_view data;
+
+    int byte(std::size_t index) const { return static_cast<unsigned char>(data[index]); }
     std::string_view whole; ///< With length and check sum.
 };
 
@@ -112,8 +114,8 @@ constexpr std::string_view kSignature = "\x89PNG\r\n\x1a\n";
 
 /// The one tone or colour that is clear wherever it occurs, in 16 bits a channel; none where there is no such.
 std::optional<QRgba64> clearColour(const std::vector<Chunk>& chunks) {
-    const int bits = chunks.front().data[8];
-    const int colourType = chunks.front().data[9];
+    const int bits = chunks.front().byte(8);
+    const int colourType = chunks.front().byte(9);
     const bool isGrey = colourType == 0;
     if ((!isGrey && colourType != 2) || bits < 1 || bits > 16)
         return std::nullopt;
@@ -209,8 +211,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
     QImage image = decode(chunks);
 
     const auto parts = partsFor(geometry);
-    const int colourType = chunks.front().data[9];
-    const bool paletted = colourType == 3 || (colourType == 0 && (chunks.front().data[8] < 8 || (image.depth() == 32)));
+    const int colourType = chunks.front().byte(9);
+    const bool paletted = colourType == 3 || (colourType == 0 && (chunks.front().byte(8) < 8 || (image.depth() == 32)));
     const bool grey = std::all_of(parts.begin(), parts.end(), [](const auto& part) { return isGrey(*part.stamp); });
     const bool deep = image.format() == QImage::Format_Grayscale16 || image.depth() == 64;
     // A profile of greys means nothing to colours. So the picture stays grey, and its other pixels look as before.

@@ -108,7 +108,7 @@ void PreviewFiles::writeRows(int descriptor, const char* from, Rows rows) const 
 }
 
 std::filesystem::path PreviewFiles::put(const std::string& name, const char* band, Rows rows) {
-    const auto target = m_folder / name;
+    auto target = m_folder / name;
     Known made;
     try {
         const Descriptor spare(openSpare(made));

@@ -88,6 +88,8 @@ TEST_F(TitleField, OffersOnlyWhatTheEngineFillsIn) {
     engine::Facts facts;
     facts.recordName = u"letter";
     facts.user = u"Ada";
+    facts.day = u"2024-02-29";
+    facts.time = u"18:05";
     for (const auto& placeholder : all) {
         engine::Appearance appearance;
         appearance.pieces.push_back({placeholder, true, 0});
