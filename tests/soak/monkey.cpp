@@ -328,6 +328,8 @@ private:
                     if (button->text() == app::text(m_answer))
                         return button->click();
             }
+            if (const auto* box = qobject_cast<QMessageBox*>(panel))
+                m_said = box->text().toStdString() + " " + box->informativeText().toStdString();
             panel->reject();
         }
     }
@@ -684,22 +686,26 @@ private:
         if (!editor->hasFocus())
             editor->setFocus();
         const auto row = currentRow();
-        const auto characters = editor->document()->characterCount();
+        // Where a user can get to: not in the midst of a character.
+        const auto place = [&] {
+            const auto at = static_cast<int>(pick(static_cast<std::size_t>(editor->document()->characterCount())));
+            return editor->document()->characterAt(at).isLowSurrogate() ? at - 1 : at;
+        };
         auto cursor = editor->textCursor();
-        cursor.setPosition(static_cast<int>(pick(static_cast<std::size_t>(characters))));
-        cursor.setPosition(static_cast<int>(pick(static_cast<std::size_t>(characters))), QTextCursor::KeepAnchor);
+        cursor.setPosition(place());
+        cursor.setPosition(place(), QTextCursor::KeepAnchor);
         editor->setTextCursor(cursor);
         if (chance(3)) {
             NSPasteboard carried;
             const auto text = toUtf8(this->text(8));
             carried.setDataForType(std::make_shared<const std::vector<std::uint8_t>>(text.begin(), text.end()),
                                    u"text/plain");
-            cursor.setPosition(static_cast<int>(pick(static_cast<std::size_t>(characters))));
+            cursor.setPosition(place());
             testing_support::DragUser(*editor->viewport(), carried).dropsAt(editor->cursorRect(cursor).center());
         } else {
             std::u16string plain;
             if (const auto carried = field->userDrags(plain))
-                field->userDrops(carried, pick(static_cast<std::size_t>(characters)));
+                field->userDrops(carried, static_cast<NSUInteger>(place()));
             field->userEndedDrag();
         }
         if (chance(2))
@@ -793,6 +799,8 @@ private:
         m_asked = 0;
         m_session->model().saveConfigurations();
         QApplication::processEvents();
+        if (m_session->hasUnsaved())
+            fail("it could not be saved: " + m_said);
         if (m_asked != (mine == changed ? 1 : 0))
             fail("asked " + std::to_string(m_asked) + " times whose changes stay");
 
@@ -924,6 +932,7 @@ private:
     std::optional<bool> m_agreed; // to the last alert
     const char16_t* m_answer = u"";
     int m_asked = 0;
+    std::string m_said; // by the last message
     std::string m_act;
     std::size_t m_acts = 0;
 };
