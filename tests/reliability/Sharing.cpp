@@ -251,6 +251,15 @@ TEST(SharedStore, NoChangeOfTwoWindowsAndACommandLineIsLost) {
     }
     EXPECT_EQ(byIdentifier.at("cli")->rotation(), rounds);
     EXPECT_TRUE(byIdentifier.contains("shared"));
+    const auto isUsedByCopies = [&](const std::string& identifier) {
+        return std::any_of(byIdentifier.begin(), byIdentifier.end(), [&](const auto& entry) {
+            if (!toUtf8(entry.second->name()).starts_with("shared all"))
+                return false;
+            const auto& members = *entry.second->configurations();
+            return std::any_of(members.begin(), members.end(),
+                               [&](const auto& member) { return toUtf8(member->uniqueID()) == identifier; });
+        });
+    };
     int changes = 0;
     int copies = 0;
     std::map<std::string, std::string> renamed;
@@ -279,7 +288,10 @@ TEST(SharedStore, NoChangeOfTwoWindowsAndACommandLineIsLost) {
                 std::istringstream words(rest);
                 std::string identifier;
                 words >> identifier;
-                EXPECT_EQ(byIdentifier.contains(identifier), what == "has") << line;
+                // Of a deleted one the other window may just have put a copy of what both share into the store.
+                if (what == "has" || !isUsedByCopies(identifier)) {
+                    EXPECT_EQ(byIdentifier.contains(identifier), what == "has") << line;
+                }
                 double rotation = 0;
                 if (what == "has" && words >> rotation && byIdentifier.contains(identifier)) {
                     EXPECT_EQ(byIdentifier[identifier]->rotation(), rotation) << line;
