@@ -37,8 +37,6 @@ public:
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
-    /// Asks whether what could neither be saved nor kept is given up.
-    bool closesWithoutSaving();
 
     /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
     void undo(bool again);
@@ -75,6 +73,8 @@ private:
     /// The same after `change`, which shows the pane something else.
     void changePane(const std::function<void()>& change);
     void showOrder();
+    /// Asks whether what could neither be saved nor kept is given up.
+    bool closesWithoutSaving();
     /// Whose version of a configuration stays that was changed here and elsewhere.
     std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);
 
@@ -87,6 +87,8 @@ private:
     QTimer m_titleSettles;
     bool m_painted = false;
     bool m_warned = false;
+    bool m_closingAgain = false;
+    std::optional<store::Failure> m_saveFailure; ///< The last one.
 };
 
 } // namespace app

@@ -202,10 +202,25 @@ TEST_F(HostLife, AFailedSaveKeepsTheWindowOpenOnce) {
     EXPECT_TRUE(window->pane().pane().isSelected());
     EXPECT_NE(window->centralWidget(), nullptr);
 
-    // There is no journal either, so that closing without it is asked.
-    answerQuestion(QMessageBox::RejectRole);
+    // There is no journal either, so that closing without it is asked, once, over what would be lost.
+    QStringList asked;
+    bool isPaneSeen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            asked += box->text() + u'|' + box->informativeText();
+            isPaneSeen = window->findChild<QLineEdit*>(QStringLiteral("xOffset")) != nullptr;
+            box->reject();
+        }
+    });
+    poll.start(0);
     window->close();
+    poll.stop();
     EXPECT_TRUE(window->isVisible());
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked.front().startsWith(QStringLiteral("Close without saving?|"))) << asked.front().toStdString();
+    EXPECT_TRUE(asked.front().contains(QStringLiteral("configurations.json"))) << asked.front().toStdString();
+    EXPECT_TRUE(isPaneSeen);
     answerQuestion(QMessageBox::DestructiveRole);
     window->close();
     EXPECT_FALSE(window->isVisible());
