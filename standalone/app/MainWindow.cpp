@@ -84,7 +84,11 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
     setAcceptDrops(true);
     makeMenus();
-    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(failure); });
+    m_session.setOnSaveFailure([this](const store::Failure& failure) {
+        m_saveFailure = failure;
+        if (!m_closingAgain) // the question that follows tells it
+            warn(failure);
+    });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
     m_session.setOnWait([this] {
         // Nothing else happens until then, so that it is painted at once.
@@ -266,6 +270,8 @@ bool MainWindow::closesWithoutSaving() {
     QMessageBox box(QMessageBox::Warning, windowTitle(), text(u"Close without saving?"), QMessageBox::Cancel, this);
     const QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
+    if (m_saveFailure)
+        box.setInformativeText(sentenceOf(*m_saveFailure));
     box.exec();
     return box.clickedButton() == discard;
 }
@@ -348,19 +354,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     // After a deletion the next configuration may have come into the same row, and no selection has changed.
     runGuarded([this] { rememberSelection(); });
-    if (!m_pane->leave()) {
+    m_closingAgain = m_warned;
+    const bool left = m_pane->leave();
+    if (left && !m_session.hasUnsaved())
+        m_session.saveChanges();
+    m_closingAgain = false;
+    if (!left) {
         event->ignore();
         return;
     }
-    if (!m_session.hasUnsaved())
-        m_session.saveChanges();
-    hidePane();
-    runGuarded([this] { m_pane->didLeave(); });
     // What could not be saved is kept on the screen once. Closing again does without, after asking where the journal
-    // does not hold it either.
+    // does not hold it either; what it is about can still be seen then.
     bool stay = m_session.hasUnsaved();
     if (std::exchange(m_warned, stay) && stay)
         stay = !m_session.isJournalled() && !closesWithoutSaving();
+    hidePane();
+    runGuarded([this] { m_pane->didLeave(); });
     if (stay)
         runGuarded([this] { showPane(); });
     else

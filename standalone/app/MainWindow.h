@@ -38,8 +38,6 @@ public:
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
-    /// Asks whether what could neither be saved nor kept is given up.
-    bool closesWithoutSaving();
 
     /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
     void refreshPane();
@@ -86,6 +84,8 @@ private:
     /// The same after `change`, which shows the pane something else.
     void changePane(const std::function<void()>& change);
     void showOrder();
+    /// Asks whether what could neither be saved nor kept is given up.
+    bool closesWithoutSaving();
     /// Whose version of a configuration stays that was changed here and elsewhere.
     std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);
 
@@ -100,6 +100,8 @@ private:
     bool m_orderPlaced = false;
     bool m_painted = false;
     bool m_warned = false;
+    bool m_closingAgain = false;
+    std::optional<store::Failure> m_saveFailure; ///< The last one.
 };
 
 } // namespace app
