@@ -293,6 +293,23 @@ TEST_F(CommandLine, AnUnknownConfigurationIsNamed) {
     EXPECT_FALSE(fs::exists(folder / "out.pdf"));
 }
 
+TEST_F(CommandLine, AConfigurationThatDiffersInCaseAloneIsNamed) {
+    letter();
+    const auto run = imprinter("stamp --configuration reCEIVED --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.output, "imprinter: no configuration is called \"reCEIVED\", but one \"Received\"\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+}
+
+TEST_F(CommandLine, WhatIsNoDocumentWhateverItsNameIsNotCalledAFileOfThatKind) {
+    for (const std::string name : {"letter.pdf", "scan.jpg", "notes.txt"}) {
+        writeFile(folder / name, "no document");
+        const auto run = imprinter("stamp --configuration Received --output out " + name);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output, "imprinter: " + name + ": This is no PDF, PNG, JPEG or TIFF file.\n");
+    }
+}
+
 TEST_F(CommandLine, AnIncompleteCommandSaysWhatIsMissing) {
     struct Row {
         const char* arguments;
