@@ -35,6 +35,7 @@ std::optional<QByteArray> rewritten(const QByteArray& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     store::looksLikeConfigurations(bytes);
+    store::readNewer(bytes);
     if (const auto once = rewritten(bytes)) {
         const auto twice = rewritten(*once);
         require(twice == once, "a file that was written is read as what it was written from");

@@ -37,6 +37,19 @@ bool isToken(const QTextCharFormat& format) {
     return format.objectType() == tokenObject;
 }
 
+/// Whether one shown character is a picture made of several: a flag, a family, a hand in some skin. Elsewhere Backspace
+/// takes the last part only, an accent or a vowel sign for one.
+bool isPicture(const QString& character) {
+    const auto codes = character.toUcs4();
+    const auto belongs = [](uint code) {
+        constexpr uint joiner = 0x200D;
+        constexpr uint inColours = 0xFE0F;
+        constexpr uint onKey = 0x20E3;
+        return code == joiner || code == inColours || code == onKey || code >= 0x1F000;
+    };
+    return codes.size() > 1 && std::any_of(codes.begin(), codes.end(), belongs);
+}
+
 /// The nearest place at or before `position` where a caret may stand: in no surrogate pair, behind no letter that a
 /// combining mark follows.
 int caretPlaceBefore(const QTextDocument& document, int position) {
@@ -171,6 +184,7 @@ TokenEdit::TokenEdit(QWidget* parent)
     connect(m_button, &QToolButton::pressed, this, [this] { enter([this] { openInsertMenu(); }); });
     // What changes the text outside the events handled here, assistive technology for one.
     connect(document(), &QTextDocument::contentsChanged, this, [this] {
+        viewport()->update(); // the document only asks for the lines it knows of, and tokens reach below theirs
         if (!m_ownChange)
             QMetaObject::invokeMethod(
                 this, [this] { tellChange(); }, Qt::QueuedConnection);
@@ -240,7 +254,7 @@ std::vector<QString> TokenEdit::spokenCharacters() const {
 
 void TokenEdit::replaceCharacters(NSRange range, const TokenText& replacement, Undoing undoing) {
     m_ownChange = true;
-    QTextCursor cursor(document());
+    auto cursor = textCursor(); // where it stands as the step begins is where undoing leaves it
     if (undoing == Undoing::sameStep)
         cursor.joinPreviousEditBlock();
     else
@@ -291,16 +305,17 @@ void TokenEdit::tellChange() {
 void TokenEdit::undoOrRedo(bool again) {
     const auto available = [&] { return again ? document()->isRedoAvailable() : document()->isUndoAvailable(); };
     const auto before = content();
-    auto cursor = textCursor();
     m_ownChange = true;
     // Steps that changed nothing in the end, such as a sign typed and taken out again, are passed over.
     do {
-        again ? document()->redo(&cursor) : document()->undo(&cursor);
+        again ? document()->redo() : document()->undo();
     } while (available() && content() == before);
     m_ownChange = false;
     m_revision = document()->revision();
-    setTextCursor(cursor);
-    tell(m_field, &NSTokenField::userUndid, content());
+    const auto after = content();
+    const auto change = TokenText::change(before, after);
+    setSelectedRange({change.range.location + change.length, 0});
+    tell(m_field, &NSTokenField::userUndid, after);
 }
 
 void TokenEdit::retitle() {
@@ -340,6 +355,15 @@ void TokenEdit::typeLineBreak() {
     tellChange();
 }
 
+bool TokenEdit::deletePictureBefore() {
+    auto cursor = textCursor();
+    if (cursor.hasSelection() || !cursor.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor) ||
+        !isPicture(cursor.selectedText()))
+        return false;
+    cursor.removeSelectedText();
+    return true;
+}
+
 void TokenEdit::keyPressEvent(QKeyEvent* event) {
     const auto field = m_field.lock();
     if (!field || isReadOnly()) {
@@ -365,6 +389,8 @@ void TokenEdit::keyPressEvent(QKeyEvent* event) {
         enter([&] { field->userCopies(); });
     else if (event->matches(QKeySequence::Paste))
         enter([&] { field->userPastes(pasteboardOf(QApplication::clipboard()->mimeData())); });
+    else if (backward && isPlain && deletePictureBefore())
+        ;
     else if (!isPlain || (!backward && event->key() != Qt::Key_Delete) || !field->userSelectsTokenToDelete(!backward)) {
         const Step step(*this, event->text());
         QTextEdit::keyPressEvent(event);
@@ -582,8 +608,12 @@ void TokenEdit::contextMenuEvent(QContextMenuEvent* event) {
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
     const auto pressed = byKey ? std::nullopt : characterAt(event->pos());
     const auto selected = textCursor();
-    if (!byKey && !(pressed && selected.selectionStart() <= *pressed && *pressed < selected.selectionEnd()))
-        setTextCursor(cursorForPosition(event->pos()));
+    if (!byKey && !(pressed && selected.selectionStart() <= *pressed && *pressed < selected.selectionEnd())) {
+        if (pressed && isTokenAt(*pressed))
+            setSelectedRange({static_cast<NSUInteger>(*pressed), 1});
+        else
+            setTextCursor(cursorForPosition(event->pos()));
+    }
     const auto at = byKey ? viewport()->mapToGlobal(cursorRect().bottomLeft()) : event->globalPos();
     enter([&] { runMenu(tell(m_field, &NSTokenField::contextMenu), at, false); });
     event->accept();

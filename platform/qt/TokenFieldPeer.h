@@ -70,6 +70,8 @@ private:
 
     /// Gives every line the height of a token.
     void setLineHeight();
+    /// Deletes the picture before the caret as the one character it looks like. NO where none is there.
+    bool deletePictureBefore();
     void typeLineBreak();
     /// The position of the character whose place the point is in; none beside the text.
     std::optional<int> characterAt(const QPoint& point) const;

@@ -4,6 +4,11 @@
 #include "EmptyHint.h"
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
+#include "PageListHelp.h"
+#include "Preflight.h"
+#include "PreviewDrag.h"
+#include "RecentDocuments.h"
+#include "SampleCommands.h"
 #include "Sentences.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
@@ -18,14 +23,18 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -56,6 +65,17 @@ QStringList filesOf(const QMimeData& mime) {
     return files;
 }
 
+/// How much of it there is, and of when.
+QString whatIsUnsaved(const store::Unsaved& unsaved) {
+    const QFileInfo journal(fromPath(unsaved.journal));
+    const auto when = QLocale().toString(journal.lastModified(), QLocale::ShortFormat);
+    if (unsaved.configurations == 0)
+        return text(u"Their order was changed, last on %@.", {when});
+    return unsaved.configurations == 1
+               ? text(u"One configuration was changed, last on %@.", {when})
+               : text(u"%@ configurations were changed, last on %@.", {written(unsaved.configurations), when});
+}
+
 } // namespace
 
 MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_session(session), m_pane(std::move(pane)) {
@@ -63,7 +83,11 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
     setWindowIcon(QIcon::fromTheme(QStringLiteral("imprinter")));
     setAcceptDrops(true);
     makeMenus();
-    m_session.setOnSaveFailure([this](const store::Failure& failure) { warn(failure); });
+    m_session.setOnSaveFailure([this](const store::Failure& failure) {
+        m_saveFailure = failure;
+        if (!m_closingAgain) // the question that follows tells it
+            warn(failure);
+    });
     m_session.setOnConflict([this](const store::Conflict& conflict) { return askWhichStays(conflict); });
     m_session.setOnWait([this] {
         // Nothing else happens until then, so that it is painted at once.
@@ -81,6 +105,7 @@ MainWindow::MainWindow(Session& session, std::unique_ptr<PaneHost> pane) : m_ses
         });
     });
     showPane();
+    helpInPane();
     m_order = new OrderPalette(
         m_session.model(), *m_pane, [this] { refreshPane(); }, this);
     m_session.setOnModelChange([this](const auto& configuration) {
@@ -115,6 +140,7 @@ MainWindow::~MainWindow() {
     m_session.setOnNotices({});
     m_session.setOnMerge({});
     m_session.setOnModelChange({});
+    m_session.setOnSampleLost({});
 }
 
 void MainWindow::showPane() {
@@ -129,6 +155,23 @@ void MainWindow::showPane() {
     setCentralWidget(whole);
     showHint();
     m_pane->didShow();
+}
+
+void MainWindow::helpInPane() {
+    if (auto* pages = findChild<QLineEdit*>(QStringLiteral("customOccurance")))
+        new PageListHelp(*pages);
+    const auto table = m_pane->table();
+    auto* list = table ? widgetOf(*table) : nullptr;
+    if (!list)
+        return;
+    auto* deletes = new QShortcut(QKeySequence::Delete, list);
+    deletes->setContext(Qt::WidgetShortcut); // not while a name is edited
+    connect(deletes, &QShortcut::activated, this, [this] {
+        runGuarded([this] {
+            if (isListed(m_pane->currentConfiguration()))
+                m_pane->perform(u"deleteConfiguration:");
+        });
+    });
 }
 
 void MainWindow::hidePane() {
@@ -225,6 +268,8 @@ bool MainWindow::closesWithoutSaving() {
     QMessageBox box(QMessageBox::Warning, windowTitle(), text(u"Close without saving?"), QMessageBox::Cancel, this);
     const QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
+    if (m_saveFailure)
+        box.setInformativeText(sentenceOf(*m_saveFailure));
     box.exec();
     return box.clickedButton() == discard;
 }
@@ -235,6 +280,7 @@ void MainWindow::offerUnsaved() {
                         text(u"Imprinter ended before changes were saved. Take them over?"), QMessageBox::NoButton,
                         this);
         box.setTextFormat(Qt::PlainText);
+        box.setInformativeText(whatIsUnsaved(unsaved));
         QAbstractButton* take = box.addButton(text(u"&Take Over"), QMessageBox::AcceptRole);
         QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
         box.addButton(text(u"&Later"), QMessageBox::RejectRole);
@@ -255,8 +301,12 @@ void MainWindow::makeMenus() {
     auto* file = menuBar()->addMenu(text(u"&File"));
     auto* stamp = file->addAction(text(u"&Stamp Document…"), this, &MainWindow::stampDocument);
     stamp->setShortcut(QKeySequence::Open);
+    m_recent = new RecentDocuments([this](const QString& recent) { stampRecent(recent); }, this);
+    file->addMenu(m_recent);
     file->addSeparator();
     new ExchangeCommands(m_session, *this, *file);
+    file->addSeparator();
+    new SampleCommands(m_session, *this, *file);
     file->addSeparator();
     auto* settings = file->addAction(text(u"Se&ttings…"), this, &MainWindow::editSettings);
     settings->setMenuRole(QAction::PreferencesRole);
@@ -264,7 +314,11 @@ void MainWindow::makeMenus() {
     auto* quit = file->addAction(text(u"&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
-    new UndoCommands(m_session, *this, *menuBar()->addMenu(text(u"&Edit")));
+    auto* edit = menuBar()->addMenu(text(u"&Edit"));
+    new UndoCommands(m_session, *this, *edit);
+    edit->addSeparator();
+    auto* preview = new PreviewDrag(m_session, this);
+    edit->addAction(text(u"&Copy Preview Picture"), preview, [preview] { runGuarded([&] { preview->copy(); }); });
     auto* window = menuBar()->addMenu(text(u"&Window"));
     auto* order = window->addAction(text(u"&Order"), this, &MainWindow::showOrder);
     order->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
@@ -297,19 +351,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     // After a deletion the next configuration may have come into the same row, and no selection has changed.
     runGuarded([this] { rememberSelection(); });
-    if (!m_pane->leave()) {
+    m_closingAgain = m_warned;
+    const bool left = m_pane->leave();
+    if (left && !m_session.hasUnsaved())
+        m_session.saveChanges();
+    m_closingAgain = false;
+    if (!left) {
         event->ignore();
         return;
     }
-    if (!m_session.hasUnsaved())
-        m_session.saveChanges();
-    hidePane();
-    runGuarded([this] { m_pane->didLeave(); });
     // What could not be saved is kept on the screen once. Closing again does without, after asking where the journal
-    // does not hold it either.
+    // does not hold it either; what it is about can still be seen then.
     bool stay = m_session.hasUnsaved();
     if (std::exchange(m_warned, stay) && stay)
         stay = !m_session.isJournalled() && !closesWithoutSaving();
+    hidePane();
+    runGuarded([this] { m_pane->didLeave(); });
     if (stay)
         runGuarded([this] { showPane(); });
     else
@@ -345,44 +402,44 @@ void MainWindow::showSomething() {
     m_pane->show(selected ? selected : list->front(), m_session.model());
 }
 
-void MainWindow::stampDocument() {
+std::shared_ptr<host::ImprinterConfiguration> MainWindow::chosenConfiguration() {
     tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
-    const auto configuration = m_pane->currentConfiguration();
-    if (!isListed(configuration)) {
-        QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
-        return;
-    }
-    const auto inputs = QFileDialog::getOpenFileNames(
-        this, text(u"Stamp Document"), {}, text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)"));
-    if (inputs.size() != 1) {
-        stampFiles(inputs);
-        return;
-    }
-    const auto output =
-        QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(inputs.front()));
-    if (!output.isEmpty())
-        statusBar()->showMessage(tellSummary(this, app::stampDocument(this, inputs.front().toStdString(),
-                                                                      output.toStdString(), configuration)),
-                                 10000);
+    auto configuration = m_pane->currentConfiguration();
+    if (isListed(configuration))
+        return configuration;
+    QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
+    return nullptr;
 }
 
-bool MainWindow::stampFiles(const QStringList& files) {
+bool MainWindow::duplicates(const host::ImprinterConfiguration& configuration) {
+    const auto code = configuration.duplicateRecord();
+    return code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
+               ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
+               : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
+}
+
+void MainWindow::stampDocument() {
+    if (!chosenConfiguration())
+        return;
+    stampFiles(QFileDialog::getOpenFileNames(this, text(u"Stamp Document"), {},
+                                             text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)")),
+               true);
+}
+
+bool MainWindow::stampFiles(const QStringList& files, bool asksWhereTo) {
     if (files.isEmpty())
         return false;
-    tell(m_pane->view()->window(), &NSWindow::makeFirstResponder, nullptr); // what was typed last belongs to the stamp
-    const auto configuration = m_pane->currentConfiguration();
-    if (!isListed(configuration)) {
-        QMessageBox::information(this, windowTitle(), text(u"Select a configuration first."));
+    const auto configuration = chosenConfiguration();
+    if (!configuration)
         return false;
-    }
     std::vector<std::filesystem::path> inputs;
     for (const auto& file : files)
         inputs.emplace_back(file.toStdString());
-    const auto code = configuration->duplicateRecord();
-    const bool duplicates = code == static_cast<NSInteger>(host::DuplicateRecord::followDefault)
-                                ? NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord")
-                                : code == static_cast<NSInteger>(host::DuplicateRecord::duplicate);
-    if (!duplicates &&
+    const auto found = checkDocuments(this, inputs, configuration);
+    if (!goesOn(this, found))
+        return false;
+    const bool inPlace = !duplicates(*configuration);
+    if (inPlace &&
         QMessageBox::question(this, windowTitle(),
                               inputs.size() == 1
                                   ? text(u"Stamp the original file? It is replaced by its stamped version.")
@@ -390,8 +447,30 @@ bool MainWindow::stampFiles(const QStringList& files) {
                                          {written(inputs.size())}),
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return false;
-    statusBar()->showMessage(tellSummary(this, stampDocuments(this, inputs, configuration, !duplicates)), 10000);
+    QString output;
+    if (!inPlace && asksWhereTo && inputs.size() == 1) {
+        output = QFileDialog::getSaveFileName(this, text(u"Save the Stamped Document"), suggestedOutput(files.front()));
+        if (output.isEmpty())
+            return false;
+    }
+    const auto summary = output.isEmpty()
+                             ? stampDocuments(this, inputs, configuration, inPlace)
+                             : app::stampDocument(this, inputs.front(), output.toStdString(), configuration);
+    QStringList stamped;
+    for (const auto& input : summary.inputs)
+        stamped.append(fromPath(input));
+    m_recent->add(stamped);
+    statusBar()->showMessage(tellSummary(this, summary, found.warnings), 10000);
     return true;
+}
+
+void MainWindow::stampRecent(const QString& file) {
+    if (QFileInfo::exists(file)) {
+        stampFiles({file});
+        return;
+    }
+    m_recent->remove(file);
+    warn(text(u"There is no file “%@”.", {file}));
 }
 
 void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& documents) {
@@ -420,7 +499,7 @@ void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& docume
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!filesOf(*event->mimeData()).isEmpty())
+    if (!event->source() && !filesOf(*event->mimeData()).isEmpty()) // not what was dragged out of this program
         event->acceptProposedAction();
 }
 
@@ -443,6 +522,8 @@ void MainWindow::editSettings() {
 }
 
 void MainWindow::showOrder() {
+    if (!std::exchange(m_orderPlaced, true))
+        m_order->placeBeside(*this);
     m_order->show();
     m_order->raise();
     m_order->activateWindow();

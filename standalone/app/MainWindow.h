@@ -12,6 +12,7 @@
 namespace app {
 
 class EmptyHint;
+class RecentDocuments;
 
 /// The window that shows the pane, and the program's menus.
 class MainWindow final : public QMainWindow {
@@ -37,8 +38,9 @@ public:
 
     /// Offers what programs left that ended without saving.
     void offerUnsaved();
-    /// Asks whether what could neither be saved nor kept is given up.
-    bool closesWithoutSaving();
+
+    /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
+    void refreshPane();
 
     /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
     void undo(bool again);
@@ -61,32 +63,45 @@ private:
     void rememberSelection();
     /// Where several commands in a row have left the pane with a configuration that is gone, or with none: chooses one.
     void showSomething();
+    /// The configuration on show; null, after saying so, where there is none.
+    std::shared_ptr<host::ImprinterConfiguration> chosenConfiguration();
+    /// Whether copies are stamped.
+    static bool duplicates(const host::ImprinterConfiguration& configuration);
     void stampDocument();
-    /// Beside them or in place, as the configuration says. NO where the user wanted something else first.
-    bool stampFiles(const QStringList& files);
+    /// A document of the list of recent ones, which may be gone.
+    void stampRecent(const QString& file);
+    /// Beside them or in place, as the configuration says; one may go where the user says. NO where the user wanted
+    /// something else first.
+    bool stampFiles(const QStringList& files, bool asksWhereTo = false);
     void editSettings();
     void showPane();
+    /// What the window adds to the pane's own controls.
+    void helpInPane();
     /// Takes the pane's view out of the window.
     void hidePane();
     /// Shows what to do where there is no configuration, and only there.
     void showHint();
-    /// Shows the pane's list and current configuration anew, without flicker and with the focus where it is.
-    void refreshPane();
     /// The same after `change`, which shows the pane something else.
     void changePane(const std::function<void()>& change);
     void showOrder();
+    /// Asks whether what could neither be saved nor kept is given up.
+    bool closesWithoutSaving();
     /// Whose version of a configuration stays that was changed here and elsewhere.
     std::optional<store::Choice> askWhichStays(const store::Conflict& conflict);
 
     Session& m_session;
     std::unique_ptr<PaneHost> m_pane;
     OrderPalette* m_order;
+    RecentDocuments* m_recent;
     QPointer<EmptyHint> m_hint; // in the window while the pane is
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
     QTimer m_titleSettles;
+    bool m_orderPlaced = false;
     bool m_painted = false;
     bool m_warned = false;
+    bool m_closingAgain = false;
+    std::optional<store::Failure> m_saveFailure; ///< The last one.
 };
 
 } // namespace app

@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -71,6 +72,8 @@ OrderPalette::OrderPalette(model::ImprinterModel& model, PaneHost& pane, std::fu
         connect(new QShortcut(keys, this), &QShortcut::activated, button, &QPushButton::click);
     }
 
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_up);
     buttons->addWidget(m_down);
@@ -93,6 +96,21 @@ void OrderPalette::showEvent(QShowEvent* event) {
     m_chosen = m_pane.currentConfiguration();
     refresh();
     m_list->setFocus();
+}
+
+void OrderPalette::placeBeside(const QWidget& window) {
+    adjustSize();
+    constexpr int gap = 12;
+    const auto frame = window.frameGeometry();
+    const auto room = window.screen()->availableGeometry();
+    const bool leftFirst = layoutDirection() == Qt::RightToLeft;
+    const int right = frame.right() + gap;
+    const int left = frame.left() - gap - width();
+    const bool fitsRight = right + width() <= room.right();
+    const bool fitsLeft = left >= room.left();
+    const int x = leftFirst ? (fitsLeft ? left : right) : (fitsRight ? right : left);
+    QWidget::move(std::clamp(x, room.left(), std::max(room.left(), room.right() - width())),
+                  std::clamp(frame.top(), room.top(), std::max(room.top(), room.bottom() - height())));
 }
 
 void OrderPalette::refresh() {

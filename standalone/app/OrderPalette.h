@@ -43,6 +43,8 @@ public:
 
     /// Shows the configurations anew; to be called when the model has changed.
     void refresh();
+    /// Moves it to the side of `window` that has room for it; over its edge where there is none.
+    void placeBeside(const QWidget& window);
 
 protected:
     void showEvent(QShowEvent* event) override;

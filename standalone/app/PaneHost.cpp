@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "PaneHost.h"
 
+#include "PlaceholderTokenField.h"
+
+#include <AppKit/NSPopUpButton.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSNotification.h>
+
+#include <algorithm>
 
 namespace app {
 
@@ -37,7 +43,33 @@ std::unique_ptr<PaneHost> PaneHost::load(const std::filesystem::path& path, std:
     }
     auto host = std::unique_ptr<PaneHost>(new PaneHost);
     host->m_pane = std::move(pane);
+    if (const auto field = std::dynamic_pointer_cast<PlaceholderTokenField>(host->titleField()))
+        field->setOnRunsChanged([host = host.get()](const auto& inserted) { host->editRun(inserted); });
     return host;
+}
+
+PaneHost::~PaneHost() {
+    if (const auto field = std::dynamic_pointer_cast<PlaceholderTokenField>(titleField()))
+        field->setOnRunsChanged({});
+}
+
+void PaneHost::editRun(const std::shared_ptr<host::ImprinterFont>& run) {
+    const auto popUp = std::dynamic_pointer_cast<NSPopUpButton>(outlet(u"fontTokensPopup"));
+    if (!popUp)
+        return;
+    // As before it opens, when the pane makes its menu; the run being edited is then the one that is on.
+    NSNotificationCenter::defaultCenter().postNotificationNameObject(NSPopUpButtonWillPopUpNotification, popUp);
+    const auto& items = popUp->menu()->itemArray();
+    if (items.empty())
+        return;
+    const auto stands = std::find_if(items.begin(), items.end(), [&](const auto& item) {
+        return run ? item->representedObject() == NSValue(std::shared_ptr<NSObject>(run)) : item->state() != 0;
+    });
+    const auto& chosen = stands == items.end() ? items.front() : *stands;
+    popUp->selectItem(chosen);
+    const auto* cls = m_pane->classTable();
+    if ((run || stands == items.end()) && cls && cls->action(chosen->action()))
+        (*cls->action(chosen->action()))(*m_pane, chosen);
 }
 
 std::shared_ptr<host::ImprinterConfiguration> PaneHost::currentConfiguration() const {

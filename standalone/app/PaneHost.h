@@ -5,6 +5,7 @@
 #include <AppKit/NSTokenField.h>
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/Imprinter.h>
+#include <host/ImprinterFont.h>
 
 namespace app {
 
@@ -16,6 +17,9 @@ class PaneHost {
 public:
     /// Null, with the reason in `error`, where the bundle cannot be loaded.
     static std::unique_ptr<PaneHost> load(const std::filesystem::path& bundle, std::string& error);
+    ~PaneHost();
+    PaneHost(const PaneHost&) = delete;
+    PaneHost& operator=(const PaneHost&) = delete;
 
     const std::shared_ptr<platform::NSView>& view() const { return m_pane->mainView(); }
     platform::NSPreferencePane& pane() { return *m_pane; }
@@ -52,6 +56,9 @@ public:
 
 private:
     PaneHost() = default;
+    /// Has the pane list the title's font runs anew and edit `run`; null for the one that it edits, or the first where
+    /// that one is gone.
+    void editRun(const std::shared_ptr<host::ImprinterFont>& run);
     std::shared_ptr<platform::NSObject> outlet(std::u16string_view name) const;
     std::shared_ptr<platform::NSPreferencePane> m_pane;
 };

@@ -6,10 +6,9 @@
 #include <AppKit/NSImage.h>
 #include <AppKit/NSTokenFieldCell.h>
 #include <Foundation/NSString.h>
-#include <host/ImprinterFont.h>
 
+#include <algorithm>
 #include <array>
-#include <set>
 
 using namespace platform;
 
@@ -47,6 +46,15 @@ std::u16string titleOf(const std::u16string& placeholder) {
         if (placeholder == known.text)
             return localized(known.title);
     return placeholder.size() > 2 ? placeholder.substr(1, placeholder.size() - 2) : placeholder;
+}
+
+std::vector<std::shared_ptr<host::ImprinterFont>> runsOf(const TokenText& title) {
+    std::vector<std::shared_ptr<host::ImprinterFont>> runs;
+    for (const auto& piece : title.pieces())
+        if (const auto* object = std::get_if<std::shared_ptr<NSObject>>(&piece.object))
+            if (auto run = std::dynamic_pointer_cast<host::ImprinterFont>(*object))
+                runs.push_back(std::move(run));
+    return runs;
 }
 
 void addPlaceholder(NSMenu& menu, const std::u16string& placeholder) {
@@ -131,20 +139,24 @@ std::shared_ptr<NSMenu> PlaceholderTokenField::contextMenu() {
 }
 
 void PlaceholderTokenField::userUndid(const TokenText& text) {
+    const auto before = runsOf(attributedStringValue());
     host::PlaceholderTokenField::userUndid(text);
-    std::vector<std::shared_ptr<host::ImprinterFont>> runs;
-    std::set<host::NSUInteger> numbers;
-    for (const auto& piece : text.pieces())
-        if (const auto* object = std::get_if<std::shared_ptr<NSObject>>(&piece.object))
-            if (auto run = std::dynamic_pointer_cast<host::ImprinterFont>(*object)) {
-                numbers.insert(run->fontNumber());
-                runs.push_back(std::move(run));
-            }
-    if (numbers.size() == runs.size())
+    const auto runs = runsOf(attributedStringValue());
+    if (runs == before)
         return;
     for (std::size_t i = 0; i < runs.size(); ++i)
         runs[i]->setFontNumber(i);
     refreshTokenTitles();
+    if (m_onRunsChanged)
+        m_onRunsChanged(nullptr);
+}
+
+void PlaceholderTokenField::userChoosesMenuItem(const std::shared_ptr<NSMenuItem>& item) {
+    const auto before = runsOf(attributedStringValue());
+    host::PlaceholderTokenField::userChoosesMenuItem(item);
+    for (const auto& run : runsOf(attributedStringValue()))
+        if (m_onRunsChanged && std::find(before.begin(), before.end(), run) == before.end())
+            return m_onRunsChanged(run);
 }
 
 } // namespace app

@@ -2,21 +2,43 @@
 #include "Session.h"
 
 #include "HostBundle.h"
+#include "Sentences.h"
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/dispatch.h>
 
+#include <QImage>
+
 #include <algorithm>
 #include <chrono>
 
 namespace app {
 
+namespace {
+
+std::u16string nameOfSupplied(const std::u16string& english) {
+    const QString names[][2] = {{QStringLiteral("Received"), text(u"Received")},
+                                {QStringLiteral("Page of Pages"), text(u"Page of Pages")},
+                                {QStringLiteral("Confidential"), text(u"Confidential")}};
+    for (const auto& [name, local] : names)
+        if (toQt(english) == name)
+            return local.toStdU16String();
+    return english;
+}
+
+} // namespace
+
 Session::Session(const std::filesystem::path& store)
     : m_store(store), m_loaded(m_store.load()), m_model(std::make_shared<model::ImprinterModel>()), m_classes(m_model),
       m_history(*m_model) {
     m_model->setConfigurations(m_loaded.configurations);
+    // The program's own configurations are called as the user's language has it, until there is a file.
+    std::error_code none;
+    if (!m_loaded.standIns && !std::filesystem::exists(store, none))
+        for (const auto& supplied : m_loaded.configurations)
+            supplied->setName(nameOfSupplied(supplied->name()));
     m_history.clear();
     m_model->setBeforeChange([this](const auto& configuration) {
         if (!m_saving)
@@ -159,15 +181,85 @@ void Session::allowPreviews() {
     m_previews = true;
 }
 
+void Session::makePreviewFolder() {
+    if (m_previewStamper)
+        return;
+    m_previewFolder.emplace();
+    m_previewStamper.emplace(m_previewFolder->path());
+}
+
+SampleDocument* Session::sample() {
+    try {
+        makePreviewFolder();
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+    if (!m_sample) {
+        m_sample.emplace(m_previewFolder->path());
+        const auto file = platform::NSUserDefaults::standardUserDefaults().stringForKey(SampleDocument::fileKey);
+        if (const auto problem = m_sample->recall(); problem && m_onSampleLost)
+            m_onSampleLost(toQt(file.value_or(u"")), *problem);
+    }
+    return &*m_sample;
+}
+
+std::filesystem::path Session::chosenSample(const std::filesystem::path& supplied) {
+    auto* own = sample();
+    if (own && own->isChosen()) {
+        if (auto picture = own->picture()) {
+            m_previewStamper->setPage(
+                {own->page(), own->pageCount(), platform::fromUtf8(own->file().stem().string()), true});
+            return *picture;
+        }
+        std::error_code none;
+        giveUpSample(std::filesystem::exists(own->file(), none) ? text(u"The file cannot be read.")
+                                                                : text(u"The file does not exist."));
+    }
+    m_previewStamper->setPage({});
+    return supplied;
+}
+
+void Session::giveUpSample(const QString& reason) {
+    const auto file = QString::fromStdString(m_sample->file().string());
+    m_sample->chooseSupplied();
+    m_previewStamper->setPage({});
+    if (m_onSampleLost)
+        m_onSampleLost(file, reason);
+}
+
+std::optional<std::filesystem::path> Session::previewAsPng() {
+    const auto configuration = m_shown.configuration.lock();
+    if (!configuration || m_shown.result.empty())
+        return std::nullopt;
+    auto name = toQt(configuration->name());
+    for (auto& character : name)
+        if (character < u' ' || character == u'/')
+            character = u'-';
+    constexpr int longest = 60; // whose UTF-8 every file system takes
+    name = name.left(longest).trimmed();
+    if (name.isEmpty() || name.startsWith(u'.'))
+        name.prepend(u'_');
+    const auto file = m_previewFolder->path() / (name + QStringLiteral(".png")).toStdString();
+    const QImage picture(QString::fromStdString(m_shown.result.string()));
+    return picture.save(QString::fromStdString(file.string()), "png") ? std::optional(file) : std::nullopt;
+}
+
 std::optional<host::NSURL> Session::stampSample(const std::filesystem::path& sample,
                                                 const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
     try {
-        if (!m_previewStamper) {
-            m_previewFolder.emplace();
-            m_previewStamper.emplace(m_previewFolder->path());
+        makePreviewFolder();
+        auto page = chosenSample(sample);
+        auto outcome = m_previewStamper->stamp(page, configuration);
+        if (!outcome && page != sample &&
+            (outcome.code == engine::Code::damaged || outcome.code == engine::Code::unsupported ||
+             outcome.code == engine::Code::tooLarge)) {
+            giveUpSample(sentenceOf(outcome));
+            page = sample;
+            outcome = m_previewStamper->stamp(page, configuration);
         }
-        m_shown = {sample, configuration};
-        const auto outcome = m_previewStamper->stamp(sample, configuration);
+        m_shown = {page, {}, configuration};
+        m_sampleStamped = outcome.pagesStamped > 0;
+        m_shown.result = outcome ? outcome.path : std::filesystem::path();
         if (outcome)
             return host::NSURL::fileURLWithPath(outcome.path);
         platform::NSLog(outcome.path.string() + ": " + outcome.sentence);

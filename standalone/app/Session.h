@@ -2,6 +2,7 @@
 #pragma once
 
 #include "PlaceholderTokenField.h"
+#include "SampleDocument.h"
 
 #include <engine/PreviewStamper.h>
 #include <files/PrivateFolder.h>
@@ -64,12 +65,28 @@ public:
     std::optional<store::Failure> takeOver(const store::Unsaved& unsaved);
     void discard(const store::Unsaved& unsaved) { m_store.discard(unsaved); }
 
+    /// The user's own document in place of the supplied sample page; null where there is no folder for its pictures.
+    SampleDocument* sample();
+    /// Told of a document that can be the sample no more, and why.
+    void setOnSampleLost(std::function<void(const QString& file, const QString& reason)> tell) {
+        m_onSampleLost = std::move(tell);
+    }
+    /// Whether the page shown last bears a stamp.
+    bool isSampleStamped() const { return m_sampleStamped; }
+    /// The page shown last, as a PNG file in a folder of this program; none where nothing was shown.
+    std::optional<std::filesystem::path> previewAsPng();
+
     /// Before this the sample page is not touched and previews are answered with none: the window is painted first.
     void allowPreviews();
 
 private:
     std::optional<host::NSURL> stampSample(const std::filesystem::path& sample,
                                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+    void makePreviewFolder();
+    /// What is stamped: a page of the user's own document, or `supplied`.
+    std::filesystem::path chosenSample(const std::filesystem::path& supplied);
+    /// The supplied page takes the place of the user's document, which is said.
+    void giveUpSample(const QString& reason);
     void stampAgainSoon();
     void save();
     void tellNotices();
@@ -85,9 +102,13 @@ private:
     platform::ClassRegistration m_tokenField{PlaceholderTokenField::describeClass()};
     std::optional<files::PrivateFolder> m_previewFolder;
     std::optional<engine::PreviewStamper> m_previewStamper;
+    std::optional<SampleDocument> m_sample;
+    std::function<void(const QString& file, const QString& reason)> m_onSampleLost;
+    bool m_sampleStamped = true;
     /// What the file that was handed out last shows.
     struct Shown {
         std::filesystem::path sample;
+        std::filesystem::path result;
         std::weak_ptr<host::ImprinterConfiguration> configuration;
     };
     Shown m_shown;

@@ -58,6 +58,7 @@ bool askFor(QProgressDialog& progress, const engine::Outcome& outcome, engine::S
 StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
                  const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace) {
     StampSummary summary;
+    summary.all = tasks.size();
     QProgressDialog progress(parent);
     progress.setObjectName(QStringLiteral("stamping"));
     progress.setWindowTitle(text(u"Stamp Document"));
@@ -96,6 +97,8 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
             // The document may be its own output by now, which has as many pages.
             nextNumber += engine::countPages(job);
         }
+        if (outcome)
+            summary.inputs.push_back(input);
         (outcome ? summary.done : summary.failed).push_back(std::move(outcome));
         before += steps;
     }
@@ -132,7 +135,7 @@ StampSummary stampDocument(QWidget* parent, const fs::path& input, const fs::pat
     return run(parent, {{input, output}}, configuration, false);
 }
 
-QString tellSummary(QWidget* parent, const StampSummary& summary) {
+QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<std::string>& told) {
     const auto all = summary.done.size() + summary.failed.size();
     QStringList remarks;
     const auto remark = [&remarks](const engine::Outcome& outcome, const QString& sentence) {
@@ -145,10 +148,13 @@ QString tellSummary(QWidget* parent, const StampSummary& summary) {
         remark(outcome, sentenceOf(outcome));
     for (const auto& outcome : summary.done)
         for (const auto& warning : outcome.warnings)
-            remark(outcome, QString::fromStdString(warning));
+            if (std::find(told.begin(), told.end(), warning) == told.end())
+                remark(outcome, QString::fromStdString(warning));
     QString line;
     if (summary.cancelled)
-        line = text(u"Cancelled.");
+        line = summary.all > 1 ? text(u"Cancelled: %@ of %@ documents were stamped.",
+                                      {written(summary.done.size()), written(summary.all)})
+                               : text(u"Cancelled.");
     else if (summary.failed.empty() && all > 1)
         line = text(u"%@ documents stamped.", {written(all)});
     if (!summary.done.empty())

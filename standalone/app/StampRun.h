@@ -14,7 +14,9 @@ namespace app {
 struct StampSummary {
     std::vector<engine::Outcome> done;
     std::vector<engine::Outcome> failed;
-    bool cancelled = false; ///< The rest was not tried; what was done by then stays.
+    std::vector<std::filesystem::path> inputs; ///< Those that were stamped.
+    bool cancelled = false;                    ///< The rest was not tried; what was done by then stays.
+    std::size_t all = 0;                       ///< How many there were.
 };
 
 /// Stamps each document with `configuration`, beside it or, with `inPlace`, into it. A dialog over `parent` shows how
@@ -27,8 +29,8 @@ StampSummary stampDocuments(QWidget* parent, const std::vector<std::filesystem::
 StampSummary stampDocument(QWidget* parent, const std::filesystem::path& input, const std::filesystem::path& output,
                            const std::shared_ptr<host::ImprinterConfiguration>& configuration);
 
-/// Says what became of them: in a dialog where something failed or is worth a remark. Answers the line for the status
-/// bar, which says where results are; empty where there is nothing to say.
-QString tellSummary(QWidget* parent, const StampSummary& summary);
+/// Says what became of them: in a dialog where something failed or is worth a remark, save those warnings that were
+/// told before. Answers the line for the status bar, which says where results are; empty where there is nothing to say.
+QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<std::string>& told = {});
 
 } // namespace app

@@ -167,13 +167,8 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
         return complain(usage, sorted ? "which file is to be imported? `imprinter export` makes one" : problem);
 
     // What cannot be read is left as it is; whoever opens the window sees what becomes of it.
-    if (const auto readable = store::Store(store).read(); readable.standIns) {
-        for (const auto& message : readable.messages)
-            complain(0, toUtf8(message.sentence));
-        return noConfiguration;
-    }
     store::Store own(store);
-    auto present = own.load();
+    auto present = own.load(store::Damaged::leave);
     for (const auto& message : present.messages)
         complain(0, toUtf8(message.sentence));
     if (present.readOnly || present.standIns)

@@ -56,12 +56,16 @@ void copyAttributes(const std::filesystem::path& from, int to) {
 
 /// Removes the file that a killed program left under this name, and answers whether it did.
 bool removeLeft(const std::string& name) {
-    const int left = files::calls().open(name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    // For writing if it may be, without which network file systems lock nothing.
+    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    int left = files::calls().open(name.c_str(), O_RDWR | flags);
+    if (left < 0 && errno == EACCES)
+        left = files::calls().open(name.c_str(), O_RDONLY | flags);
     if (left < 0)
         return false;
     struct stat status {};
     const bool removed = ::fstat(left, &status) == 0 && S_ISREG(status.st_mode) &&
-                         ::flock(left, LOCK_EX | LOCK_NB) == 0 && ::unlink(name.c_str()) == 0;
+                         files::calls().lock(left, LOCK_EX | LOCK_NB) == 0 && ::unlink(name.c_str()) == 0;
     files::calls().close(left);
     return removed;
 }
@@ -134,7 +138,7 @@ void OutputFile::giveName() {
     if (link(m_target))
         return;
     // Always the same one, so that what a killed program left there is found again; its owner holds a lock on it.
-    ::flock(m_descriptor, LOCK_EX | LOCK_NB);
+    files::calls().lock(m_descriptor, LOCK_EX | LOCK_NB);
     const auto usual = hidden(".stamping");
     if (link(usual) || (removeLeft(usual) && link(usual))) {
         m_aside = usual;

@@ -95,6 +95,7 @@ struct PreviewStamper::State {
     std::optional<SampleKey> key;
     DecodedPicture sample;
     PreviewFiles files;
+    Page page;
     /// Each with whether its second name was used last; the latest at the end.
     std::vector<std::pair<std::string, bool>> recent;
 
@@ -144,9 +145,13 @@ struct PreviewStamper::State {
 };
 
 PreviewStamper::PreviewStamper(const std::filesystem::path& folder, std::string defaultFont)
-    : m_state(new State{folder, FaceLibrary(std::move(defaultFont)), std::nullopt, {}, PreviewFiles(folder), {}}) {}
+    : m_state(new State{folder, FaceLibrary(std::move(defaultFont)), std::nullopt, {}, PreviewFiles(folder), {}, {}}) {}
 
 PreviewStamper::~PreviewStamper() = default;
+
+void PreviewStamper::setPage(Page page) {
+    m_state->page = std::move(page);
+}
 
 Outcome PreviewStamper::stamp(const std::filesystem::path& sample,
                               const std::shared_ptr<host::ImprinterConfiguration>& configuration,
@@ -171,10 +176,18 @@ Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sa
             throw Failure(Code::nothingToStamp, "There is no configuration to stamp.");
         const auto& [image, geometry] = m_state->decoded(sample);
         const WrittenTime time(now);
-        const Facts facts{1, 1, 1, platform::fromUtf8(sample.stem().string()), accountName(), time.day, time.time};
+        const auto& page = m_state->page;
+        const Facts facts{
+            page.number,   page.count,
+            page.number,   page.recordName.empty() ? platform::fromUtf8(sample.stem().string()) : page.recordName,
+            accountName(), time.day,
+            time.time};
         std::vector<Patch> patches;
         QRect touched;
         for (const auto& plan : planStamps({configuration}, {}, m_state->faces, report)) {
+            if (const auto pages = plan.pagesOf(page.count);
+                page.choosesPages && !std::binary_search(pages.begin(), pages.end(), page.number))
+                continue;
             const auto title = resolveTitle(plan.appearance, facts, report);
             const auto stamp = layOut(plan.appearance, title, m_state->faces, report);
             if (!stamp)

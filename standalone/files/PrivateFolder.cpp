@@ -1,15 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include <files/PrivateFolder.h>
 
+#include <files/Calls.h>
+#include <files/ReadWhole.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace files {
@@ -34,15 +42,26 @@ bool isNameOfOurs(const std::string& name) {
            });
 }
 
-/// Opens a folder and locks it. -1 where it is none, a link to one, or locked by somebody.
-int lock(const fs::path& folder) {
-    const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (file >= 0 && flock(file, LOCK_EX | LOCK_NB) == 0)
-        return file;
-    if (file >= 0)
-        close(file);
-    return -1;
-}
+/// What the owner of a folder locks, and writes into for file systems that have no locks: the machine, the process, and
+/// when that was started.
+constexpr char ownerName[] = ".owner";
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() { close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    operator int() const { return m_number; }
+    int release() { return std::exchange(m_number, -1); }
+    void close() {
+        if (m_number >= 0)
+            ::close(release());
+    }
+
+private:
+    int m_number;
+};
 
 /// Whether `folder` is still the one that was opened as `file`, and the user's own.
 bool isOurs(const fs::path& folder, int file) {
@@ -52,30 +71,113 @@ bool isOurs(const fs::path& folder, int file) {
            opened.st_ino == named.st_ino && opened.st_uid == geteuid() && (opened.st_mode & 07777) == 0700;
 }
 
+/// Whether the owner's file is still in the folder under its name.
+bool isNamed(int folder, int owner) {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(owner, &opened) == 0 && fstatat(folder, ownerName, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           opened.st_ino == named.st_ino;
+}
+
+enum class Locked { yes, byAnother, impossible };
+
+Locked lock(int file) {
+    if (calls().lock(file, LOCK_EX | LOCK_NB) == 0)
+        return Locked::yes;
+    return errno == EWOULDBLOCK ? Locked::byAnother : Locked::impossible;
+}
+
+std::string machine() {
+    char name[256] = {};
+    return gethostname(name, sizeof name - 1) == 0 && *name ? name : "?";
+}
+
+/// When a process was started, as the system counts; empty where there is none.
+std::string startOf(const std::string& process) {
+    std::ifstream stream("/proc/" + process + "/stat");
+    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    // The name, in brackets, may hold anything; the start is the 20th word behind it.
+    std::istringstream words(text.substr(std::min(text.size(), text.rfind(')') + 1)));
+    std::string word;
+    for (int number = 0; number < 20; ++number)
+        words >> word;
+    return words ? word : std::string();
+}
+
+/// So long ago somebody changed the file last.
+std::chrono::seconds ageOf(int file) {
+    struct stat status {};
+    const auto changed = fstat(file, &status) == 0 ? status.st_mtime : std::time(nullptr);
+    return std::chrono::seconds(std::time(nullptr) - changed);
+}
+
+/// Whether the owner of a folder is gone, where no lock can tell.
+bool isOwnerGone(int owner) {
+    // Of another machine's processes nobody here knows anything.
+    constexpr std::chrono::hours longest(30 * 24);
+    std::string text;
+    try {
+        text = readWhole(owner, 1024);
+    } catch (const std::system_error&) {
+        return false;
+    }
+    std::istringstream words(text);
+    std::string host;
+    std::string process;
+    std::string start;
+    if (words >> host >> process >> start && host == machine() &&
+        process.find_first_not_of("0123456789") == std::string::npos)
+        return startOf(process) != start;
+    return ageOf(owner) > longest;
+}
+
+/// Takes a folder that nobody owns any more, so that no other program does so too; answers whether it did.
+bool takeLeftover(const fs::path& folder) {
+    const Descriptor file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (file < 0 || !isOurs(folder, file))
+        return false;
+    const Descriptor owner(openat(file, ownerName, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (owner < 0) // between its making and its owner's file there is a moment only
+        return errno == ENOENT && ageOf(file) > std::chrono::hours(1);
+    const auto locked = lock(owner);
+    if (locked == Locked::byAnother || (locked == Locked::impossible && !isOwnerGone(owner)))
+        return false;
+    // A program that has just made it sees by this that it is taken.
+    return unlinkat(file, ownerName, 0) == 0;
+}
+
 } // namespace
 
 PrivateFolder::PrivateFolder() {
     const auto wanted = (parentFolder() / prefix).string() + std::string(pattern);
-    // Between its making and its locking another program may take a folder for a leftover: then a new one is made.
+    const auto record = machine() + " " + std::to_string(getpid()) + " " + startOf(std::to_string(getpid())) + "\n";
+    // Before it is locked another program may take a folder for a leftover: then a new one is made.
     for (int attempts = 0; attempts < 100; ++attempts) {
         std::string name = wanted;
         if (!mkdtemp(name.data()))
             throw std::system_error(errno, std::generic_category(), name);
-        m_lock = lock(name);
-        if (m_lock >= 0 && isOurs(name, m_lock)) {
+        const Descriptor folder(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        Descriptor owner(openat(folder, ownerName, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        // For writing, since network file systems lock nothing else. A folder without locks is told by the record.
+        if (owner >= 0 && lock(owner) != Locked::byAnother && isOurs(name, folder) && isNamed(folder, owner)) {
+            [[maybe_unused]] const auto written = write(owner, record.data(), record.size());
+            m_lock = owner.release();
             m_path = name;
             return;
         }
-        if (m_lock >= 0)
-            close(m_lock);
+        const int reason = owner < 0 ? errno : ENOENT;
+        std::error_code ignored;
+        fs::remove_all(name, ignored);
+        if (reason != ENOENT) // which it is when it was taken
+            throw std::system_error(reason, std::generic_category(), name);
     }
     throw std::system_error(EAGAIN, std::generic_category(), wanted);
 }
 
 PrivateFolder::~PrivateFolder() {
+    close(m_lock); // first, because a network file system keeps what is open, and the folder with it
     std::error_code error;
     fs::remove_all(m_path, error);
-    close(m_lock);
 }
 
 int PrivateFolder::removeLeftovers() {
@@ -92,12 +194,10 @@ int PrivateFolder::removeLeftovers() {
             candidates.push_back(entry->path());
     int removed = 0;
     for (const auto& folder : candidates) {
-        const int file = lock(folder);
-        if (file < 0)
-            continue;
-        if (isOurs(folder, file) && fs::remove_all(folder, error) != static_cast<std::uintmax_t>(-1))
+        if (removed == mostRemoved)
+            break; // the rest is for the next start
+        if (takeLeftover(folder) && fs::remove_all(folder, error) != static_cast<std::uintmax_t>(-1))
             ++removed;
-        close(file);
     }
     return removed;
 }

@@ -208,7 +208,37 @@ void Configuration::setDuplicateRecord(host::NSInteger code) {
 }
 
 void Configuration::setTitleTokens(const Title& tokens) {
+    for (std::size_t i = 0; i < platform::count(tokens); ++i)
+        if (const auto* token = std::get_if<std::shared_ptr<host::ImprinterFont>>(&(*tokens)[i]))
+            takeOver(std::dynamic_pointer_cast<FontRun>(*token));
     set(m_values.titleTokens, tokens);
+}
+
+void Configuration::takeOver(const std::shared_ptr<FontRun>& run) {
+    if (!run)
+        return;
+    const auto former = run->setOwner(self());
+    if (former && former.get() != this)
+        former->partFrom(*run);
+}
+
+void Configuration::partFrom(const FontRun& run) {
+    auto title = std::make_shared<std::vector<TitleToken>>();
+    std::shared_ptr<host::ImprinterFont> own;
+    for (std::size_t i = 0; i < platform::count(m_values.titleTokens); ++i) {
+        title->push_back((*m_values.titleTokens)[i]);
+        const auto* token = std::get_if<std::shared_ptr<host::ImprinterFont>>(&title->back());
+        if (!token || token->get() != &run)
+            continue;
+        if (!own) {
+            const auto made = std::make_shared<FontRun>(self(), 0);
+            made->setAttributesOf(run);
+            own = made;
+        }
+        title->back() = own;
+    }
+    if (own)
+        set(m_values.titleTokens, Title(title));
 }
 
 void Configuration::setPosition(host::NSInteger anchor) {

@@ -7,6 +7,8 @@
 #include <Foundation/NSString.h>
 #include <model/Configuration.h>
 
+#include <utility>
+
 namespace model {
 
 const std::u16string& defaultFontName() {
@@ -22,11 +24,15 @@ FontRunNames& fontRunNames() {
     return names;
 }
 
-FontRun::FontRun(std::weak_ptr<Configuration> maker, host::NSUInteger number)
-    : m_maker(std::move(maker)), m_fontNumber(number) {}
+FontRun::FontRun(std::weak_ptr<Configuration> owner, host::NSUInteger number)
+    : m_owner(std::move(owner)), m_fontNumber(number) {}
 
 std::u16string_view FontRun::className() const {
     return u"VelIFontType";
+}
+
+std::shared_ptr<Configuration> FontRun::setOwner(std::weak_ptr<Configuration> owner) {
+    return std::exchange(m_owner, std::move(owner)).lock();
 }
 
 std::u16string FontRun::name() const {
@@ -104,10 +110,10 @@ template <class T>
 void FontRun::set(T& member, const T& value) {
     const bool same = sameContent(member, value);
     if (!same)
-        platform::tell(m_maker, &Configuration::aboutToChange);
+        platform::tell(m_owner, &Configuration::aboutToChange);
     member = value;
     if (!same)
-        platform::tell(m_maker, &Configuration::changed);
+        platform::tell(m_owner, &Configuration::changed);
 }
 
 } // namespace model

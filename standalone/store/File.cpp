@@ -197,7 +197,12 @@ std::string dateAndTime() {
 } // namespace
 
 fs::path targetOf(const fs::path& file) {
-    return fs::absolute(fs::is_symlink(file) ? fs::weakly_canonical(file) : file);
+    // One by one, because what the last one points to need not be there.
+    auto target = fs::absolute(file);
+    constexpr int mostLinks = 40; // as many as the system follows
+    for (int links = 0; links < mostLinks && fs::is_symlink(target); ++links)
+        target = fs::weakly_canonical(target.parent_path()) / fs::read_symlink(target);
+    return target.lexically_normal();
 }
 
 std::optional<Fingerprint> fingerprintOf(const fs::path& file) {

@@ -82,6 +82,10 @@ struct Place {
     const Place* outer = nullptr;
     QLatin1String name;
     qsizetype index = -1;
+    /// At the outermost: what cannot be understood is passed over.
+    bool isLenient = false;
+
+    bool passesOver() const { return outer ? outer->passesOver() : isLenient; }
 
     QString text() const {
         const auto before = outer ? outer->text() : QString();
@@ -177,8 +181,15 @@ public:
     /// Hands the value under `name`, as `read` reads it, to `set`; does nothing where the key is missing.
     template <class Read, class Set>
     void field(QLatin1String name, Read&& read, Set&& set) {
-        if (const auto value = m_left.take(name); !value.isUndefined())
+        const auto value = m_left.take(name);
+        if (value.isUndefined())
+            return;
+        try {
             set(read(value, Place{&m_place, name}));
+        } catch (const Problem&) {
+            if (!m_place.passesOver())
+                throw;
+        }
     }
 
     void keepUnknown(const std::shared_ptr<platform::NSObject>& object, UnknownKeys& unknown) const {
@@ -454,27 +465,37 @@ private:
 
 } // namespace
 
-std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown) {
-    auto object = document(bytes);
-    if (object.take(key::format).toString() != formatName)
-        throw Problem{Code::damaged, QStringLiteral("its format is not “%1”").arg(formatName)};
-    const auto version = integer(object.take(key::version), {nullptr, key::version});
-    if (version > formatVersion)
-        throw Problem{Code::newer, QStringLiteral("format %1").arg(version)};
-    if (version < formatVersion)
-        throw Problem{Code::invalid, QStringLiteral("version %1 of the format never was").arg(version)};
+namespace {
 
-    const Place place{nullptr, key::configurations};
+/// Does `work`, and answers whether it was done; where it cannot be, and `place` passes that over, it answers NO.
+template <class Work>
+bool isDone(const Place& place, const Work& work) {
+    try {
+        work();
+        return true;
+    } catch (const Problem&) {
+        if (!place.passesOver())
+            throw;
+        return false;
+    }
+}
+
+std::vector<std::shared_ptr<Configuration>> configurationsIn(const QJsonValue& listed, const Place& place,
+                                                             UnknownKeys& unknown) {
     std::vector<std::shared_ptr<Configuration>> configurations;
     std::vector<QJsonValue> members;
     QHash<QString, qsizetype> byFoldedIdentifier;
-    for (const auto entries = list(object.take(key::configurations), mostConfigurations, place);
-         const auto& value : entries) {
-        const Place here{&place, {}, static_cast<qsizetype>(configurations.size())};
-        auto entry = configurationEntry(value, here, unknown);
+    qsizetype number = 0;
+    for (const auto entries = list(listed, mostConfigurations, place); const auto& value : entries) {
+        const Place here{&place, {}, number++};
+        Entry entry;
+        if (!isDone(here, [&] { entry = configurationEntry(value, here, unknown); }))
+            continue;
         // The pane tells identifiers apart without regard to case.
         const auto identifier = toQString(entry.configuration->uniqueID());
         const auto key = folded(identifier);
+        if (byFoldedIdentifier.contains(key) && place.passesOver())
+            continue;
         if (byFoldedIdentifier.contains(key))
             here.refuse(Code::invalid, QStringLiteral("has the uniqueID “%1”, as configurations[%2] has")
                                            .arg(identifier, QString::number(byFoldedIdentifier.value(key))));
@@ -489,20 +510,48 @@ std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, Unknow
         const Place here{&place, {}, static_cast<qsizetype>(i)};
         const Place membersPlace{&here, key::members};
         qsizetype index = 0;
-        for (const auto entries = list(members[i], mostMembers, membersPlace); const auto& value : entries) {
+        QJsonArray entries;
+        isDone(membersPlace, [&] { entries = list(members[i], mostMembers, membersPlace); });
+        for (const auto& value : std::as_const(entries)) {
             const Place memberPlace{&membersPlace, {}, index++};
-            const auto identifier = toQString(text(value, memberPlace));
-            const auto found = byFoldedIdentifier.constFind(folded(identifier));
-            if (found == byFoldedIdentifier.constEnd())
-                memberPlace.refuse(Code::invalid, QStringLiteral("names “%1”, which is not there").arg(identifier));
-            const auto& member = configurations[static_cast<std::size_t>(*found)];
-            if (member->combinedConfiguration())
-                memberPlace.refuse(Code::invalid,
-                                   QStringLiteral("names “%1”, which is combined itself").arg(identifier));
-            configurations[i]->addConfiguration(member);
+            isDone(memberPlace, [&] {
+                const auto identifier = toQString(text(value, memberPlace));
+                const auto found = byFoldedIdentifier.constFind(folded(identifier));
+                if (found == byFoldedIdentifier.constEnd())
+                    memberPlace.refuse(Code::invalid, QStringLiteral("names “%1”, which is not there").arg(identifier));
+                const auto& member = configurations[static_cast<std::size_t>(*found)];
+                if (member->combinedConfiguration())
+                    memberPlace.refuse(Code::invalid,
+                                       QStringLiteral("names “%1”, which is combined itself").arg(identifier));
+                configurations[i]->addConfiguration(member);
+            });
         }
     }
+    return configurations;
+}
+
+} // namespace
+
+std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown) {
+    auto object = document(bytes);
+    if (object.take(key::format).toString() != formatName)
+        throw Problem{Code::damaged, QStringLiteral("its format is not “%1”").arg(formatName)};
+    const auto version = integer(object.take(key::version), {nullptr, key::version});
+    if (version > formatVersion)
+        throw Problem{Code::newer, QStringLiteral("format %1").arg(version)};
+    if (version < formatVersion)
+        throw Problem{Code::invalid, QStringLiteral("version %1 of the format never was").arg(version)};
+    auto configurations = configurationsIn(object.take(key::configurations), {nullptr, key::configurations}, unknown);
     unknown.document = object;
+    return configurations;
+}
+
+std::optional<std::vector<std::shared_ptr<Configuration>>> readNewer(const QByteArray& bytes) {
+    UnknownKeys unknown;
+    std::optional<std::vector<std::shared_ptr<Configuration>>> configurations;
+    const Place place{nullptr, key::configurations, -1, true};
+    isDone(place,
+           [&] { configurations = configurationsIn(document(bytes).value(key::configurations), place, unknown); });
     return configurations;
 }
 
@@ -529,6 +578,12 @@ QByteArray bytesOf(const QJsonObject& document) {
 }
 
 QByteArray bytesOf(const Forms& forms, qsizetype mostBytes) {
+    // Two lists of which each may be written can be joined to one that may not.
+    if (forms.order.size() > mostConfigurations)
+        refuse(Code::tooLarge, QStringLiteral("The list of configurations"),
+               QStringLiteral("would have %1 entries, of which %2 are the most")
+                   .arg(forms.order.size())
+                   .arg(mostConfigurations));
     QJsonArray configurations;
     for (const auto& identifier : forms.order)
         configurations.append(forms.byIdentifier.at(identifier));

@@ -41,6 +41,10 @@ struct Forms {
 /// Throws Problem.
 std::vector<std::shared_ptr<model::Configuration>> read(const QByteArray& bytes, UnknownKeys& unknown);
 
+/// What can be understood of a file that a newer version wrote: values, members and whole configurations that cannot be
+/// read are passed over. None where there is no list of configurations.
+std::optional<std::vector<std::shared_ptr<model::Configuration>>> readNewer(const QByteArray& bytes);
+
 /// Throws Problem where something has no form in a file.
 Forms formsOf(const model::ImprinterModel& model, const UnknownKeys& unknown);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Merge.h"
 
+#include "Order.h"
+
 #include <QJsonArray>
 #include <QUuid>
 
@@ -41,7 +43,10 @@ std::vector<QString> membersOf(const Form& form) {
 class Merger {
 public:
     Merger(const Forms& base, const Forms& mine, const Forms& theirs, const std::vector<Decision>& decisions)
-        : m_base(base), m_mine(mine), m_theirs(theirs), m_decisions(decisions) {}
+        : m_base(base), m_mine(mine), m_theirs(theirs) {
+        for (const auto& decision : decisions)
+            m_decisions.emplace(decision.about.identifier, &decision);
+    }
 
     Merged merge() {
         m_result.forms.document = m_theirs.document;
@@ -78,7 +83,10 @@ public:
             for (const auto& identifier : combined)
                 if (ordinary.contains(identifier) != onBoth)
                     decideCombined(identifier);
-        m_result.forms.order = order();
+        std::set<QString> staying;
+        for (const auto& [identifier, form] : m_result.forms.byIdentifier)
+            staying.insert(identifier);
+        m_result.forms.order = joinedOrder(m_base.order, m_mine.order, m_theirs.order, staying, m_copies);
         return std::move(m_result);
     }
 
@@ -132,17 +140,19 @@ private:
     }
 
     void decide(const Contested& contested) {
-        const auto decision = std::find_if(m_decisions.begin(), m_decisions.end(), [&](const Decision& made) {
-            return made.about.identifier == contested.identifier && store::isSame(made.about.mine, contested.mine) &&
-                   store::isSame(made.about.theirs, contested.theirs);
+        const auto [first, last] = m_decisions.equal_range(contested.identifier);
+        const auto decision = std::find_if(first, last, [&](const auto& made) {
+            return store::isSame(made.second->about.mine, contested.mine) &&
+                   store::isSame(made.second->about.theirs, contested.theirs);
         });
-        if (decision == m_decisions.end()) {
+        if (decision == last) {
             m_result.contested.push_back(contested);
             put(contested.identifier, contested.mine);
             return;
         }
-        put(contested.identifier, decision->choice == Choice::theirs ? contested.theirs : contested.mine);
-        if (decision->choice == Choice::both)
+        const auto choice = decision->second->choice;
+        put(contested.identifier, choice == Choice::theirs ? contested.theirs : contested.mine);
+        if (choice == Choice::both)
             putCopy(contested);
     }
 
@@ -153,15 +163,16 @@ private:
 
     /// Theirs, as a configuration of its own.
     void putCopy(const Contested& contested) {
-        std::set<std::u16string> taken;
-        for (const Forms* forms : {&m_mine, &m_theirs, &std::as_const(m_result.forms)})
-            for (const auto& [identifier, form] : forms->byIdentifier)
-                taken.insert(form.value(key::name).toString().toStdU16String());
+        if (m_names.empty())
+            for (const Forms* forms : {&m_mine, &m_theirs})
+                for (const auto& [identifier, form] : forms->byIdentifier)
+                    m_names.insert(form.value(key::name).toString().toStdU16String());
         const auto identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
         auto copy = contested.theirs;
         copy[key::uniqueID] = identifier;
-        copy[key::name] = QString::fromStdU16String(
-            model::nameOfCopy(contested.theirs.value(key::name).toString().toStdU16String(), taken));
+        const auto name = model::nameOfCopy(contested.theirs.value(key::name).toString().toStdU16String(), m_names);
+        m_names.insert(name);
+        copy[key::name] = QString::fromStdU16String(name);
         put(folded(identifier), copy);
         m_copies.emplace(contested.identifier, folded(identifier));
     }
@@ -193,45 +204,11 @@ private:
         });
     }
 
-    /// Those of `identifiers` that are in `among` too.
-    static std::vector<QString> kept(const std::vector<QString>& identifiers, const std::set<QString>& among) {
-        std::vector<QString> result;
-        std::copy_if(identifiers.begin(), identifiers.end(), std::back_inserter(result),
-                     [&](const auto& identifier) { return among.contains(identifier); });
-        return result;
-    }
-
-    std::vector<QString> order() const {
-        const auto setOf = [](const std::vector<QString>& list) { return std::set<QString>(list.begin(), list.end()); };
-        std::set<QString> staying;
-        for (const auto& [identifier, form] : m_result.forms.byIdentifier)
-            staying.insert(identifier);
-        // Whoever moved something says where all go; the other's new ones follow what they stood behind.
-        const auto common = setOf(kept(kept(m_base.order, setOf(m_mine.order)), setOf(m_theirs.order)));
-        const bool moved = kept(m_mine.order, common) != kept(m_base.order, common);
-        auto list = kept(moved ? m_mine.order : m_theirs.order, staying);
-        const auto rest = kept(moved ? m_theirs.order : m_mine.order, staying);
-        const auto listed = setOf(list);
-        const auto inRest = setOf(rest);
-        auto place = list.begin();
-        for (const auto& identifier : rest) {
-            if (listed.contains(identifier)) {
-                place = std::find(list.begin(), list.end(), identifier) + 1;
-                continue;
-            }
-            while (place != list.end() && !inRest.contains(*place))
-                ++place;
-            place = list.insert(place, identifier) + 1;
-        }
-        for (const auto& [original, copy] : m_copies)
-            list.insert(std::find(list.begin(), list.end(), original) + 1, copy);
-        return list;
-    }
-
     const Forms& m_base;
     const Forms& m_mine;
     const Forms& m_theirs;
-    const std::vector<Decision>& m_decisions;
+    std::multimap<QString, const Decision*> m_decisions;
+    std::set<std::u16string> m_names; // of what there is and of the copies; empty as long as nobody asked
     PutInto m_putIntoByMine;
     PutInto m_putIntoByTheirs;
     std::map<QString, QString> m_copies;

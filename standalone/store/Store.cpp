@@ -29,19 +29,21 @@ std::u16string reason(const std::system_error& error) {
     return platform::fromUtf8(error.code().message());
 }
 
+constexpr char16_t leftAsItIs[] = u". The file is left as it is.";
+
 /// Renames the file if it may be, and answers whether it did. Ends `sentence` with what became of the file.
-bool keepAside(const fs::path& file, bool mayBeRenamed, std::u16string& sentence) {
+bool keepAside(const fs::path& file, bool mayBeRenamed, const std::u16string& shown, std::u16string& sentence) {
     std::u16string left = u"The file is left as it is";
     if (mayBeRenamed) {
         try {
-            const auto aside = renameAside(file, "damaged");
+            const auto aside = renameAside(targetOf(file), "damaged");
             sentence += u". The file is kept as " + quoted(aside) + u"; the supplied configurations take its place.";
             return true;
         } catch (const std::system_error& error) {
             left = u"The file could not be renamed (" + reason(error) + u"), so that it is left as it is";
         }
     }
-    sentence += u". " + left + u"; the supplied configurations are shown, and changes are not saved.";
+    sentence += u". " + left + u"; " + shown + u", and changes are not saved.";
     return false;
 }
 
@@ -73,12 +75,13 @@ struct Store::State {
 
 /// What is in the place of the file.
 struct Store::Reading {
-    /// The supplied ones where there is a problem.
+    /// The supplied ones where there is a problem, or what a newer version wrote, as far as it is understood.
     std::vector<std::shared_ptr<model::Configuration>> configurations;
     State state;
     std::optional<Code> problem;
     /// The beginning of a sentence about the problem; what became of the file has to follow.
     std::u16string sentence;
+    bool isUnderstoodInPart = false;
     /// Whether it is a file that was meant to hold configurations, which may be kept aside.
     bool mayBeRenamed = false;
 };
@@ -142,9 +145,15 @@ Store::Reading Store::readFile() const {
         return reading;
     } catch (const Problem& problem) {
         const auto why = u" (" + problem.text.toStdU16String() + u")";
-        if (problem.code == Code::newer)
-            return stopped(Code::newer, configurations + u" were written by a newer version of the program" + why,
-                           false);
+        if (problem.code == Code::newer) {
+            auto reading =
+                stopped(Code::newer, configurations + u" were written by a newer version of the program" + why, false);
+            if (auto understood = readNewer(bytes)) {
+                reading.configurations = std::move(*understood);
+                reading.isUnderstoodInPart = true;
+            }
+            return reading;
+        }
         if (!isDefault && !looksLikeConfigurations(bytes))
             return stopped(Code::foreign, quoted(m_file) + u" is not a file of configurations" + why, false);
         return stopped(problem.code, configurations + u" cannot be understood" + why, true);
@@ -155,15 +164,21 @@ LoadResult Store::read() const {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, true, reading.problem.has_value()};
     if (reading.problem)
-        result.messages.push_back({*reading.problem, reading.sentence + u". The file is left as it is.", m_file});
+        result.messages.push_back({*reading.problem, reading.sentence + leftAsItIs, m_file});
     return result;
 }
 
-LoadResult Store::load() {
+LoadResult Store::load(Damaged damaged) {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, false, reading.problem.has_value()};
     if (reading.problem) {
-        reading.state.readOnly = result.readOnly = !keepAside(m_file, reading.mayBeRenamed, reading.sentence);
+        const std::u16string shown = reading.isUnderstoodInPart
+                                         ? u"its configurations are shown as far as they can be read"
+                                         : u"the supplied configurations are shown";
+        if (damaged == Damaged::leave)
+            reading.sentence += leftAsItIs;
+        reading.state.readOnly = result.readOnly =
+            damaged == Damaged::leave || !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
         result.messages.push_back({*reading.problem, reading.sentence, m_file});
     }
     // A file that is begun anew says so, for programs that still know the one that was there before.

@@ -109,27 +109,48 @@ TEST_F(TitleField, ShowsItsItemsAsPictures) {
     EXPECT_EQ(item->title(), u"");
 }
 
-TEST_F(TitleField, ARunThatAnUndoBringsBackGetsANumberOfItsOwn) {
-    const auto configuration = model::Configuration::make(false);
-    const auto deleted = configuration->createFontToken();
-    const auto kept = configuration->createFontToken();
-    const auto textOf = [](const std::vector<std::shared_ptr<host::ImprinterFont>>& runs) {
+class RunsOfTitle : public TitleField {
+protected:
+    static TokenText textOf(const std::vector<std::shared_ptr<host::ImprinterFont>>& runs) {
         TokenText text;
         for (const auto& run : runs)
             text.appendToken(std::shared_ptr<NSObject>(run));
         return text;
-    };
-    deleted->setFontNumber(0);
-    kept->setFontNumber(0); // the repair after the deletion
-    field->setAttributedStringValue(textOf({kept}));
-    field->userUndid(textOf({deleted, kept}));
-    EXPECT_EQ(deleted->fontNumber(), 0U);
-    EXPECT_EQ(kept->fontNumber(), 1U);
-    // Numbers that differ are left as they are, whatever they are.
-    kept->setFontNumber(7);
-    field->userUndid(textOf({kept}));
-    field->userUndid(textOf({deleted, kept}));
-    EXPECT_EQ(kept->fontNumber(), 7U);
+    }
+
+    std::shared_ptr<model::Configuration> configuration = model::Configuration::make(false);
+    std::shared_ptr<host::ImprinterFont> first = configuration->createFontToken();
+    std::shared_ptr<host::ImprinterFont> second = configuration->createFontToken();
+};
+
+TEST_F(RunsOfTitle, AreNumberedAnewAfterAnUndoThatBringsOneBack) {
+    first->setFontNumber(0);
+    second->setFontNumber(0); // the repair after the deletion
+    field->setAttributedStringValue(textOf({second}));
+    field->userUndid(textOf({first, second}));
+    EXPECT_EQ(first->fontNumber(), 0U);
+    EXPECT_EQ(second->fontNumber(), 1U);
+}
+
+TEST_F(RunsOfTitle, AreNumberedAnewAfterAnUndoThatMovesThem) {
+    first->setFontNumber(0);
+    second->setFontNumber(1);
+    field->setAttributedStringValue(textOf({first, second}));
+    field->userUndid(textOf({second, first}));
+    EXPECT_EQ(second->fontNumber(), 0U);
+    EXPECT_EQ(first->fontNumber(), 1U);
+}
+
+TEST_F(RunsOfTitle, KeepTheirNumbersAfterAnUndoOfText) {
+    first->setFontNumber(7);
+    auto typed = textOf({first});
+    typed.appendText(u"x");
+    field->setAttributedStringValue(typed);
+    int told = 0;
+    field->setOnRunsChanged([&](const auto&) { ++told; });
+    field->userUndid(textOf({first}));
+    EXPECT_EQ(first->fontNumber(), 7U);
+    EXPECT_EQ(told, 0);
 }
 
 } // namespace

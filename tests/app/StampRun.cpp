@@ -183,7 +183,7 @@ TEST_F(StampRun, CancellingLeavesTheRestAsItIs) {
     EXPECT_TRUE(summary.failed.empty());
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a-stamped.pdf", "a.pdf", "b.pdf", "c.pdf"}));
     EXPECT_EQ(app::tellSummary(&window, summary).toStdString(),
-              "Cancelled. Stamped: " + (folder / "a-stamped.pdf").string());
+              "Cancelled: 1 of 3 documents were stamped. Stamped: " + (folder / "a-stamped.pdf").string());
 }
 
 } // namespace

@@ -45,6 +45,41 @@ TEST_F(Exchange, WhatIsThereAlreadyIsReplacedOnlyWhenToldSo) {
     EXPECT_TRUE(bears("out.pdf", "new"));
 }
 
+TEST_F(Exchange, AnIdentifierInOtherLettersIsTheSame) {
+    writeFile(folder / "a.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "ab-1", "name": "Old"},
+        {"uniqueID": "2", "name": "Both", "combinedConfiguration": true, "members": ["ab-1"]}]})");
+    writeFile(folder / "b.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "AB-1", "name": "New"}]})");
+    EXPECT_EQ(imprinter("--store a.json import b.json").output,
+              "imprinter: b.json: \"New\" is there already and was left as it is\n0 configurations were imported\n");
+    EXPECT_EQ(imprinter("--store a.json import --replace b.json").output, "1 configuration was imported\n");
+    EXPECT_EQ(imprinter("--store a.json list").output, "New\nBoth\n");
+    EXPECT_NE(imprinter("--store a.json show Both").output.find("ab-1"), std::string::npos) << "it keeps its own";
+}
+
+TEST_F(Exchange, AStoreThatCannotBeReadIsLeftAloneAndReadOnce) {
+    ASSERT_EQ(imprinter("export --output a.json").status, 0);
+    const auto whole = readFile(folder / "a.json");
+    for (const auto& damaged :
+         {whole.substr(0, whole.size() / 2), std::string(R"({"format": "imprinter-configurations", "version": 2})")}) {
+        writeFile(folder / "mine.json", damaged);
+        writeFile(folder / "calls", "");
+        const auto before = files();
+        const auto run = shell("strace -f -o calls -P " + quoted(folder / "mine.json") + " -e trace=openat " +
+                               environment() + "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " --store " +
+                               quoted(folder / "mine.json") + " import a.json");
+        EXPECT_EQ(run.status, 4) << run.output;
+        EXPECT_EQ(lines(run.output), 1) << run.output;
+        EXPECT_NE(run.output.find("The file is left as it is."), std::string::npos) << run.output;
+        EXPECT_EQ(readFile(folder / "mine.json"), damaged);
+        EXPECT_EQ(files(), before);
+        const auto calls = readFile(folder / "calls");
+        EXPECT_EQ(calls.find("openat("), calls.rfind("openat(")) << calls;
+        EXPECT_NE(calls.find("openat("), std::string::npos);
+    }
+}
+
 TEST_F(Exchange, ACombinedConfigurationBringsItsMembers) {
     writeFile(folder / "a.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
         {"uniqueID": "1", "name": "One", "titleTokens": ["one"]}, {"uniqueID": "3", "name": "Three"},

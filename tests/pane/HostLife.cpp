@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -25,6 +26,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
+#include <QTextEdit>
 #include <QTimer>
 
 #include <fstream>
@@ -200,10 +202,25 @@ TEST_F(HostLife, AFailedSaveKeepsTheWindowOpenOnce) {
     EXPECT_TRUE(window->pane().pane().isSelected());
     EXPECT_NE(window->centralWidget(), nullptr);
 
-    // There is no journal either, so that closing without it is asked.
-    answerQuestion(QMessageBox::RejectRole);
+    // There is no journal either, so that closing without it is asked, once, over what would be lost.
+    QStringList asked;
+    bool isPaneSeen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            asked += box->text() + u'|' + box->informativeText();
+            isPaneSeen = window->findChild<QLineEdit*>(QStringLiteral("xOffset")) != nullptr;
+            box->reject();
+        }
+    });
+    poll.start(0);
     window->close();
+    poll.stop();
     EXPECT_TRUE(window->isVisible());
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked.front().startsWith(QStringLiteral("Close without saving?|"))) << asked.front().toStdString();
+    EXPECT_TRUE(asked.front().contains(QStringLiteral("configurations.json"))) << asked.front().toStdString();
+    EXPECT_TRUE(isPaneSeen);
     answerQuestion(QMessageBox::DestructiveRole);
     window->close();
     EXPECT_FALSE(window->isVisible());
@@ -581,6 +598,83 @@ TEST_F(HostLife, TheLastConfigurationStaysDeleted) {
         if (action->shortcut() == QKeySequence::Open)
             action->trigger();
     ASSERT_EQ(messages.size(), 1U) << "there is nothing to stamp with";
+}
+
+/// A title with two runs, a size in the second; the field is the one with the focus.
+class RunsInWindow : public HostLife {
+protected:
+    void open() {
+        HostLife::open(folder / "configurations.json");
+        window->afterFirstPaint();
+        window->pane().perform(u"addConfiguration:");
+        edited = std::dynamic_pointer_cast<model::Configuration>(current());
+        ASSERT_TRUE(edited);
+        const auto first = edited->createFontToken();
+        const auto second = edited->createFontToken();
+        second->setFontSize(30);
+        edited->setTitleTokens(std::make_shared<const std::vector<host::TitleToken>>(
+            std::vector<host::TitleToken>{first, u"a", second, u"b"}));
+        window->pane().refresh(session->model());
+        editor = window->findChild<QTextEdit*>(QStringLiteral("titleTokenField"));
+        ASSERT_TRUE(editor);
+        editor->setFocus();
+    }
+    std::shared_ptr<host::ImprinterFont> run(std::size_t place) const {
+        return std::get<std::shared_ptr<host::ImprinterFont>>((*edited->titleTokens())[place]);
+    }
+    QString shownRun() const { return window->findChild<QComboBox*>(QStringLiteral("fontTokensPopup"))->currentText(); }
+    void typeSize(const char* size) {
+        auto* field = window->findChild<QLineEdit*>(QStringLiteral("fontSizeField"));
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClicks(field, size);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    std::shared_ptr<model::Configuration> edited;
+    QTextEdit* editor = nullptr;
+};
+
+TEST_F(RunsInWindow, AfterAnUndoTheListNamesTheOneThatIsEdited) {
+    open();
+    editor->moveCursor(QTextCursor::Start);
+    QTest::keyClick(editor, Qt::Key_Delete); // selects the first run
+    QTest::keyClick(editor, Qt::Key_Delete);
+    EXPECT_EQ(count(edited->titleTokens()), 3U);
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_EQ(count(edited->titleTokens()), 4U);
+    EXPECT_EQ(run(0)->fontNumber(), 0U);
+    EXPECT_EQ(run(2)->fontNumber(), 1U);
+    EXPECT_EQ(shownRun(), "Font 2");
+    typeSize("44");
+    EXPECT_EQ(run(2)->fontSize(), 44);
+    EXPECT_EQ(run(0)->fontSize(), 12);
+}
+
+TEST_F(RunsInWindow, TheOnlyOneBroughtBackIsEditedAgain) {
+    open();
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_Delete);
+    EXPECT_EQ(count(edited->titleTokens()), 0U);
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(shownRun(), "Font 1");
+    typeSize("44");
+    EXPECT_EQ(run(0)->fontSize(), 44);
+    EXPECT_EQ(run(2)->fontSize(), 30);
+}
+
+TEST_F(RunsInWindow, AnInsertedOneIsEditedNext) {
+    open();
+    editor->moveCursor(QTextCursor::End);
+    const auto field = window->pane().titleField();
+    const auto menu = field->insertMenu();
+    menu->update();
+    field->userChoosesMenuItem(menu->itemAtIndex(0));
+    ASSERT_EQ(count(edited->titleTokens()), 5U);
+    typeSize("44");
+    EXPECT_EQ(run(4)->fontSize(), 44);
+    EXPECT_EQ(run(0)->fontSize(), 12);
+    EXPECT_EQ(run(2)->fontSize(), 30);
 }
 
 TEST_F(HostLife, ClosingTheWindowStoresWhatIsBeingTyped) {

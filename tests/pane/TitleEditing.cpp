@@ -630,6 +630,31 @@ TEST_F(TitleUndo, OfAMenuInsertionIsOneStep) {
     EXPECT_EQ(titleNow(), Title{u"ab"});
 }
 
+TEST_F(TitleUndo, LeavesTheCaretWhereTheTextChanged) {
+    startWith({u"one two"});
+    focusAt(3);
+    const auto menu = field->insertMenu();
+    menu->update();
+    field->userChoosesMenuItem(menu->itemAtIndex(0));
+    undo();
+    EXPECT_EQ(editor->textCursor().position(), 3);
+    redo();
+    EXPECT_EQ(editor->textCursor().position(), 4);
+    undo();
+    pasteForeign(QStringLiteral("x%y"));
+    followUp();
+    undo();
+    EXPECT_EQ(editor->textCursor().position(), 3);
+    redo();
+    EXPECT_EQ(editor->textCursor().position(), 5);
+    undo();
+    select(1, 2);
+    key(Qt::Key_Delete);
+    undo();
+    type("x");
+    EXPECT_EQ(titleNow(), Title{u"onex two"});
+}
+
 TEST_F(TitleUndo, OfADropWithItsReorderIsOneStep) {
     startWith({F1, u"ab", F2});
     drag(0, 1, 4);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What becomes of a file that is replaced by its stamped version, and of those beside it.
 
+#include "../support/FailingCalls.h"
 #include "Documents.h"
 #include "Render.h"
 
@@ -218,6 +219,15 @@ TEST_F(InPlace, WhatAKilledProgramLeftGoesWithTheNextStamping) {
     writeFile(folder / ".letter.pdf.stamping", "half a letter");
     ASSERT_TRUE(stamp("letter.pdf"));
     EXPECT_EQ(folder.names(), names);
+}
+
+TEST_F(InPlace, WhatAKilledProgramLeftOnANetworkFileSystemGoesToo) {
+    const auto names = folder.names();
+    writeFile(folder / ".letter.pdf.stamping", "half a letter");
+    const testing_support::NetworkLocks calls;
+    ASSERT_TRUE(stamp("letter.pdf"));
+    EXPECT_EQ(folder.names(), names);
+    EXPECT_EQ(calls.refused, 0);
 }
 
 TEST_F(InPlace, WhatAnotherProgramIsAboutToPutInPlaceIsLeftToIt) {

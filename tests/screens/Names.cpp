@@ -172,7 +172,7 @@ TEST_F(Names, RowsOfTheListAreReadAsTheirConfigurations) {
         if (object.role() == QAccessible::Cell)
             rows << nameOf(object);
     });
-    EXPECT_EQ(rows, QStringList({"Received", "Page of Pages", "Confidential"}));
+    EXPECT_EQ(rows, QStringList({app::text(u"Received"), app::text(u"Page of Pages"), app::text(u"Confidential")}));
 }
 
 TEST_F(Names, ATitleIsReadWithTheTitlesOfItsTokens) {
@@ -229,24 +229,25 @@ TEST_F(Names, ThePreviewSaysWhatItShows) {
         }
     });
     const auto number = [](int value) { return QLocale().toString(value).toStdU16String(); };
-    const auto expected = app::toQt(
-        stringWithFormat(local(u"%@, page %@ of %@, %@, rotated %@ degrees").toStdU16String(),
-                         {u"Received", number(1), number(1), local(u"top right").toStdU16String(), number(45)}));
+    const auto expected =
+        app::toQt(stringWithFormat(local(u"%@, page %@ of %@, %@, rotated %@ degrees").toStdU16String(),
+                                   {app::text(u"Received").toStdU16String(), number(1), number(1),
+                                    local(u"top right").toStdU16String(), number(45)}));
     EXPECT_EQ(spoken, (std::vector<QString>{expected, expected}));
     if (language() == "en") {
         EXPECT_EQ(expected, QStringLiteral("Received, page 1 of 1, top right, rotated 45 degrees"));
     }
     if (language() == "de") {
-        EXPECT_EQ(expected, QStringLiteral("Received, Seite 1 von 1, oben rechts, um 45 Grad gedreht"));
+        EXPECT_EQ(expected, QStringLiteral("Eingang, Seite 1 von 1, oben rechts, um 45 Grad gedreht"));
     }
     window->pane().currentConfiguration()->setRotation(0);
     ASSERT_FALSE(spoken.empty());
     walk(accessible(popover), [&](QAccessibleInterface& object) {
         if (object.role() == QAccessible::Graphic) {
-            EXPECT_EQ(
-                object.text(QAccessible::Description),
-                app::toQt(stringWithFormat(local(u"%@, page %@ of %@, %@").toStdU16String(),
-                                           {u"Received", number(1), number(1), local(u"top right").toStdU16String()})));
+            EXPECT_EQ(object.text(QAccessible::Description),
+                      app::toQt(stringWithFormat(local(u"%@, page %@ of %@, %@").toStdU16String(),
+                                                 {app::text(u"Received").toStdU16String(), number(1), number(1),
+                                                  local(u"top right").toStdU16String()})));
         }
     });
 }

@@ -3,6 +3,7 @@
 
 #include "HostBundle.h"
 #include "Language.h"
+#include "Preflight.h"
 #include "SettingsDialog.h"
 #include "StampRun.h"
 
@@ -18,6 +19,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressDialog>
 #include <QTest>
 #include <QTimer>
 
@@ -116,10 +118,11 @@ void Screens::lookAtModal(const std::string& name, const Look& look, const std::
         auto* modal = QApplication::activeModalWidget();
         if (!modal)
             return;
-        poll.stop();
-        seen = true;
-        settle();
-        look(name, *modal);
+        // What follows when it is closed is another screen.
+        if (!std::exchange(seen, true)) {
+            settle();
+            look(name, *modal);
+        }
         if (auto* dialog = qobject_cast<QDialog*>(modal))
             dialog->reject();
         else
@@ -130,6 +133,50 @@ void Screens::lookAtModal(const std::string& name, const Look& look, const std::
     // What opens later, for one who was not kept waiting.
     EXPECT_TRUE(QTest::qWaitFor([&] { return seen; })) << name << " was not shown";
     settle();
+}
+
+void Screens::visitStampingDialogs(const Look& look) {
+    app::Preflight found;
+    found.lines = QStringList{QStringLiteral("letter.pdf: …"), QStringLiteral("letter.png: …")};
+    for (found.stampable = 0; found.stampable < 2; ++found.stampable)
+        lookAtModal("what stamping would come upon", look, [&] { app::goesOn(window.get(), found); });
+
+    // A question in the middle, with the progress below it.
+    const auto locked = folder / "locked.pdf";
+    ASSERT_EQ(std::system(("qpdf --empty --encrypt secret owner 256 -- '" + locked.string() + "'").c_str()), 0);
+    const auto both = [&](const std::string& name, QWidget& question) {
+        look(name, question);
+        auto* progress = window->findChild<QProgressDialog*>(QStringLiteral("stamping"));
+        ASSERT_TRUE(progress && progress->isVisible());
+        look("progress", *progress);
+    };
+    lookAtModal("password", both,
+                [&] { app::stampDocuments(window.get(), {locked}, window->pane().currentConfiguration(), false); });
+}
+
+void Screens::visitStoreDialogs(const Look& look) {
+    const auto file = folder / "configurations.json";
+    auto& model = session->model();
+    const auto theirs = [&](double degrees, bool saves) {
+        store::Store other(file);
+        model::ImprinterModel read;
+        read.setConfigurations(other.load().configurations);
+        read.configurations()->front()->setRotation(degrees);
+        EXPECT_FALSE(saves ? other.save(read) : other.keepUnsaved(read));
+    };
+    session->saveChanges();
+    theirs(12, false);
+    lookAtModal("changes that were not saved", look, [&] { window->offerUnsaved(); });
+    for (const auto& unsaved : session->unsaved())
+        session->discard(unsaved);
+
+    model.configurations()->front()->setRotation(3);
+    session->saveChanges();
+    theirs(30, true);
+    model.configurations()->front()->setRotation(60);
+    lookAtModal("a configuration that was changed twice", look, [&] { session->saveChanges(); });
+    lookAtModal("what could not be saved", look, [&] { window->warn({store::Code::unwritable, u"…", file}); });
+    model.configurations()->front()->setRotation(0);
 }
 
 void Screens::visitDialogs(const Look& look) {
@@ -178,12 +225,19 @@ void Screens::visitDialogs(const Look& look) {
     settle();
     look("a document that waits", *window);
 
+    visitStampingDialogs(look);
+    visitStoreDialogs(look);
+
     engine::Outcome failed;
     failed.code = engine::Code::damaged;
     failed.path = folder / "no.pdf";
     failed.sentence = "…";
-    lookAtModal("failures", look, [&] { app::tellSummary(window.get(), {{{}, {}}, {failed, failed}, false}); });
-    lookAtModal("a failure", look, [&] { app::tellSummary(window.get(), {{}, {failed}, false}); });
+    app::StampSummary summary;
+    summary.failed = {failed};
+    lookAtModal("a failure", look, [&] { app::tellSummary(window.get(), summary); });
+    summary.failed.push_back(failed);
+    summary.done.resize(2);
+    lookAtModal("failures", look, [&] { app::tellSummary(window.get(), summary); });
 
     QImage(30, 20, QImage::Format_RGB32).save(QString::fromStdString((folder / "letter.png").string()));
     window->pane().currentConfiguration()->setDuplicateRecord(2);

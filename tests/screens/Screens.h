@@ -26,6 +26,9 @@ protected:
     void visitPages(const Look& look);
     /// Shows every other window: dialogs, alerts, the palette, the preview.
     void visitDialogs(const Look& look);
+    /// What comes up while documents are stamped, and about the file of configurations.
+    void visitStampingDialogs(const Look& look);
+    void visitStoreDialogs(const Look& look);
     void visitAll(const Look& look) {
         visitPages(look);
         visitDialogs(look);

@@ -81,10 +81,9 @@ bool hasLetters(const QString& text) {
 /// Names that are the user's, the program's, or keys of the keyboard; and the toolkit's words, which has no such
 /// language.
 bool staysAsItIs(const QString& text) {
-    static const std::set<QString> known{"Imprinter",   "Received",    "Page of Pages", "Confidential",
-                                         "DejaVu Sans", "Bold",        "letter.png",    "Ctrl+Up",
-                                         "Ctrl+Down",   "OK",          "Cancel",        "Yes",
-                                         "No",          "Scroll Left", "Scroll Right"};
+    static const std::set<QString> known{"Imprinter", "DejaVu Sans", "Bold",        "letter.png",
+                                         "Ctrl+Up",   "Ctrl+Down",   "OK",          "Cancel",
+                                         "Yes",       "No",          "Scroll Left", "Scroll Right"};
     return known.contains(text) || text.contains(QLatin1String(".pdf")) || text.startsWith(QLatin1String("<html>"));
 }
 

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Uses the program at random, with chosen numbers behind every choice: types, clicks, drags menus open, switches, makes
-// and deletes configurations, closes the window and opens it again. Beside it runs an account of what each act may have
-// changed; whatever else changed is a fault, and so is a store that does not hold the account at the end.
+// Uses the program at random, with chosen numbers behind every choice: types, clicks, drags, switches, makes and
+// deletes configurations, closes the window and opens it again, and lets another program change the store. Beside it
+// runs an account of what each act may have changed; whatever else changed is a fault, and so is a store that does not
+// hold the account at the end.
 //
 //   monkey SECONDS SEED [FIRST-SECONDS [ACTS]]
 //
 // Memory is compared from FIRST-SECONDS on (a tenth of the time without); after so many ACTS it ends before its time.
 
+#include "../support/DragUser.h"
 #include "../support/FakeQueue.h"
 #include "../support/MemoryDefaults.h"
 
 #include "HostBundle.h"
 #include "MainWindow.h"
+#include "OrderPalette.h"
 
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSTabView.h>
@@ -19,6 +22,7 @@
 #include <AppKit/NSTokenField.h>
 #include <Foundation/NSString.h>
 #include <PlatformQt/Bridge.h>
+#include <store/Exchange.h>
 
 #include <QAbstractButton>
 #include <QAction>
@@ -27,6 +31,8 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QTableView>
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
@@ -133,7 +139,10 @@ public:
     Monkey(fs::path folder, unsigned seed) : m_folder(std::move(folder)), m_random(seed) {
         NSUserDefaults::setStandardUserDefaults(m_defaults);
         setMainQueue(m_queue);
-        NSAlert::setAnswerer([this](const NSAlert&) { return chance(2) ? NSAlertFirstButtonReturn : 1001; });
+        NSAlert::setAnswerer([this](const NSAlert&) {
+            m_agreed = chance(2);
+            return *m_agreed ? NSAlertFirstButtonReturn : 1001;
+        });
         // Whatever opens a loop of its own, a menu, a panel, a message, is answered or put away.
         QObject::connect(&m_butler, &QTimer::timeout, [this] { serve(); });
         m_butler.start(0);
@@ -194,6 +203,9 @@ public:
             {4, "waiting", &Monkey::wait},
             {2, "a click anywhere", &Monkey::clickAnywhere},
             {1, "another size", &Monkey::resize},
+            {2, "dragging in the title", &Monkey::dragTitle},
+            {2, "dragging a row", &Monkey::dragRow},
+            {1, "another program", &Monkey::shareStore},
             {1, "closing and opening", &Monkey::reopen},
         };
         unsigned total = 0;
@@ -310,6 +322,14 @@ private:
             if (auto* left = QApplication::activePopupWidget(); left == popup)
                 left->close();
         } else if (auto* panel = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            if (auto* box = qobject_cast<QMessageBox*>(panel); box && box->buttons().size() == 4) {
+                ++m_asked; // whose changes stay
+                for (auto* button : box->buttons())
+                    if (button->text() == app::text(m_answer))
+                        return button->click();
+            }
+            if (const auto* box = qobject_cast<QMessageBox*>(panel))
+                m_said = box->text().toStdString() + " " + box->informativeText().toStdString();
             panel->reject();
         }
     }
@@ -396,17 +416,25 @@ private:
         const auto before = m_account.size();
         if (before <= 1 && chance(2))
             return;
+        m_agreed.reset();
         press(u"deleteConfiguration:");
-        const auto found = now();
-        if (found.size() + 1 == before && row < before) {
-            const auto identifier = m_account[row].at("identifier") + " ";
-            m_account.erase(m_account.begin() + static_cast<std::ptrdiff_t>(row));
-            for (auto& properties : m_account)
-                if (const auto members = properties.find("members"); members != properties.end())
-                    if (const auto at = members->second.find(identifier); at != std::string::npos)
-                        members->second.erase(at, identifier.size());
-        }
+        if (!m_agreed)
+            fail("nobody was asked");
+        if (*m_agreed && row < before)
+            removed(row);
+        if (now().size() != m_account.size())
+            fail(*m_agreed ? "nothing was deleted" : "what was to stay was deleted");
         settle();
+    }
+    /// Takes the configuration in this row out of the account, and out of the combined ones.
+    void removed(std::size_t row) {
+        const auto identifier = m_account[row].at("identifier") + " ";
+        m_account.erase(m_account.begin() + static_cast<std::ptrdiff_t>(row));
+        for (auto& properties : m_account)
+            if (const auto members = properties.find("members"); members != properties.end())
+                for (auto at = members->second.find(identifier); at != std::string::npos;
+                     at = members->second.find(identifier))
+                    members->second.erase(at, identifier.size());
     }
     void rename() {
         const auto table = m_window->pane().table();
@@ -628,9 +656,13 @@ private:
         concede(row, {"members"});
         const auto& after = m_account[row]["members"];
         // A removal that was ended by an index beyond the members left the table as it was, which may ask for them
-        // again.
+        // again. Whatever it removes comes first.
+        const auto count = static_cast<std::size_t>(std::count(before.begin(), before.end(), ' '));
+        const bool changes = adds || rows.firstIndex() < count;
         if (adds ? !after.starts_with(before) : after.size() > before.size())
             fail("members were " + before + "and are " + after);
+        if (changes && after == before)
+            fail("members are still " + before);
     }
     void preview() {
         if (auto* button = qobject_cast<QAbstractButton*>(widget(u"previewBtn"))) {
@@ -646,7 +678,174 @@ private:
         concede(row, location());
         concede(row, appearance());
     }
+    void dragTitle() {
+        auto* editor = title();
+        const auto field = m_window->pane().titleField();
+        if (!editor || !field)
+            return;
+        if (!editor->hasFocus())
+            editor->setFocus();
+        const auto row = currentRow();
+        // Where a user can get to: not in the midst of a character.
+        const auto place = [&] {
+            const auto at = static_cast<int>(pick(static_cast<std::size_t>(editor->document()->characterCount())));
+            return editor->document()->characterAt(at).isLowSurrogate() ? at - 1 : at;
+        };
+        auto cursor = editor->textCursor();
+        cursor.setPosition(place());
+        cursor.setPosition(place(), QTextCursor::KeepAnchor);
+        editor->setTextCursor(cursor);
+        if (chance(3)) {
+            NSPasteboard carried;
+            const auto text = toUtf8(this->text(8));
+            carried.setDataForType(std::make_shared<const std::vector<std::uint8_t>>(text.begin(), text.end()),
+                                   u"text/plain");
+            cursor.setPosition(place());
+            testing_support::DragUser(*editor->viewport(), carried).dropsAt(editor->cursorRect(cursor).center());
+        } else {
+            std::u16string plain;
+            if (const auto carried = field->userDrags(plain))
+                field->userDrops(carried, static_cast<NSUInteger>(place()));
+            field->userEndedDrag();
+        }
+        if (chance(2))
+            m_queue->advance(0.02);
+        concede(row, appearance());
+    }
+    void dragRow() {
+        const auto table = m_window->pane().table();
+        auto* shown = qobject_cast<QTableView*>(widget(u"tableView"));
+        if (!shown || m_account.size() < 2)
+            return;
+        const auto row = pick(m_account.size());
+        const auto pasteboard = app::OrderList::pasteboardOf(NSIndexSet(row));
+        const auto at = shown->visualRect(shown->model()->index(static_cast<int>(pick(m_account.size())), 0));
+        {
+            const RunningDrag running(m_session->model().shared_from_this(), pasteboard);
+            testing_support::DragUser(*shown->viewport(), *pasteboard)
+                .dropsAt({at.x() + 5, at.y() + static_cast<int>(pick(static_cast<std::size_t>(at.height())))});
+        }
+        // As the one who began the drag does: the pane shows the new order.
+        m_window->pane().refresh(m_session->model());
+        // One has moved at most, and it is that one.
+        const auto found = now();
+        auto rest = m_account;
+        const auto moved = rest[row];
+        rest.erase(rest.begin() + static_cast<std::ptrdiff_t>(row));
+        std::size_t place = 0;
+        while (place < found.size() && found[place].at("identifier") != moved.at("identifier"))
+            ++place;
+        if (place > rest.size())
+            fail("the dragged one is gone");
+        rest.insert(rest.begin() + static_cast<std::ptrdiff_t>(place), moved);
+        m_account = rest;
+        concede(currentRow(), location());
+        concede(currentRow(), appearance());
+    }
+
+    /// The store changes elsewhere, partly where it changes here too, and is joined with what is here.
+    void shareStore() {
+        const auto row = currentRow();
+        m_window->pane().commitEditing();
+        concede(row, location());
+        concede(row, appearance());
+        expectAccount();
+        m_session->model().saveConfigurations();
+        QApplication::processEvents();
+        if (m_account.empty() || m_account.size() >= 40)
+            return;
+
+        // There: one gets another rotation or name, one is new, and now and then one goes that nobody needs.
+        store::Store other(store());
+        model::ImprinterModel theirs;
+        theirs.setConfigurations(other.load().configurations);
+        const auto changed = pick(m_account.size());
+        const auto theirName = "theirs " + std::to_string(m_acts);
+        const auto configuration = (*theirs.configurations())[changed];
+        configuration->setName(fromUtf8(theirName));
+        const auto fresh = theirs.createConfiguration(false);
+        fresh->setName(u"new there");
+        const store::Configurations sent{std::dynamic_pointer_cast<model::Configuration>(configuration),
+                                         std::dynamic_pointer_cast<model::Configuration>(fresh)};
+        auto expectedNew = propertiesOf(*fresh);
+        auto gone = pick(m_account.size());
+        const bool deletes = chance(3) && gone != changed && !isMember(m_account[gone].at("identifier"));
+        if (chance(4)) {
+            // The program itself, as it is called from a shell.
+            const auto file = m_folder / "sent.json";
+            if (const auto failure = store::exportTo(file, store::withMembers(sent)))
+                fail(toUtf8(failure->sentence));
+            const auto command = "env -u DISPLAY LC_ALL=C.UTF-8 " IMPRINTER " --store '" + store().string() +
+                                 "' import --replace '" + file.string() + "' >'" + (m_folder / "said").string() +
+                                 "' 2>&1";
+            if (std::system(command.c_str()) != 0)
+                fail("the import failed: " + command);
+        } else {
+            if (deletes)
+                theirs.deleteConfigurationAtIndex(gone);
+            if (const auto failure = other.save(theirs))
+                fail(toUtf8(failure->sentence));
+        }
+        const auto stored = store::Store(store()).read().configurations;
+        const bool deleted = stored.size() == m_account.size();
+
+        // Here: another one, or the same, or the one that is gone there, gets another name.
+        const auto mine = chance(3) ? changed : pick(m_account.size());
+        const auto myName = "mine " + std::to_string(m_acts);
+        (*m_session->model().configurations())[mine]->setName(fromUtf8(myName));
+        static constexpr const char16_t* answers[] = {u"Keep &Mine", u"Take &Theirs", u"Keep &Both"};
+        const auto answer = pick(3);
+        m_answer = answers[answer];
+        m_asked = 0;
+        m_session->model().saveConfigurations();
+        QApplication::processEvents();
+        if (m_session->hasUnsaved())
+            fail("it could not be saved: " + m_said);
+        if (m_asked != (mine == changed ? 1 : 0))
+            fail("asked " + std::to_string(m_asked) + " times whose changes stay");
+
+        if (mine != changed || answer == 1)
+            m_account[changed]["name"] = theirName;
+        if (mine != changed || answer != 1)
+            m_account[mine]["name"] = myName;
+        m_account.push_back(expectedNew);
+        if (mine == changed && answer == 2) {
+            auto copy = m_account[changed];
+            copy["name"] = theirName + " copy";
+            copy["identifier"] = now().at(changed + 1).at("identifier");
+            m_account.insert(m_account.begin() + static_cast<std::ptrdiff_t>(changed) + 1, copy);
+            gone += gone > changed ? 1 : 0;
+        }
+        if (deleted && mine != gone)
+            removed(gone);
+        // The pane shows what came, and with it the title of the one it shows.
+        concede(currentRow(), appearance());
+        expectAccount();
+        const auto after = store::Store(store()).read();
+        Account read;
+        for (const auto& left : after.configurations)
+            read.push_back(propertiesOf(*left));
+        compare(read, "the store");
+    }
+    bool isMember(const std::string& identifier) const {
+        return std::any_of(m_account.begin(), m_account.end(), [&](const Properties& properties) {
+            const auto members = properties.find("members");
+            return members != properties.end() && members->second.find(identifier + " ") != std::string::npos;
+        });
+    }
+
     void clickAnywhere() {
+        std::set<std::string> touched;
+        const auto touch = [&] {
+            if (const auto current = m_window->pane().currentConfiguration())
+                touched.insert(toUtf8(current->uniqueID()));
+            const auto table = m_window->pane().table();
+            const auto list = m_session->model().configurations();
+            if (const auto row = table ? table->selectedRow() : -1;
+                row >= 0 && static_cast<std::size_t>(row) < count(list))
+                touched.insert(toUtf8((*list)[static_cast<std::size_t>(row)]->uniqueID()));
+        };
+        touch();
         auto* inside = m_window->centralWidget();
         const QPoint at(static_cast<int>(pick(static_cast<std::size_t>(inside->width()))),
                         static_cast<int>(pick(static_cast<std::size_t>(inside->height()))));
@@ -659,8 +858,44 @@ private:
             if (chance(3) && QApplication::focusWidget())
                 QTest::keyClick(QApplication::focusWidget(), chance(2) ? Qt::Key_Return : Qt::Key_Tab);
         }
-        // Whatever is there may have been meant.
-        m_account = now();
+        touch();
+        // Whatever is there may have been meant, but only for what is or was being edited, or is new; and one or two at
+        // most have come or gone.
+        const auto found = now();
+        const auto identifiersIn = [](const Account& account) {
+            std::vector<std::string> identifiers;
+            for (const auto& properties : account)
+                identifiers.push_back(properties.at("identifier"));
+            return identifiers;
+        };
+        const auto there = identifiersIn(found);
+        int came = static_cast<int>(found.size());
+        int went = 0;
+        for (std::size_t row = m_account.size(); row-- > 0;) {
+            const auto identifier = m_account[row].at("identifier");
+            if (std::find(there.begin(), there.end(), identifier) == there.end()) {
+                if (!touched.contains(identifier))
+                    fail("another one than that being edited is gone");
+                removed(row);
+                ++went;
+            } else {
+                --came;
+            }
+        }
+        if (came + went > 2)
+            fail(std::to_string(came) + " came and " + std::to_string(went) + " went");
+        const auto known = identifiersIn(m_account);
+        for (std::size_t row = 0; row < found.size(); ++row) {
+            const auto& identifier = found[row].at("identifier");
+            const bool isNew = std::find(known.begin(), known.end(), identifier) == known.end();
+            if (isNew)
+                m_account.insert(m_account.begin() + static_cast<std::ptrdiff_t>(std::min(row, m_account.size())),
+                                 found[row]);
+            else if (touched.contains(identifier) && row < m_account.size() &&
+                     m_account[row].at("identifier") == identifier)
+                m_account[row] = found[row];
+        }
+        concedeRuns();
     }
     void resize() { m_window->resize(static_cast<int>(400 + pick(900)), static_cast<int>(300 + pick(700))); }
     void close() {
@@ -694,6 +929,10 @@ private:
     std::unique_ptr<app::Session> m_session;
     std::unique_ptr<app::MainWindow> m_window;
     Account m_account;
+    std::optional<bool> m_agreed; // to the last alert
+    const char16_t* m_answer = u"";
+    int m_asked = 0;
+    std::string m_said; // by the last message
     std::string m_act;
     std::size_t m_acts = 0;
 };

@@ -9,6 +9,8 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 namespace testing_support {
 
@@ -79,6 +81,30 @@ private:
     bool m_forGood;
     std::atomic<std::size_t> m_count = 0;
     std::string m_failed;
+};
+
+/// A network file system, which locks only files, and for one program alone only those that are open for writing; or
+/// one without any locks.
+class NetworkLocks : public files::Calls {
+public:
+    NetworkLocks() { files::setCalls(this); }
+    ~NetworkLocks() override { files::setCalls(nullptr); }
+    NetworkLocks(const NetworkLocks&) = delete;
+    NetworkLocks& operator=(const NetworkLocks&) = delete;
+
+    int lock(int file, int operation) override {
+        struct stat status {};
+        ::fstat(file, &status);
+        const int access = ::fcntl(file, F_GETFL) & O_ACCMODE;
+        if (areThere && S_ISREG(status.st_mode) && (access != O_RDONLY || !(operation & LOCK_EX)))
+            return Calls::lock(file, operation);
+        ++refused;
+        errno = areThere ? EBADF : ENOLCK;
+        return -1;
+    }
+
+    bool areThere = true;
+    int refused = 0;
 };
 
 /// Writes and copies a few bytes at a time, whatever it is asked for, and is interrupted in between.

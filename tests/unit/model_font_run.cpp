@@ -98,6 +98,25 @@ TEST(FontRun, AnswersTheAttributesItWasSent) {
     EXPECT_FALSE(run->colour());
 }
 
+TEST(FontRun, BelongsToTheTitleThatTookItLast) {
+    const auto former = model::Configuration::make(false);
+    const auto other = model::Configuration::make(false);
+    const auto run = std::get<std::shared_ptr<host::ImprinterFont>>(former->titleTokens()->front());
+    run->setFontSize(20);
+    int told = 0;
+    other->setNotices(std::make_shared<const model::Configuration::Notices>(
+        model::Configuration::Notices{{}, [&](const auto&) { ++told; }}));
+    other->setTitleTokens(std::make_shared<const std::vector<host::TitleToken>>(std::vector<host::TitleToken>{run}));
+    const auto left = std::get<std::shared_ptr<host::ImprinterFont>>(former->titleTokens()->front());
+    EXPECT_NE(left, run) << "a title of its own for each";
+    EXPECT_EQ(left->fontSize(), 20);
+    told = 0;
+    run->setFontSize(55);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(left->fontSize(), 20);
+    EXPECT_EQ(std::get<std::shared_ptr<host::ImprinterFont>>(other->titleTokens()->front()), run);
+}
+
 TEST(FontRun, OutlivesTheConfigurationThatMadeIt) {
     const auto run = model::Configuration::make(false)->createFontToken();
     run->setFontSize(40);

@@ -50,6 +50,7 @@ public:
     }
     NSArray<RepresentedObject> tokenFieldReadFromPasteboard(const Field&,
                                                             const std::shared_ptr<NSPasteboard>&) override {
+        ++reads;
         return reading;
     }
     bool controlTextShouldBeginEditing(const std::shared_ptr<NSControl>&) override {
@@ -82,6 +83,7 @@ public:
     bool begins = true;
     bool ends = true;
     bool writes = true;
+    int reads = 0;
 };
 
 class TokenField : public ::testing::Test {
@@ -447,6 +449,21 @@ TEST_F(TokenFieldPasteboard, ThatIsTooLongIsRefusedAsAWhole) {
     EXPECT_EQ(editor->refused, Refusal::none);
     editor->type(u"3");
     EXPECT_EQ(editor->text.string(), u"a12bc");
+    EXPECT_EQ(editor->refused, Refusal::tooLong);
+}
+
+TEST_F(TokenFieldPasteboard, ThatIsTooLongIsNotReadAtAll) {
+    field->setMaximumLength(5);
+    delegate->reading = listOf({stone});
+    set({u"abc", stone});
+    caretAt(3, 1);
+    field->userCopies();
+    caretAt(0);
+    field->userPastes(editor->copied);
+    EXPECT_EQ(delegate->reads, 1) << "its key is longer, but it is one token";
+    EXPECT_EQ(value(), (Elements{stone, u"abc", stone}));
+    field->userPastes(editor->copied);
+    EXPECT_EQ(delegate->reads, 1);
     EXPECT_EQ(editor->refused, Refusal::tooLong);
 }
 

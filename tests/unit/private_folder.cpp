@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include <files/Calls.h>
 #include <files/PrivateFolder.h>
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -19,7 +22,9 @@ namespace {
 class PrivateFolders : public testing::Test {
 protected:
     PrivateFolders() {
-        std::string name = (fs::temp_directory_path() / "folders-XXXXXX").string();
+        const fs::path memory("/dev/shm"); // where it is there, so that nobody waits for a disk
+        const bool hasMemory = access(memory.c_str(), W_OK | X_OK) == 0;
+        std::string name = ((hasMemory ? memory : fs::temp_directory_path()) / "folders-XXXXXX").string();
         parent = mkdtemp(name.data());
         if (const char* before = std::getenv("XDG_RUNTIME_DIR"))
             m_before = before;
@@ -67,11 +72,31 @@ protected:
         std::ofstream(path / "kept") << "kept";
         return path;
     }
+    /// One that a killed program left.
+    fs::path makeLeftover(const std::string& name, const std::string& owner = {}) {
+        const auto path = makeFolder(name);
+        std::ofstream(path / ".owner") << owner;
+        return path;
+    }
+    static void makeOlder(const fs::path& path, std::chrono::hours hours) {
+        fs::last_write_time(path, fs::file_time_type::clock::now() - hours);
+    }
 
     fs::path parent;
 
 private:
     std::string m_before;
+};
+
+/// On a file system that has no locks.
+class PrivateFoldersWithoutLocks : public PrivateFolders, public files::Calls {
+protected:
+    PrivateFoldersWithoutLocks() { files::setCalls(this); }
+    ~PrivateFoldersWithoutLocks() override { files::setCalls(nullptr); }
+    int lock(int, int) override {
+        errno = ENOLCK;
+        return -1;
+    }
 };
 
 } // namespace
@@ -132,7 +157,7 @@ TEST_F(PrivateFolders, ALinkWithSuchANameIsNotFollowed) {
 
 TEST_F(PrivateFolders, ALinkInsideALeftoverIsRemovedWithoutWhatItPointsAt) {
     const auto elsewhere = makeFolder("documents");
-    const auto left = makeFolder("imprinter-abcdef");
+    const auto left = makeLeftover("imprinter-abcdef");
     fs::create_directory_symlink(elsewhere, left / "link");
     EXPECT_EQ(PrivateFolder::removeLeftovers(), 1);
     EXPECT_FALSE(fs::exists(left));
@@ -148,6 +173,67 @@ TEST_F(PrivateFolders, WhatIsNotLikeOursIsLeftAlone) {
     for (const auto& other : others)
         EXPECT_TRUE(fs::exists(other / "kept")) << other;
     EXPECT_TRUE(fs::exists(parent / "imprinter-ABCDEF"));
+}
+
+TEST_F(PrivateFolders, OfAProgramThatHasNotLockedItYetAreLeftAloneForAnHour) {
+    const auto fresh = makeFolder("imprinter-abcdef");
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 0);
+    makeOlder(fresh, std::chrono::hours(2));
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 1);
+    EXPECT_FALSE(fs::exists(fresh));
+}
+
+TEST_F(PrivateFolders, AreRemovedAHundredAtATime) {
+    for (int number = 0; number < 150; ++number)
+        makeLeftover("imprinter-abc" + std::to_string(100 + number));
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 100);
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 50);
+    EXPECT_TRUE(fs::is_empty(parent));
+}
+
+TEST_F(PrivateFolders, AnOwnerThatIsALinkIsNotFollowed) {
+    const auto elsewhere = makeFolder("documents");
+    const auto left = makeFolder("imprinter-abcdef");
+    fs::create_symlink(elsewhere / "kept", left / ".owner");
+    makeOlder(left, std::chrono::hours(48));
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 0);
+    EXPECT_TRUE(fs::exists(elsewhere / "kept"));
+}
+
+TEST_F(PrivateFoldersWithoutLocks, AreMadeAndGoWithTheirOwner) {
+    {
+        const PrivateFolder folder;
+        EXPECT_TRUE(fs::exists(folder.path()));
+    }
+    EXPECT_TRUE(fs::is_empty(parent));
+}
+
+TEST_F(PrivateFoldersWithoutLocks, OfAKilledProgramAreRemovedAndThoseOfOneThatRunsAreNot) {
+    pid_t child = 0;
+    const auto left = startProgram(child);
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 0);
+    EXPECT_TRUE(fs::exists(left / "page.bmp"));
+    kill(child);
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 1);
+    EXPECT_FALSE(fs::exists(left));
+}
+
+TEST_F(PrivateFoldersWithoutLocks, OfAProcessWhoseNumberAnotherHasNowAreRemoved) {
+    char host[256] = {};
+    gethostname(host, sizeof host - 1);
+    makeLeftover("imprinter-abcdef", std::string(host) + " " + std::to_string(getpid()) + " 1\n");
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 1);
+}
+
+TEST_F(PrivateFoldersWithoutLocks, OfAnotherMachineAreLeftAloneForAMonth) {
+    const auto left = makeLeftover("imprinter-abcdef", "another-machine 1 1\n");
+    const auto unknown = makeLeftover("imprinter-ghijkl", "");
+    makeOlder(left / ".owner", std::chrono::hours(24 * 29));
+    makeOlder(unknown / ".owner", std::chrono::hours(24 * 29));
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 0);
+    makeOlder(left / ".owner", std::chrono::hours(24 * 31));
+    makeOlder(unknown / ".owner", std::chrono::hours(24 * 31));
+    EXPECT_EQ(PrivateFolder::removeLeftovers(), 2);
 }
 
 TEST_F(PrivateFolders, WithoutARuntimeFolderAreMadeAmongTheTemporaryFiles) {

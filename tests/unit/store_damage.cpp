@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "model_title.h"
 #include "store_support.h"
 
 #include <fstream>
@@ -317,6 +318,42 @@ TEST_F(Reading, IsNotEnoughToSave) {
     EXPECT_EQ(failure->code, Code::changedElsewhere);
 }
 
+TEST_F(Damage, BehindASymbolicLinkIsKeptAsideAndTheLinkStays) {
+    const auto elsewhere = data / "elsewhere";
+    std::filesystem::create_directory(elsewhere);
+    std::ofstream(elsewhere / "mine.json") << "not JSON at all";
+    std::filesystem::create_symlink("../elsewhere/mine.json", file);
+    store::Store store(file);
+    const auto result = store.load();
+    EXPECT_FALSE(result.readOnly);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_TRUE(othersInFolder().empty());
+    std::string aside;
+    for (const auto& entry : std::filesystem::directory_iterator(elsewhere))
+        aside = entry.path().filename().string();
+    EXPECT_TRUE(aside.starts_with("mine.damaged-2")) << aside;
+    EXPECT_EQ(readAll(elsewhere / aside), "not JSON at all");
+    EXPECT_NE(sentenceOf(result).find(aside), std::string::npos) << sentenceOf(result);
+    ASSERT_EQ(sentenceOf(store.save(*modelOf(result.configurations))), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(namesOf(store::Store(elsewhere / "mine.json").read().configurations), suppliedNames);
+}
+
+TEST_F(Damage, IsLeftInItsPlaceWhereThatIsWanted) {
+    put("not JSON at all");
+    store::Store store(file);
+    const auto result = store.load(store::Damaged::leave);
+    EXPECT_TRUE(result.standIns);
+    EXPECT_TRUE(result.readOnly);
+    EXPECT_EQ(sentenceOf(result), sentenceOf(store::Store(file).read()));
+    const auto failure = store.save(*modelOf(result.configurations));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_EQ(content(), "not JSON at all");
+    EXPECT_TRUE(othersInFolder().empty());
+    EXPECT_FALSE(store.load().readOnly) << "whoever opens the window has it kept aside";
+}
+
 using NewerFile = StoreTest;
 
 TEST_F(NewerFile, IsLeftAsItIsAndNotSavedOver) {
@@ -333,6 +370,41 @@ TEST_F(NewerFile, IsLeftAsItIsAndNotSavedOver) {
     const auto failure = store.save(*modelOf(result.configurations));
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_EQ(content(), text);
+    EXPECT_TRUE(othersInFolder().empty());
+}
+
+TEST_F(NewerFile, IsShownAsFarAsItCanBeRead) {
+    const std::string text = R"({"format": "imprinter-configurations", "version": 2, "configurations": [
+        {"uniqueID": "a", "name": "A", "rotation": 30, "position": {"anchor": "new"}, "glow": 7,
+         "titleTokens": ["title", {"fontSize": "large", "underline": true}]},
+        {"uniqueID": "b", "name": "B", "titleTokens": [["no", "longer", "texts"]]},
+        {"name": "without an identifier"}, 7, {"uniqueID": "A", "name": "the same again"},
+        {"uniqueID": "all", "name": "All", "combinedConfiguration": true, "members": ["a", {"by": "rule"}, "gone", "b"]},
+        {"uniqueID": "c", "combinedConfiguration": true, "name": "C", "members": 7}]})";
+    put(text);
+    store::Store store(file);
+    const auto result = store.load();
+    ASSERT_EQ(namesOf(result.configurations), (std::vector<std::string>{"A", "B", "All", "C"}));
+    const auto& first = *result.configurations[0];
+    EXPECT_EQ(first.rotation(), 30);
+    EXPECT_EQ(first.position(), 0) << "what cannot be read is as in a new one";
+    ASSERT_EQ(platform::count(first.titleTokens()), 2u);
+    EXPECT_EQ(std::get<std::u16string>((*first.titleTokens())[0]), u"title");
+    EXPECT_TRUE(runAt(first, 1)->underline());
+    EXPECT_EQ(runAt(first, 1)->fontSize(), 12);
+    EXPECT_EQ(platform::count(result.configurations[2]->configurations()), 2u);
+    EXPECT_TRUE(result.readOnly);
+    EXPECT_TRUE(result.standIns) << "nothing is stamped or imported with what may mean something else";
+    EXPECT_NE(sentenceOf(result).find("The file is left as it is; its configurations are shown as far as they can be "
+                                      "read, and changes are not saved."),
+              std::string::npos)
+        << sentenceOf(result);
+    result.configurations[0]->setName(u"changed");
+    const auto failure = store.save(*modelOf(result.configurations));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, Code::readOnly);
+    EXPECT_FALSE(store.keepUnsaved(*modelOf(result.configurations)));
     EXPECT_EQ(content(), text);
     EXPECT_TRUE(othersInFolder().empty());
 }

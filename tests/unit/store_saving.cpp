@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../support/FailingCalls.h"
 #include "model_title.h"
 #include "store_support.h"
 
@@ -379,25 +380,7 @@ TEST_F(Waiting, EndsWithAFailureThatSaysWhoIsInTheWay) {
     EXPECT_EQ(sentenceOf(store.save(*model)), "");
 }
 
-/// A network file system, which locks only what is open for writing, or one without any locks.
-class Locks : public Saving, public files::Calls {
-protected:
-    Locks() { files::setCalls(this); }
-    ~Locks() override { files::setCalls(nullptr); }
-
-    int lock(int number, int operation) override {
-        struct stat status {};
-        ::fstat(number, &status);
-        const int access = ::fcntl(number, F_GETFL) & O_ACCMODE;
-        if (areThere && S_ISREG(status.st_mode) && (access == O_RDWR || (operation & LOCK_SH)))
-            return Calls::lock(number, operation);
-        ++refused;
-        errno = areThere ? EBADF : ENOLCK;
-        return -1;
-    }
-    bool areThere = true;
-    int refused = 0;
-};
+class Locks : public Saving, public testing_support::NetworkLocks {};
 
 TEST_F(Locks, OfANetworkFileSystemAreEnoughForSavesAndJournals) {
     EXPECT_EQ(sentenceOf(store.save(*model)), "");

@@ -232,7 +232,12 @@ void NSTokenField::show(const TokenText& content) {
         const auto fromTheEnd = m_content.length() - std::min(selected.location + selected.length, m_content.length());
         const auto change = TokenText::change(m_content, content);
         shown->replaceCharacters(change.range, content.substring({change.range.location, change.length}), undoing);
-        shown->setSelectedRange({content.length() - std::min(fromTheEnd, content.length()), 0});
+        const bool inserted = act != 0 && selected.length > 0 && change.range.length == 0;
+        const bool another = act == 0 && !shown->isFirstResponder(); // which nobody has put a caret into
+        const auto caret = inserted  ? change.range.location + change.length
+                           : another ? content.length()
+                                     : content.length() - std::min(fromTheEnd, content.length());
+        shown->setSelectedRange({caret, 0});
     }
     if (changed) {
         m_lastAct = act;
@@ -389,6 +394,11 @@ std::shared_ptr<NSPasteboard> NSTokenField::write(const TokenText& selected, std
         pasteboard->clearContents();
         pasteboard->writeObjects({plainText});
     }
+    m_keys.clear();
+    if (const auto items = pasteboard->readObjects(); items && items->size() == selected.pieces().size())
+        for (std::size_t i = 0; i < items->size(); ++i)
+            if (!std::holds_alternative<std::u16string>(selected.pieces()[i].object))
+                m_keys.insert((*items)[i]);
     return pasteboard;
 }
 
@@ -450,10 +460,14 @@ bool NSTokenField::takeFrom(const std::shared_ptr<NSPasteboard>& pasteboard, NSR
                             const std::optional<NSRange>& moved) {
     const UserAct act;
     NSUInteger units = 0;
+    NSUInteger length = m_content.length() - (moved ? moved->length : replaced.length);
     if (const auto items = tell(pasteboard, &NSPasteboard::readObjects))
-        for (const auto& item : *items)
+        for (const auto& item : *items) {
             units += item.size();
-    if (isTooLong(units)) {
+            length += m_keys.contains(item) ? 1 : contentOf(listOf({item})).length();
+        }
+    // Before the delegate hears of it, which may already do what belongs to a paste.
+    if (units > 0 && isTooLong(length) && length > m_content.length()) {
         showRefusal(Refusal::tooLong);
         return false;
     }

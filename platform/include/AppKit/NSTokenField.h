@@ -7,6 +7,8 @@
 #include <AppKit/NSTextView.h>
 #include <AppKit/TokenText.h>
 
+#include <set>
+
 namespace platform {
 
 class NSTokenField;
@@ -124,7 +126,7 @@ public:
     /// their old place, and its objects are left to the delegate. Answers whether it was taken.
     bool userDrops(const std::shared_ptr<NSPasteboard>& pasteboard, NSUInteger position);
     /// Sends the action of an item of the field's menus; the change it makes is one step to undo.
-    void userChoosesMenuItem(const std::shared_ptr<NSMenuItem>& item);
+    virtual void userChoosesMenuItem(const std::shared_ptr<NSMenuItem>& item);
     bool userEndsEditing(Ending ending) override;
     void userCancelsEditing() override {}
 
@@ -175,6 +177,7 @@ private:
     std::shared_ptr<NSTextView> m_editor;
     std::u16string m_tokenizingCharacterSet = u",";
     std::optional<NSRange> m_dragged; // in the field, while the drag runs
+    std::set<std::u16string> m_keys;  // items last written that stand for objects other than texts
     NSUInteger m_lastAct = 0;         // the one whose changes are the last that can be undone
     bool m_untaken = false;           // the content was edited and is not yet the object value
     bool m_untold = false;            // the content changed and nobody was told

@@ -6,6 +6,7 @@
 #include <AppKit/NSTokenField.h>
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QTextEdit>
 
@@ -87,6 +88,42 @@ TEST_F(TokenFieldTest, TheCaretOfAnotherTextStandsInNoCharacter) {
     setObjects({u"\U0001F600"});
     QTest::keyClicks(text, "x");
     EXPECT_EQ(*field->objectValue(), (std::vector<RepresentedObject>{u"x\U0001F600"}));
+}
+
+TEST_F(TokenFieldTest, BackspaceDeletesAPictureOfSeveralSignsAsOne) {
+    const auto plain = std::make_shared<PlainText>();
+    field->setDelegate(plain);
+    const std::u16string flag = u"\U0001F1E9\U0001F1EA";
+    const std::u16string family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467";
+    for (const auto& [title, left] : std::vector<std::pair<std::u16string, std::u16string>>{
+             {u"a" + flag, u"a"}, {u"a" + family, u"a"}, {u"ae\u0301", u"ae"}, {u"a\U0001F600", u"a"}}) {
+        setObjects({title});
+        text->setFocus();
+        text->moveCursor(QTextCursor::End);
+        QTest::keyClick(text, Qt::Key_Backspace);
+        EXPECT_EQ(field->attributedStringValue().string(), left);
+    }
+}
+
+TEST_F(TokenFieldTest, AnotherTitleHasItsCaretAtTheEnd) {
+    setObjects({u"a", u"b", u"c"});
+    text->setFocus();
+    field->currentEditor()->setSelectedRange({1, 0});
+    text->clearFocus();
+    setObjects({u"d", u"e", u"f", u"g"});
+    text->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(field->currentEditor()->selectedRange(), (NSRange{4, 0}));
+}
+
+TEST_F(TokenFieldTest, ARightClickSelectsTheTokenBelowIt) {
+    setObjects({u"a", u"b"});
+    QTextCursor second(text->document());
+    second.setPosition(1);
+    const auto at = text->cursorRect(second).center() + QPoint(6, 0);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, text->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(text->viewport(), &event);
+    text->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(field->currentEditor()->selectedRange(), (NSRange{1, 1}));
 }
 
 TEST_F(TokenFieldTest, WrapsWhenItsCellIsToldTo) {

@@ -20,8 +20,18 @@ public:
     explicit PreviewStamper(const std::filesystem::path& folder, std::string defaultFont = "DejaVuSans");
     ~PreviewStamper();
 
-    /// Stamps `configuration` onto the PNG or JPEG picture `sample` as page 1 of 1, whatever pages it is meant for. A
-    /// blank title gives the sample itself.
+    /// What the sample is a picture of.
+    struct Page {
+        std::size_t number = 1;
+        std::size_t count = 1;
+        std::u16string recordName; ///< Empty: the sample's file name without its extension.
+        /// A page that the configuration is not meant for bears no stamp.
+        bool choosesPages = false;
+    };
+    /// For what is stamped from now on; page 1 of 1 before, whatever pages a configuration is meant for.
+    void setPage(Page page);
+
+    /// Stamps `configuration` onto the PNG or JPEG picture `sample`. A blank title gives the sample itself.
     ///
     /// The outcome's path names the result. Each configuration has two names, which take turns, so that a viewer that
     /// compares names sees the change; a file is whole as soon as its name is given out, and stays so until three other

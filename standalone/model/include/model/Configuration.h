@@ -132,6 +132,10 @@ private:
 
     Configuration(std::u16string uniqueID, bool combined);
     std::shared_ptr<Configuration> self();
+    /// A run that comes from another configuration, by the pasteboard, is this one's from now on.
+    void takeOver(const std::shared_ptr<FontRun>& run);
+    /// Puts a run of its own in the place of one that has become another configuration's.
+    void partFrom(const FontRun& run);
     std::shared_ptr<Configuration> copyCalled(std::u16string uniqueID) const;
     template <class T>
     void set(T& member, const T& value);

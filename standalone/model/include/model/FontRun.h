@@ -22,13 +22,16 @@ struct FontRunNames {
 FontRunNames& fontRunNames();
 
 /// A font run of the stand-alone host, an object of the class "VelIFontType". A configuration makes it; titles hold it.
+/// It belongs to one configuration, the one whose title took it last.
 ///
 /// A new run is set in the default face at 12 points, without colour (which is drawn black), outline 1 point wide but
 /// off, not underlined and not struck through.
 class FontRun final : public host::ImprinterFont {
 public:
-    /// Changes are told to `maker` as long as it lives.
-    FontRun(std::weak_ptr<Configuration> maker, host::NSUInteger number);
+    /// Changes are told to `owner` as long as it lives.
+    FontRun(std::weak_ptr<Configuration> owner, host::NSUInteger number);
+    /// Answers the former one.
+    std::shared_ptr<Configuration> setOwner(std::weak_ptr<Configuration> owner);
 
     std::u16string_view className() const override;
 
@@ -63,7 +66,7 @@ private:
     template <class T>
     void set(T& member, const T& value);
 
-    std::weak_ptr<Configuration> m_maker;
+    std::weak_ptr<Configuration> m_owner;
     host::NSUInteger m_fontNumber;
     std::optional<std::u16string> m_fullFontName; // none: the default face, not yet asked for
     mutable std::shared_ptr<host::NSFont> m_font; // null: to be looked up

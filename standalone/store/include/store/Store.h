@@ -42,9 +42,15 @@ struct LoadResult {
     std::vector<Failure> messages;
     /// The file is left as it is: nothing can be saved.
     bool readOnly = false;
-    /// Something is there, and the configurations are not from it: the supplied ones stand in for them. False where
-    /// there is nothing, at the first start.
+    /// Something is there, and the configurations are not what it holds: the supplied ones stand in for them, or for
+    /// those of a newer version what could be understood of them. False where there is nothing, at the first start.
     bool standIns = false;
+};
+
+/// What becomes of a file that cannot be understood, by whoever could save in its place.
+enum class Damaged {
+    keepAside, ///< it gets another name
+    leave,     ///< it is left as it is, and nothing can be saved
 };
 
 /// A configuration that was changed differently here and by another program, or was when a program ended and since.
@@ -114,11 +120,12 @@ public:
     /// Reads the file as `read` does, so that it can be saved.
     ///
     /// A file that is damaged, or that this user may not read, gets the name
-    /// "configurations.damaged-<date>-<time>.json" beside it, with a number where that exists. Left in its place, and
+    /// "configurations.damaged-<date>-<time>.json" beside it, with a number where that exists, unless `damaged` says
+    /// otherwise; where it is a symbolic link, what it points to gets it, and the link stays. Left in its place, and
     /// read-only, is: what cannot be read for another reason, which may be gone the next time; what a newer program
     /// wrote; what is no ordinary file; what cannot be renamed; and, at any other than the default path, what does not
     /// look like a file of configurations. What a killed program left behind when it saved is removed.
-    LoadResult load();
+    LoadResult load(Damaged damaged = Damaged::keepAside);
 
     /// Writes every configuration of the model, and the keys that `load` found and did not know. To be called after
     /// `load`: a file that was not loaded is left alone. Where nothing was changed, nothing is written.

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "Preflight.h"
+
+#include "HostBundle.h"
+#include "Sentences.h"
+
+#include <engine/Stamper.h>
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace app {
+
+namespace {
+
+constexpr int steps = 1000; // of one document
+
+/// Whether a question on the way can still have the document stamped.
+bool canBeAskedFor(engine::Code code) {
+    return code == engine::Code::encrypted || code == engine::Code::notPermitted || code == engine::Code::isSigned;
+}
+
+} // namespace
+
+Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
+                         const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
+    Preflight found;
+    QProgressDialog progress(parent);
+    progress.setObjectName(QStringLiteral("stamping"));
+    progress.setWindowTitle(text(u"Check Documents"));
+    progress.setCancelButtonText(text(u"Cancel"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(300);
+    progress.setAutoClose(false);
+    progress.setAutoReset(false);
+    progress.setRange(0, static_cast<int>(inputs.size()) * steps);
+    int before = 0;
+    for (const auto& input : inputs) {
+        const auto name = QString::fromStdString(input.filename().string());
+        progress.setLabelText(name);
+        progress.setValue(before);
+        engine::StampJob job;
+        job.input = job.output = input;
+        job.inPlace = job.dryRun = true;
+        job.configurations = {configuration};
+        job.progress = [&](std::size_t pages, std::size_t all) {
+            progress.setValue(before + static_cast<int>(pages * (steps - 1) / std::max<std::size_t>(all, 1)));
+            return !progress.wasCanceled();
+        };
+        const auto outcome = engine::stampFile(job);
+        found.cancelled = progress.wasCanceled();
+        if (found.cancelled)
+            break;
+        const auto remark = [&](const QString& sentence) {
+            found.lines.append(name + QStringLiteral(": ") + sentence);
+        };
+        if (!outcome)
+            remark(sentenceOf(outcome));
+        for (const auto& warning : outcome.warnings) {
+            remark(QString::fromStdString(warning));
+            found.warnings.push_back(warning);
+        }
+        found.stampable += outcome || canBeAskedFor(outcome.code) ? 1 : 0;
+        before += steps;
+    }
+    return found;
+}
+
+bool goesOn(QWidget* parent, const Preflight& found) {
+    if (found.cancelled || found.lines.isEmpty())
+        return !found.cancelled;
+    QDialog dialog(parent);
+    dialog.setObjectName(QStringLiteral("preflight"));
+    dialog.setWindowTitle(text(u"Check Documents"));
+    const bool any = found.stampable > 0;
+    auto* label =
+        new QLabel(any ? text(u"Before anything is stamped:") : text(u"None of the documents can be stamped:"));
+    label->setWordWrap(true);
+    auto* list = new QListWidget;
+    list->setObjectName(QStringLiteral("remarks"));
+    list->setAccessibleName(label->text());
+    list->setWordWrap(true);
+    list->setSelectionMode(QAbstractItemView::NoSelection);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->addItems(found.lines);
+    for (int row = 0; row < list->count(); ++row)
+        list->item(row)->setToolTip(list->item(row)->text());
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    if (any) {
+        auto* goOn = buttons->addButton(text(u"C&ontinue"), QDialogButtonBox::AcceptRole);
+        goOn->setDefault(true);
+    }
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(label);
+    layout->addWidget(list, 1);
+    layout->addWidget(buttons);
+    dialog.resize(dialog.fontMetrics().averageCharWidth() * 70, dialog.fontMetrics().height() * 16);
+    return dialog.exec() == QDialog::Accepted && any;
+}
+
+} // namespace app
