@@ -27,7 +27,8 @@ public:
 /// for both: every choice of the user is reported first to the block, then to the delegate, with the same full font
 /// name.
 ///
-/// The items of an open menu are drawn in their own faces, and the selected item of a closed button in the menu font.
+/// While the menu is open each item shows what its face looks like; the closed button names the chosen one in the menu
+/// font.
 /// Selecting by title or item keeps it so; selecting by index or tag leaves the drawing as it was.
 class VelIFontPopupButton : public platform::NSPopUpButton, public VelIFontPopUpProtocol {
 public:

@@ -42,8 +42,8 @@ extern "C" __attribute__((visibility("default"))) const char16_t* const VelImpri
 /// at once when the user changes it; the model is stored when the pane is left. A missing host, a missing configuration
 /// and a nil answer are normal states that empty or disable what depends on them.
 ///
-/// Three units share the class: the shell, the Location editor and the Appearance editor. Messages are virtual because
-/// whoever loads the pane's bundle does not link it.
+/// Four units share the class: the shell, the Location editor, the Appearance editor and the title. Messages are
+/// virtual because whoever loads the pane's bundle does not link it.
 class VelImprinterPrefPane : public platform::NSPreferencePane,
                              public platform::NSTableViewDataSource,
                              public platform::NSTableViewDelegate,

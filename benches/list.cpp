@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What selecting a row costs, in the real pane on the real model, with 10 and with 10,000 configurations in the list;
-// and how long the long list takes to open. Rows are chosen as the user does, through the proposal.
+// What selecting a row costs, in the real pane on the real model, with 10 and with 10,000 configurations in the list,
+// at its beginning and at its end; and how long the long list takes to open. Rows are chosen as the user does, through
+// the proposal.
 
 #include "PaneHost.h"
 
@@ -62,14 +63,26 @@ struct Opened {
         openingTime = milliseconds(start);
     }
 
-    /// One selection, painted, in milliseconds. Rows of the first screen only, so that nothing scrolls.
+    QAbstractItemView& list() { return *window.findChild<QAbstractItemView*>(QStringLiteral("tableView")); }
+
+    /// From now on rows at the end are selected.
+    void goToEnd() {
+        list().scrollToBottom();
+        QApplication::processEvents();
+        m_first = static_cast<int>(model->configurations()->size()) - 8;
+    }
+
+    /// One selection, painted, in milliseconds. Rows of one screen only, so that nothing scrolls.
     double select(int step) {
-        const auto row = static_cast<platform::NSInteger>(step % 8);
+        const auto row = static_cast<platform::NSInteger>(m_first + step % 8);
         const auto start = Clock::now();
         pane->table()->userSelects(NSIndexSet(static_cast<platform::NSUInteger>(row)), row);
         QApplication::processEvents();
         return milliseconds(start);
     }
+
+private:
+    int m_first = 0;
 };
 
 double median(std::vector<double> values) {
@@ -87,17 +100,23 @@ int main(int argc, char** argv) {
 
     Opened few(10);
     Opened many(10000);
-    std::vector<double> timesFew;
-    std::vector<double> timesMany;
-    for (int i = 0; i < 2000; ++i) {
-        timesFew.push_back(few.select(i + 1));
-        timesMany.push_back(many.select(i + 1));
+    std::cout << "opening a list of 10: " << few.openingTime << " ms, of 10,000: " << many.openingTime << " ms\n";
+    bool grows = false;
+    for (const char* end : {"first", "last"}) {
+        std::vector<double> timesFew;
+        std::vector<double> timesMany;
+        for (int i = 0; i < 2000; ++i) {
+            timesFew.push_back(few.select(i + 1));
+            timesMany.push_back(many.select(i + 1));
+        }
+        const double ratio = median(timesMany) / median(timesFew);
+        std::cout << "selecting one of the " << end << " rows of 10: " << median(timesFew)
+                  << " ms, of 10,000: " << median(timesMany) << " ms, ratio " << ratio << " (claim: at most 1.1)\n";
+        grows = grows || ratio > 1.1;
+        few.goToEnd();
+        many.goToEnd();
     }
-    const double ratio = median(timesMany) / median(timesFew);
-    std::cout << "opening a list of 10: " << few.openingTime << " ms, of 10,000: " << many.openingTime << " ms\n"
-              << "selecting a row of 10: " << median(timesFew) << " ms, of 10,000: " << median(timesMany)
-              << " ms, ratio " << ratio << " (claim: at most 1.1)\n";
-    auto* table = many.window.findChild<QAbstractItemView*>(QStringLiteral("tableView"));
+    auto* table = &many.list();
     std::vector<double> steps;
     auto* bar = table->verticalScrollBar();
     for (int value = 0; value <= bar->maximum(); value += std::max(bar->maximum() / 200, 1)) {
@@ -109,5 +128,5 @@ int main(int argc, char** argv) {
     const double slowest = *std::max_element(steps.begin(), steps.end());
     std::cout << "scrolling through 10,000 rows in " << steps.size() << " steps: median " << median(steps)
               << " ms a step, slowest " << slowest << " ms (claim: opening and every step at most 100 ms)\n";
-    return ratio <= 1.1 && many.openingTime <= 100 && slowest <= 100 ? 0 : 1;
+    return !grows && many.openingTime <= 100 && slowest <= 100 ? 0 : 1;
 }

@@ -7,16 +7,18 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSProcessInfo.h>
 #include <Foundation/NSString.h>
+#include <Foundation/NSUserDefaults.h>
 #include <PlatformQt/Bridge.h>
 #include <PreferencePanes/NSPreferencePane.h>
 #include <host/VelImprinterPlugin.h>
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QMainWindow>
 #include <QTimer>
 
-#include <algorithm>
 #include <iostream>
+#include <map>
 
 using namespace platform;
 using host::ConfigurationArray;
@@ -36,6 +38,8 @@ namespace {
     type m_##name
 
 using Colour = shared_ptr<const NSColor>;
+using Item = shared_ptr<host::ImprinterConfiguration>;
+using List = std::vector<Item>;
 
 struct Run final : host::ImprinterFont {
     std::u16string_view className() const override { return u"VelIFontType"; }
@@ -56,20 +60,16 @@ struct Run final : host::ImprinterFont {
 struct Configuration final : host::ImprinterConfiguration {
     Configuration(u16string identifier, const u16string& name, bool combined)
         : m_name(name), m_identifier(std::move(identifier)), m_combined(combined) {
-        const shared_ptr<host::ImprinterFont> run = createFontToken();
         using Title = std::vector<host::TitleToken>;
-        m_titleTokens = std::make_shared<const Title>(Title{run, u"Page ", u"%pageNumber%"});
+        m_titleTokens = std::make_shared<const Title>(Title{createFontToken(), u"Page ", u"%pageNumber%"});
     }
     u16string uniqueID() const override { return m_identifier; }
     bool combinedConfiguration() const override { return m_combined; }
     ConfigurationArray configurations() const override {
-        return m_combined ? std::make_shared<const std::vector<shared_ptr<ImprinterConfiguration>>>(m_members)
-                          : nullptr;
+        return m_combined ? std::make_shared<const List>(m_members) : nullptr;
     }
-    void addConfiguration(const shared_ptr<ImprinterConfiguration>& member) override { m_members.push_back(member); }
-    void deleteConfiguration(const shared_ptr<ImprinterConfiguration>& member) override {
-        std::erase(m_members, member);
-    }
+    void addConfiguration(const Item& member) override { m_members.push_back(member); }
+    void deleteConfiguration(const Item& member) override { std::erase(m_members, member); }
     shared_ptr<host::ImprinterFont> createFontToken() override { return std::make_shared<Run>(); }
     std::optional<u16string> customOccurance() const override { return m_pages; }
     void setCustomOccurance(const u16string& pages) override { m_pages = pages; }
@@ -90,46 +90,43 @@ struct Configuration final : host::ImprinterConfiguration {
     u16string m_identifier;
     bool m_combined;
     std::optional<u16string> m_pages;
-    std::vector<shared_ptr<ImprinterConfiguration>> m_members;
+    List m_members;
 };
 
 struct Imprinter final : host::Imprinter {
-    using List = std::vector<shared_ptr<host::ImprinterConfiguration>>;
     ConfigurationArray configurations() const override { return std::make_shared<const List>(m_list); }
-    shared_ptr<host::ImprinterConfiguration> configurationForID(const u16string& identifier) const override {
+    Item configurationForID(const u16string& identifier) const override {
         for (const auto& each : m_list)
             if (each->uniqueID() == identifier)
                 return each;
         return nullptr;
     }
-    shared_ptr<host::ImprinterConfiguration> createConfiguration(bool combined) override {
+    Item createConfiguration(bool combined) override {
         return m_list.emplace_back(std::make_shared<Configuration>(globallyUniqueString(), u"", combined));
     }
-    shared_ptr<host::ImprinterConfiguration> duplicateConfigurationAtIndex(NSInteger) override { return nullptr; }
-    NSUInteger indexOfConfiguration(const shared_ptr<host::ImprinterConfiguration>& wanted) const override {
-        return indexOfObject(configurations(), wanted);
-    }
+    Item duplicateConfigurationAtIndex(NSInteger) override { return nullptr; }
+    NSUInteger indexOfConfiguration(const Item& item) const override { return indexOfObject(configurations(), item); }
     void deleteConfigurationAtIndex(NSUInteger index) override {
-        if (index < m_list.size())
-            m_list.erase(m_list.begin() + static_cast<NSInteger>(index));
+        if (index >= m_list.size())
+            return;
+        for (const auto& each : m_list)
+            each->deleteConfiguration(m_list[index]); // from those that combine it
+        m_list.erase(m_list.begin() + static_cast<NSInteger>(index));
     }
     void moveConfigurationAtIndexTo(NSUInteger index, NSUInteger row) override {
         if (index >= m_list.size() || row > m_list.size())
             return;
-        const auto moved = m_list[index]; // the row is counted before the move
+        const auto moved = m_list[index]; // its own place still counts in `row`
         m_list.insert(m_list.begin() + static_cast<NSInteger>(row), moved);
         m_list.erase(m_list.begin() + static_cast<NSInteger>(index < row ? index : index + 1));
     }
     void saveConfigurations() override { std::cout << "saveConfigurations" << std::endl; }
     ConfigurationArray nonCombinedConfigurations() const override {
-        List ordinary;
-        std::copy_if(m_list.begin(), m_list.end(), std::back_inserter(ordinary),
-                     [](const auto& each) { return !each->combinedConfiguration(); });
+        List ordinary = m_list;
+        std::erase_if(ordinary, [](const auto& each) { return each->combinedConfiguration(); });
         return std::make_shared<const List>(std::move(ordinary));
     }
-    std::optional<host::NSURL> imprintFileAtURLWithIndex(const std::optional<host::NSURL>&,
-                                                         const shared_ptr<host::ImprinterConfiguration>&,
-                                                         NSInteger) override {
+    std::optional<NSURL> imprintFileAtURLWithIndex(const std::optional<NSURL>&, const Item&, NSInteger) override {
         return std::nullopt; // this host has no engine, so that there is no preview
     }
     List m_list{std::make_shared<Configuration>(u"1", u"First", false),
@@ -141,6 +138,16 @@ struct Plugin final : host::VelImprinterPlugin {
     shared_ptr<Imprinter> m_imprinter = std::make_shared<Imprinter>();
 };
 
+/// Settings of this host alone, as long as it runs. Without them the pane would read those of the program `imprinter`.
+struct Defaults final : NSUserDefaults {
+    std::optional<u16string> stringForKey(const u16string& key) const override {
+        return m_values.contains(key) ? std::optional(m_values.at(key)) : std::nullopt;
+    }
+    void setObjectForKey(const u16string& value, const u16string& key) override { m_values[key] = value; }
+    void removeObjectForKey(const u16string& key) override { m_values.erase(key); }
+    std::map<u16string, u16string> m_values;
+};
+
 /// Closing the window leaves the pane, which then saves.
 struct Window final : QMainWindow {
     explicit Window(shared_ptr<NSPreferencePane> shown) : pane(std::move(shown)) {
@@ -148,10 +155,10 @@ struct Window final : QMainWindow {
         setCentralWidget(widgetOf(*pane->mainView()));
         pane->didSelect();
     }
-    void closeEvent(QCloseEvent*) override {
+    void closeEvent(QCloseEvent* event) override {
         runGuarded([this] { pane->mainView()->window()->makeFirstResponder(nullptr); }); // ends the edit in progress
         if (pane->shouldUnselect() == NSPreferencePaneUnselectReply::cancel)
-            return;
+            return event->ignore();
         runGuarded([this] { pane->willUnselect(); });
         takeCentralWidget();
         runGuarded([this] { pane->didUnselect(); });
@@ -163,6 +170,7 @@ struct Window final : QMainWindow {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
+    NSUserDefaults::setStandardUserDefaults(std::make_shared<Defaults>());
     // The pane finds these two by their names, so they stand before it is loaded.
     const ClassRegistration runs{ClassTable<Run>(u"VelIFontType")};
     const ClassRegistration plugin{

@@ -65,14 +65,17 @@ public:
 
     NibContents read(const std::u16string& name) {
         const auto url = m_bundle.URLForResourceWithExtension(name, u"ui");
-        auto* root = url && qobject_cast<QApplication*>(QCoreApplication::instance())
-                         ? m_loader.loadFile(QString::fromStdString(url->path().string()))
-                         : nullptr;
-        if (!root) {
-            report(toUtf8(name) +
-                   ".ui cannot be read: " + (url ? plain(m_loader.errorString()) : "the bundle does not have it"));
+        const auto refuse = [&](const std::string& reason) {
+            report(toUtf8(name) + ".ui cannot be read: " + reason);
             return std::move(m_contents);
-        }
+        };
+        if (!url)
+            return refuse("the bundle does not have it");
+        if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+            return refuse("there is no QApplication, which widgets need");
+        auto* root = m_loader.loadFile(QString::fromStdString(url->path().string()));
+        if (!root)
+            return refuse(plain(m_loader.errorString()));
         qt::noteCancelTitle(m_bundle.localizedStringForKeyValueTable(u"Cancel", u"", u""));
         for (const auto& className : m_loader.unknownClasses())
             report("the class " + plain(className) + " is not known here; its views are left out");

@@ -17,6 +17,8 @@ QString textFor(engine::Code code, bool triedPassword) {
     switch (code) {
     case Code::unreadable:
         return text(u"The file cannot be read.");
+    case Code::otherKind:
+        return text(u"This is no PDF, PNG, JPEG or TIFF file.");
     case Code::unsupported:
     case Code::nothingToRemove: // which the window does not do
         return text(u"Files of this kind cannot be stamped.");

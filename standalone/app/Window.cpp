@@ -11,6 +11,7 @@
 #include <Foundation/NSUserDefaults.h>
 
 #include <QApplication>
+#include <QCryptographicHash>
 
 #include <iostream>
 #include <map>
@@ -58,6 +59,47 @@ private:
     std::map<std::u16string, std::u16string> m_values;
 };
 
+/// The user's settings, in which what was selected last is kept apart for a store that is not the usual one.
+class StoreDefaults final : public platform::NSUserDefaults {
+public:
+    StoreDefaults(NSUserDefaults& standard, const std::filesystem::path& store)
+        : m_standard(standard), m_suffix(u"/" + QString::fromLatin1(nameOf(store)).toStdU16String()) {}
+    std::optional<std::u16string> stringForKey(const std::u16string& key) const override {
+        return m_standard.stringForKey(keyFor(key));
+    }
+    void setObjectForKey(const std::u16string& value, const std::u16string& key) override {
+        m_standard.setObjectForKey(value, keyFor(key));
+    }
+    void removeObjectForKey(const std::u16string& key) override { m_standard.removeObjectForKey(keyFor(key)); }
+
+private:
+    /// A short one, as paths may be long and hold any byte.
+    static QByteArray nameOf(const std::filesystem::path& store) {
+        return QCryptographicHash::hash(store.native(), QCryptographicHash::Sha256).left(12).toHex();
+    }
+    std::u16string keyFor(const std::u16string& key) const {
+        return key == u"ImprinterPrefLastSelected" ? key + m_suffix : key;
+    }
+
+    NSUserDefaults& m_standard;
+    std::u16string m_suffix;
+};
+
+/// Where the file really is; its path where that cannot be told.
+std::filesystem::path whereItIs(const std::filesystem::path& file) {
+    std::error_code unknown;
+    const auto path = std::filesystem::absolute(file, unknown);
+    const auto known = std::filesystem::weakly_canonical(path, unknown);
+    return unknown ? path : known;
+}
+
+void keepSelectionApart(const std::filesystem::path& store) {
+    const auto file = whereItIs(store);
+    if (file != whereItIs(store::Store::defaultPath()))
+        platform::NSUserDefaults::setStandardUserDefaults(
+            std::make_shared<StoreDefaults>(platform::NSUserDefaults::standardUserDefaults(), file));
+}
+
 } // namespace
 
 int runWindow(int& argc, char** argv, const std::filesystem::path& store,
@@ -71,6 +113,7 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
     if (!chosen && QGuiApplication::platformName() == QLatin1String("offscreen"))
         return noDisplay;
     prepare(application);
+    keepSelectionApart(store);
     Session session(store);
     const auto window = openWindow(session);
     if (!window)

@@ -113,8 +113,14 @@ std::shared_ptr<model::Configuration> configurationCalled(const std::string& nam
         }
         found = configuration;
     }
-    if (!found)
-        complain(noConfiguration, "no configuration is called \"" + name + "\"; " + namesOf(configurations));
+    if (!found) {
+        std::string others;
+        for (const auto& configuration : configurations)
+            if (platform::caseInsensitiveCompare(configuration->name(), fromUtf8(name)) == 0)
+                others += (others.empty() ? "but one \"" : ", one \"") + toUtf8(configuration->name()) + '"';
+        complain(noConfiguration, "no configuration is called \"" + name +
+                                      (others.empty() ? "\"; " + namesOf(configurations) : "\", " + others));
+    }
     return found;
 }
 

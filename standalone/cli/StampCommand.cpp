@@ -175,7 +175,7 @@ std::string collisionIn(const std::vector<File>& files) {
 /// Whether the configurations say that an item is duplicated before it is stamped.
 bool duplicates(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations) {
     const auto chosen = platform::NSUserDefaults::standardUserDefaults().stringForKey(u"ImprinterDuplicateRecord");
-    // Nothing is stamped in place unless somebody chose it.
+    // An original is only replaced where its owner said so.
     const bool byDefault =
         !chosen || platform::NSUserDefaults::standardUserDefaults().boolForKey(u"ImprinterDuplicateRecord");
     return configurations.empty() ||
@@ -238,6 +238,7 @@ const char* nameOf(engine::Code code) {
         return "ok";
     case Code::unreadable:
         return "unreadable";
+    case Code::otherKind:
     case Code::unsupported:
         return "unsupported";
     case Code::damaged:

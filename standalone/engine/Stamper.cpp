@@ -129,7 +129,7 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
         if (!job.inPlace && isSameFile(job.input, job.output))
             throw Failure(Code::sameFile, "The output is the same file as the input.");
         if (kind == Kind::unknown)
-            throw Failure(Code::unsupported, "Files of this kind cannot be stamped.");
+            throw Failure(Code::otherKind, "This is no PDF, PNG, JPEG or TIFF file.");
         if (isNoFile(job.output)) {
             outcome.path = job.output;
             throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");

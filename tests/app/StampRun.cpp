@@ -115,8 +115,8 @@ TEST_F(StampRun, TheSummaryTellsRemarksAndWhereTheResultsAre) {
     writeFile(folder / "no.pdf", "no document");
     summary = stamp({"no.pdf", "a.pdf"});
     answering({press(QMessageBox::Ok, &text)}, [&] { return app::tellSummary(&window, summary); });
-    EXPECT_EQ(text.toStdString(), "1 of 2 documents could not be stamped.\nno.pdf: Files of this kind cannot be "
-                                  "stamped.\nStamped: " +
+    EXPECT_EQ(text.toStdString(), "1 of 2 documents could not be stamped.\nno.pdf: This is no PDF, PNG, JPEG or "
+                                  "TIFF file.\nStamped: " +
                                       folder.path().string());
 }
 

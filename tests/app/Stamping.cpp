@@ -81,7 +81,7 @@ TEST_F(Stamping, ShowsInOneListWhatItWouldComeUpon) {
     answering({inList(QDialogButtonBox::RejectRole, &lines)}, [&] { drop({"a.pdf", "none.pdf", "gone.pdf"}); });
     EXPECT_EQ(lines,
               (QStringList{"a.pdf: The stamp is larger than page 1 and 1 other.",
-                           "none.pdf: Files of this kind cannot be stamped.", "gone.pdf: The file does not exist."}));
+                           "none.pdf: This is no PDF, PNG, JPEG or TIFF file.", "gone.pdf: The file does not exist."}));
     EXPECT_FALSE(is("a-stamped.pdf")) << "cancelled before anything was stamped";
 }
 

@@ -293,6 +293,52 @@ TEST_F(CommandLine, AnUnknownConfigurationIsNamed) {
     EXPECT_FALSE(fs::exists(folder / "out.pdf"));
 }
 
+TEST_F(CommandLine, AConfigurationThatDiffersInCaseAloneIsNamed) {
+    letter();
+    const auto run = imprinter("stamp --configuration reCEIVED --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.output, "imprinter: no configuration is called \"reCEIVED\", but one \"Received\"\n");
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+}
+
+TEST_F(CommandLine, WhatIsNoDocumentWhateverItsNameIsNotCalledAFileOfThatKind) {
+    for (const std::string name : {"letter.pdf", "scan.jpg", "notes.txt"}) {
+        writeFile(folder / name, "no document");
+        const auto run = imprinter("stamp --configuration Received --output out " + name);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output, "imprinter: " + name + ": This is no PDF, PNG, JPEG or TIFF file.\n");
+    }
+}
+
+TEST_F(CommandLine, TheWindowOnAnotherStoreRemembersAConfigurationOfItsOwn) {
+    const auto settings = folder / "config/imprinter/imprinter.ini";
+    const auto remembered = [&](const std::string& section) {
+        return render::run("sed -n '/^\\[" + section + "\\]/,/^\\[/p' " + quoted(settings) + " | grep '^[0-9a-zA-Z]*='")
+            .output;
+    };
+    const std::string window = "QT_QPA_PLATFORM=offscreen IMPRINTER_END_AFTER_PAINT=1";
+    ASSERT_EQ(imprinter("", window).status, 0);
+    const auto usual = remembered("General");
+    EXPECT_NE(usual.find("ImprinterPrefLastSelected="), std::string::npos) << readFile(settings);
+    // Another store, without the configuration that was shown last; by its path and by a link to its folder.
+    fs::create_directory(folder / "other");
+    ASSERT_EQ(imprinter("export --output other/own.json Confidential").status, 0);
+    ASSERT_EQ(imprinter("--store other/own.json", window).status, 0);
+    EXPECT_EQ(remembered("General"), usual);
+    const auto own = remembered("ImprinterPrefLastSelected");
+    EXPECT_EQ(std::count(own.begin(), own.end(), '\n'), 1) << readFile(settings);
+    const auto identifier = own.substr(own.find('=') + 1);
+    EXPECT_EQ(usual.find(identifier), std::string::npos) << usual << own;
+    EXPECT_NE(readFile(folder / "other/own.json").find(identifier.substr(0, identifier.size() - 1)), std::string::npos);
+    fs::create_directory_symlink("other", folder / "link");
+    ASSERT_EQ(imprinter("--store link/own.json", window).status, 0);
+    EXPECT_EQ(remembered("ImprinterPrefLastSelected"), own);
+    // The usual store by its path is the usual store.
+    ASSERT_EQ(imprinter("--store data/imprinter/configurations.json", window).status, 0);
+    EXPECT_EQ(remembered("General"), usual);
+    EXPECT_EQ(remembered("ImprinterPrefLastSelected"), own);
+}
+
 TEST_F(CommandLine, AnIncompleteCommandSaysWhatIsMissing) {
     struct Row {
         const char* arguments;

@@ -63,7 +63,7 @@ TEST_F(Hosts, TwoWorkersShareAFolderAndGoOnAfterAFailureAsThePageSays) {
     ASSERT_EQ(runOnTheMachine(blocks[1]).status, 0);
     auto run = runOnTheMachine(blocks[2]);
     EXPECT_EQ(run.status, 1) << run.output; // one failed
-    EXPECT_NE(run.output.find("bad.pdf: Files of this kind cannot be stamped."), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("bad.pdf: This is no PDF, PNG, JPEG or TIFF file."), std::string::npos) << run.output;
     for (const std::string name : {"l0", "l1", "l 2", "more of them/l3"})
         EXPECT_EQ(shell("pdftotext 'inbox/" + name + "-stamped.pdf' - | grep -c RECEIVED").output, "1\n")
             << name << run.output;

@@ -66,7 +66,7 @@ TEST_F(Stamping, WhereNeitherIsAskedForTheConfigurationDecidesBetweenACopyAndInP
     run = imprinter(options + "stamp --configuration Placed letter.pdf");
     EXPECT_EQ(run.output, "");
     EXPECT_TRUE(bears("letter.pdf", "placed"));
-    // Nothing is stamped in place unless somebody chose it.
+    // An original is only replaced where its owner said so.
     run = imprinter(options + "stamp --configuration Follows letter.pdf");
     EXPECT_EQ(run.output, "letter-stamped-3.pdf\n");
     fs::create_directories(folder / "config" / "imprinter");
@@ -147,7 +147,7 @@ TEST_F(Stamping, StandardInputAndOutputAreFilesCalledMinus) {
     EXPECT_FALSE(bears("fourth.pdf", "RECEIVED"));
     run = imprinter("stamp --configuration Received - > bad.pdf", "echo nothing | ");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.output, "imprinter: standard input: Files of this kind cannot be stamped.\n");
+    EXPECT_EQ(run.output, "imprinter: standard input: This is no PDF, PNG, JPEG or TIFF file.\n");
     run = imprinter("stamp --configuration Received --output - letter.pdf > /dev/full");
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.output, "imprinter: standard output: The output cannot be written.\n");

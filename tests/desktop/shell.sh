@@ -4,7 +4,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 start_program
-until_true "nothing is stamped in place unless somebody chose it" setting_is ImprinterDuplicateRecord YES
+until_true "originals are kept until their owner says otherwise" setting_is ImprinterDuplicateRecord YES
 screenshot shell-opened
 
 # The second row, with the mouse.

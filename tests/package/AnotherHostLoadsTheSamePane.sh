@@ -6,6 +6,9 @@ example=$stage/share/doc/imprinter-dev/examples/minimal-host
 cmake -S "$example" -B "$work/build" -G Ninja -DCMAKE_PREFIX_PATH="$stage" -DCMAKE_CXX_FLAGS='-Wall -Wextra -Werror' \
     >"$work/log" 2>&1 && cmake --build "$work/build" >>"$work/log" 2>&1 || fail "$(cat "$work/log")"
 
+# What the program keeps in its settings, an identifier that no host has any more, is not this host's.
+mkdir -p "$XDG_CONFIG_HOME/imprinter"
+printf '[General]\nImprinterPrefLastSelected=gone\n' >"$XDG_CONFIG_HOME/imprinter/imprinter.ini"
 said=$("$work/build/minimal-host" --once 2>"$work/log") || fail "it ended with $?: $(cat "$work/log")"
 expected=$'opened\nlisted First\nlisted Both\nsaveConfigurations'
 [ "$said" = "$expected" ] || fail "it said: $said"

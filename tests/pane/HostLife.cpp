@@ -488,14 +488,28 @@ TEST_F(HostLife, WhatAnotherProgramSavedIsShownAfterASave) {
 
 TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {
     session = std::make_unique<app::Session>(folder / "configurations.json");
+    std::string error;
+    auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
+    ASSERT_TRUE(pane) << error;
+    window = std::make_unique<app::MainWindow>(*session, std::move(pane));
     auto& model = session->model();
     const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
-    const auto configuration = model.configurations()->front();
-    EXPECT_EQ(model.imprintFileAtURLWithIndex(sample, configuration, 0), std::nullopt);
-    session->allowPreviews();
-    const auto stamped = model.imprintFileAtURLWithIndex(sample, configuration, 0);
-    ASSERT_TRUE(stamped);
-    EXPECT_GT(fs::file_size(stamped->path()), 1000U);
+    const auto preview = [&] { return model.imprintFileAtURLWithIndex(sample, current(), 0); };
+
+    // Everything happens but painting: it is shown, told its size, made active, and its timers run out.
+    window->setUpdatesEnabled(false);
+    window->show();
+    window->activateWindow();
+    window->resize(window->size() + QSize(10, 10));
+    bool waited = false;
+    QTimer::singleShot(0, window.get(), [&] { QTimer::singleShot(0, window.get(), [&] { waited = true; }); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return waited; }));
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(preview(), std::nullopt);
+
+    window->setUpdatesEnabled(true);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return preview().has_value(); }));
+    EXPECT_GT(fs::file_size(preview()->path()), 1000U);
 }
 
 TEST_F(HostLife, AMissingSampleGivesNoPreview) {

@@ -57,6 +57,7 @@ TEST_F(PaneStart, WithoutTheHostClassTheInterfaceStaysAsLoaded) {
     EXPECT_EQ(mainPage(), outlet<NSTabView>(u"mainTabView")->tabViewItemAtIndex(0)->identifier());
     EXPECT_TRUE(outlet<NSButton>(u"previewBtn")->isEnabled());
     EXPECT_FALSE(outlet<NSButton>(u"duplicateRecBtn")->isHidden());
+    EXPECT_FALSE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
     EXPECT_FALSE(outlet<NSControl>(u"titleTokenField")->cell()->wraps());
     EXPECT_EQ(log, MessageLog());
 }
@@ -120,6 +121,56 @@ TEST_F(PaneStart, ARememberedConfigurationThatIsGoneLeavesTheListWithoutSelectio
     EXPECT_EQ(outlet<NSTableView>(u"tableView")->selectedRow(), -1);
     EXPECT_FALSE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
     EXPECT_FALSE(outlet<NSButton>(u"previewBtn")->isEnabled());
+}
+
+TEST_F(PaneStart, ARememberedConfigurationThatIsNotListedIsShownWithoutARowAndCanBeDeleted) {
+    const auto stranger = configuration(u"stranger");
+    imprinter->setList({configuration(u"a")});
+    imprinter->answerForID = stranger;
+    defaults->setObjectForKey(u"stranger", u"ImprinterPrefLastSelected");
+    start();
+    EXPECT_EQ(pane->currentConfiguration(), stranger);
+    EXPECT_EQ(mainPage(), u"Imprint Configuration");
+    EXPECT_EQ(outlet<NSTableView>(u"tableView")->selectedRow(), -1);
+    EXPECT_TRUE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
+}
+
+TEST_F(PaneStart, IsSetUpBeforeTheHostIsLookedUpAndTheTitleWrapsLast) {
+    imprinter->setList({configuration(u"a")});
+    defaults->setObjectForKey(u"a", u"ImprinterPrefLastSelected");
+    registerHost();
+    std::vector<std::string> seen;
+    onMessage() = [&](const std::string& message) {
+        const auto table = outlet<NSTableView>(u"tableView");
+        EXPECT_FALSE(outlet<NSControl>(u"titleTokenField")->cell()->wraps()) << message;
+        const bool deletes = outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled();
+        EXPECT_EQ(deletes, false) << message;
+        if (message == "plugin imprinter") {
+            seen.push_back("host");
+            EXPECT_EQ(table->registeredDraggedTypes(), std::vector<std::u16string>{u"VelImprintPasteboardType"});
+            EXPECT_TRUE(table->headerView() && table->headerView()->hasBottomBorder);
+            EXPECT_EQ(table->tableColumnWithIdentifier(u"Imprinter")->title(), u"Configurations:");
+            EXPECT_EQ(outlet<NSButton>(u"previewBtn")->title(), u"Preview");
+            EXPECT_NE(table->menu(), nullptr);
+            EXPECT_GT(outlet<NSPopUpButton>(u"borderStylePopup")->numberOfItems(), 1);
+            EXPECT_EQ(pane->imprinter(), nullptr);
+        } else if (message == "imprinter configurationForID a") {
+            seen.push_back("remembered");
+            EXPECT_EQ(pane->imprinter(), imprinter);
+            EXPECT_EQ(pane->currentConfiguration(), nullptr);
+        } else if (message == "a duplicateRecord") {
+            seen.push_back("switched");
+            EXPECT_EQ(mainPage(), u"Imprint Configuration");
+            EXPECT_TRUE(outlet<NSButton>(u"previewBtn")->isEnabled());
+            EXPECT_EQ(table->selectedRow(), -1);
+        }
+    };
+    load();
+    onMessage() = {};
+    EXPECT_EQ(seen, (std::vector<std::string>{"host", "remembered", "switched", "switched"}));
+    EXPECT_TRUE(outlet<NSControl>(u"titleTokenField")->cell()->wraps());
+    EXPECT_TRUE(outlet<NSButton>(u"deleteConfigurationBtn")->isEnabled());
+    EXPECT_EQ(outlet<NSTableView>(u"tableView")->selectedRow(), 0);
 }
 
 TEST_F(PaneStart, AsksTheHostInOrder) {
@@ -290,6 +341,19 @@ TEST_F(PaneSwitching, ToACombinedOneShowsItsPageAndHandsItToItsEditor) {
     EXPECT_EQ(editor->imprinter(), imprinter);
     EXPECT_EQ(editor->configuration(), combined);
     EXPECT_TRUE(outlet<NSButton>(u"previewBtn")->isEnabled());
+}
+
+TEST_F(PaneSwitching, ToACombinedOneAsksForItsMembersAndItsStamp) {
+    const auto combined = configuration(u"c", true);
+    imprinter->setList({configuration(u"a"), combined});
+    start();
+    taken();
+    pane->setCurrentConfiguration(combined);
+    EXPECT_EQ(taken(), (MessageLog{"c combinedConfiguration", "imprinter nonCombinedConfigurations", "c configurations",
+                                   "c combinedConfiguration", "c configurations", "c duplicateRecord",
+                                   "imprinter imprintFileAtURLWithIndex Preview.jpg c 0",
+                                   // The field and the stepper of the fill opacity look at it again.
+                                   "c fillOpacity", "c fillOpacity"}));
 }
 
 TEST_F(PaneSwitching, ToNoneShowsTheEmptyPageAndAsksForNoStamp) {
@@ -639,6 +703,14 @@ TEST_F(PaneLeaving, LetsTheUserGoInEveryCase) {
         }
 }
 
+TEST_F(PaneLeaving, WithoutACurrentConfigurationTheUserGoesAndNothingIsAsked) {
+    imprinter->setList({});
+    start();
+    taken();
+    EXPECT_EQ(pane->shouldUnselect(), NSPreferencePaneUnselectReply::now);
+    EXPECT_EQ(taken(), MessageLog());
+}
+
 TEST_F(PaneLeaving, ABlankListFallsBackToEveryPage) {
     const auto a = configuration(u"a");
     imprinter->setList({a});
@@ -708,7 +780,9 @@ TEST_F(PaneLeaving, TheObserverHoldsThePaneUntilItIsLeft) {
 TEST_F(PaneLeaving, SavesBeforeItStopsListening) {
     imprinter->setList({configuration(u"a")});
     start();
-    imprinter->onSave = [this] {
+    bool saved = false;
+    imprinter->onSave = [&] {
+        saved = true;
         taken();
         NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification,
                                                                          outlet<NSTokenField>(u"titleTokenField"));
@@ -718,6 +792,7 @@ TEST_F(PaneLeaving, SavesBeforeItStopsListening) {
     };
     pane->willUnselect();
     imprinter->onSave = {};
+    EXPECT_TRUE(saved);
 }
 
 TEST_F(PaneLeaving, SavesWhenThePaneIsHidden) {

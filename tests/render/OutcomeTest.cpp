@@ -42,8 +42,8 @@ std::string pngHeader(std::uint32_t width, std::uint32_t height) {
 } // namespace
 
 TEST(Outcomes, EachFailureHasItsCodeAndLeavesNoOutput) {
-    EXPECT_EQ(refused("some text").code, Code::unsupported);
-    EXPECT_EQ(refused("").code, Code::unsupported);
+    EXPECT_EQ(refused("some text").code, Code::otherKind);
+    EXPECT_EQ(refused("").code, Code::otherKind);
     EXPECT_EQ(refused("%PDF-1.4\nnothing else").code, Code::damaged);
     EXPECT_EQ(refused("\xff\xd8\xff\xe0 not a picture").code, Code::damaged);
     EXPECT_EQ(refused("\x89PNG\r\n\x1a\n").code, Code::damaged);

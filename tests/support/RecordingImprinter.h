@@ -154,6 +154,8 @@ public:
         m_list = std::make_shared<std::vector<std::shared_ptr<host::ImprinterConfiguration>>>(list.begin(), list.end());
     }
     void setNilList() { m_list.reset(); }
+    /// Whatever identifier is asked for, listed or not; none: what the list has.
+    std::shared_ptr<host::ImprinterConfiguration> answerForID;
     /// The one created or copied last.
     std::shared_ptr<RecordingConfiguration> made;
     void setStampResult(std::optional<host::NSURL> url) { m_stampResult = std::move(url); }
@@ -161,6 +163,8 @@ public:
     host::ConfigurationArray configurations() const override { return note("configurations"), m_list; }
     std::shared_ptr<host::ImprinterConfiguration> configurationForID(const std::u16string& uniqueID) const override {
         note("configurationForID " + platform::toUtf8(uniqueID));
+        if (answerForID)
+            return answerForID;
         const MessageLog before = m_log;
         std::shared_ptr<host::ImprinterConfiguration> found;
         for (std::size_t i = 0; m_list && i < m_list->size() && !found; ++i)

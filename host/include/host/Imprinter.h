@@ -25,7 +25,8 @@ public:
     /// NSNotFound for what is not in the list.
     virtual NSUInteger indexOfConfiguration(const std::shared_ptr<ImprinterConfiguration>& configuration) const = 0;
     virtual void deleteConfigurationAtIndex(NSUInteger index) = 0;
-    /// `row` is the row above which the configuration goes, counted before the move: 0 to the number of rows.
+    /// Puts it in front of what stands in `row` as long as it has not left its own place; a `row` that equals the
+    /// length of the list means its end.
     virtual void moveConfigurationAtIndexTo(NSUInteger index, NSUInteger row) = 0;
     /// Stores every configuration.
     virtual void saveConfigurations() = 0;

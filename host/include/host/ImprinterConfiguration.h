@@ -54,7 +54,7 @@ public:
     /// Removes a member at once.
     virtual void deleteConfiguration(const std::shared_ptr<ImprinterConfiguration>& member) = 0;
 
-    /// A fresh font run, not yet part of the title.
+    /// Makes a run that the title does not hold so far; the pane puts it there.
     virtual std::shared_ptr<ImprinterFont> createFontToken() = 0;
 
     /// A number of `DuplicateRecord`.

@@ -12,7 +12,8 @@ Toolkit::~Toolkit() = default;
 
 namespace {
 
-/// Throws `std::runtime_error` where the library is missing or another one.
+/// Throws `std::runtime_error` where the library cannot be opened or does not offer what is asked for. Whether it is of
+/// the same version is not looked at: the layer's libraries are installed together.
 Toolkit& load() {
     // Looked for beside this library. It stays for good: what it has made may outlive any owner of it.
     void* const library = dlopen(IMPRINTER_TOOLKIT, RTLD_NOW | RTLD_LOCAL);

@@ -5,6 +5,8 @@
 
 namespace platform {
 
+class NSBundle;
+
 /// What an interface file held.
 struct NibContents {
     /// The file's root in its frame; null where the file could not be read.
@@ -17,8 +19,8 @@ struct NibContents {
 };
 
 /// Loads the interface file `name` (a `.ui` file of the bundle) for `owner`: makes its views, connects outlets and
-/// actions, then sends `awakeFromNib` to every object.
-class NSBundle;
+/// actions, then sends `awakeFromNib` to every object. Without a `QApplication` nothing is loaded, and a problem says
+/// so. Throws `std::runtime_error` where the toolkit's library is missing or broken.
 NibContents loadNibNamedOwner(const NSBundle& bundle, const std::u16string& name,
                               const std::shared_ptr<NSObject>& owner);
 

@@ -24,7 +24,8 @@ public:
     /// The bundle's "NSMainNibFile"; "Main" where it names none.
     std::u16string mainNibName() const;
     /// Loads the interface file, takes its content as main view and sends `mainViewDidLoad`. Answers the main view,
-    /// null where the file could not be read.
+    /// null where the file could not be read. Throws `std::runtime_error` where the toolkit's library is missing or
+    /// broken, and whatever `mainViewDidLoad` does.
     std::shared_ptr<NSView> loadMainView();
     const std::shared_ptr<NSView>& mainView() const { return m_mainView; }
     /// What was wrong with the interface file; empty where all is connected.

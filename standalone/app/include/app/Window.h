@@ -14,8 +14,9 @@ inline constexpr int noDisplay = 5;
 int runWindow(int& argc, char** argv, const std::filesystem::path& store,
               const std::vector<std::filesystem::path>& documents = {});
 
-/// Leaves pictures in `folder`, made if it is not there: each page of the pane, the stamped sample page and a stamped
-/// PDF; prints their paths. Answers the program's exit status.
+/// Draws the window without showing it: one picture for every page of the pane, and what stamping makes of the sample
+/// as a picture and as a PDF, all in `folder`, which is made where it is missing. Prints the paths of the files.
+/// Answers the program's exit status.
 int drawPictures(int& argc, char** argv, const std::filesystem::path& store, const std::filesystem::path& folder);
 
 /// What the window's library offers, by a function of the name `windowEntry` that answers a pointer to it.

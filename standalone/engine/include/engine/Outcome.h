@@ -10,7 +10,8 @@ namespace engine {
 enum class Code {
     ok,
     unreadable,      ///< The input cannot be opened or read.
-    unsupported,     ///< The input is no kind of file that can be stamped.
+    otherKind,       ///< The input is no kind of file that can be stamped, whatever its name says.
+    unsupported,     ///< The input is of a known kind, in a form that cannot be stamped.
     damaged,         ///< The input is of a known kind, but broken.
     encrypted,       ///< The password is missing or wrong.
     notPermitted,    ///< The document forbids changes, and the owner's password was not given.
