@@ -34,6 +34,8 @@ QString textFor(engine::Code code, bool triedPassword) {
         return text(u"The document is certified; a stamp would break that.");
     case Code::tooLarge:
         return text(u"The picture is too large.");
+    case Code::noMemory:
+        return text(u"There is not enough memory for this file.");
     case Code::nothingToStamp:
         return text(u"There is nothing to stamp on any page.");
     case Code::sameFile:

@@ -78,6 +78,10 @@ std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments
         const auto equals = argument.find('=');
         const auto name = argument.substr(0, equals);
         if (contains(withValue, name)) {
+            if (sorted.has(name) && !contains({"--configuration", "--pages"}, name)) {
+                problem = name + " is given twice";
+                return std::nullopt;
+            }
             if (equals == std::string::npos && i + 1 == arguments.size()) {
                 problem = name + " needs a value";
                 return std::nullopt;

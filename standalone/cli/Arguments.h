@@ -28,8 +28,8 @@ struct Arguments {
 };
 
 /// Sorts `arguments`: an option has a value as its next argument or after "=", what follows "--" are files, and so is
-/// "-". None, with the sentence in `problem`, where there is an option that is none of `withValue` and `switches`, or
-/// one without its value.
+/// "-". None, with the sentence in `problem`, where there is an option that is none of `withValue` and `switches`, one
+/// without its value, or one twice that has but one.
 std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments,
                                        const std::vector<std::string>& withValue,
                                        const std::vector<std::string>& switches, std::string& problem);

@@ -24,6 +24,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <system_error>
 #include <thread>
 
 #include <fcntl.h>
@@ -106,35 +107,38 @@ private:
     std::optional<files::PrivateFolder> m_folder;
 };
 
-bool copyAll(int from, int to) {
+enum class Copied { all, notRead, notWritten };
+
+Copied copyAll(int from, int to) {
     std::vector<char> buffer(64 * 1024);
     for (;;) {
         if (!awaitInput(from))
-            return false;
+            return Copied::notRead;
         const auto got = ::read(from, buffer.data(), buffer.size());
         if (got == 0)
-            return true;
+            return Copied::all;
         if (got < 0)
-            return false;
+            return Copied::notRead;
         for (ssize_t at = 0; at < got;) {
             const auto put = ::write(to, buffer.data() + at, static_cast<std::size_t>(got - at));
             if (put < 0 && errno == EINTR && !isInterrupted)
                 continue;
             if (put < 0)
-                return false;
+                return Copied::notWritten;
             at += put;
         }
     }
 }
 
 /// Copies between a file and a descriptor; `writing` for one into the file.
-bool copyFile(const fs::path& file, int descriptor, bool writing) {
+Copied copyFile(const fs::path& file, int descriptor, bool writing) {
+    const auto failed = writing ? Copied::notWritten : Copied::notRead;
     const int own =
         ::open(file.c_str(), writing ? O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC : O_RDONLY | O_CLOEXEC, 0600);
     if (own < 0)
-        return false;
-    const bool copied = writing ? copyAll(descriptor, own) : copyAll(own, descriptor);
-    return ::close(own) == 0 && copied;
+        return failed;
+    const auto copied = writing ? copyAll(descriptor, own) : copyAll(own, descriptor);
+    return ::close(own) != 0 && copied == Copied::all ? failed : copied;
 }
 
 std::string inQuotes(const std::string& text) {
@@ -253,6 +257,8 @@ const char* nameOf(engine::Code code) {
         return "certified";
     case Code::tooLarge:
         return "tooLarge";
+    case Code::noMemory:
+        return "noMemory";
     case Code::nothingToStamp:
         return "nothingToStamp";
     case Code::nothingToRemove:
@@ -437,8 +443,15 @@ private:
                 return complain(cannotWrite, "a folder for temporary files cannot be made");
             if (file.input.empty()) {
                 file.input = m_pipes.path() / "input";
-                if (!copyFile(file.input, STDIN_FILENO, true))
-                    return isInterrupted ? interrupted : complain(badInput, "standard input: The file cannot be read.");
+                const auto copied = copyFile(file.input, STDIN_FILENO, true);
+                if (copied != Copied::all && isInterrupted)
+                    return interrupted;
+                if (copied == Copied::notRead)
+                    return complain(badInput, "standard input: The file cannot be read.");
+                if (copied == Copied::notWritten)
+                    return complain(cannotWrite, "the standard input cannot be kept in " +
+                                                     file.input.parent_path().string() + ": " +
+                                                     std::generic_category().message(errno));
             }
             if (file.output.empty())
                 file.output = m_pipes.path() / "output";
@@ -470,8 +483,12 @@ private:
         if (m_jobs > 1)
             engine::prepareForThreads();
         std::vector<std::thread> others;
-        for (std::size_t i = 1; i < m_jobs; ++i)
-            others.emplace_back(takeTurns);
+        try {
+            for (std::size_t i = 1; i < m_jobs; ++i)
+                others.emplace_back(takeTurns);
+        } catch (const std::system_error&) {
+            // Fewer take longer, and do the same.
+        }
         takeTurns();
         for (auto& other : others)
             other.join();
@@ -481,6 +498,20 @@ private:
     }
 
     void workOn(std::size_t number) {
+        const auto& file = m_files[number];
+        try {
+            report(file, outcomeOf(number));
+        } catch (const std::exception&) {
+            // All that may fail beyond the work itself takes memory.
+            engine::Outcome outcome;
+            outcome.code = engine::Code::noMemory;
+            outcome.sentence = "There is not enough memory for this file.";
+            outcome.path = file.input;
+            report(file, outcome);
+        }
+    }
+
+    engine::Outcome outcomeOf(std::size_t number) {
         const auto& file = m_files[number];
         auto job = m_job;
         job.input = file.input;
@@ -494,13 +525,13 @@ private:
             return !isInterrupted;
         };
         auto outcome = m_task == Task::stamp ? engine::stampFile(job) : engine::unstampFile(job);
-        if (outcome && m_toStdout && !m_job.dryRun && !copyFile(file.output, STDOUT_FILENO, false)) {
+        if (outcome && m_toStdout && !m_job.dryRun && copyFile(file.output, STDOUT_FILENO, false) != Copied::all) {
             outcome.code = isInterrupted ? engine::Code::cancelled : engine::Code::cannotWrite;
             outcome.sentence = "The output cannot be written.";
             outcome.path = file.output;
         }
         m_progress->tell(number, 1);
-        report(file, outcome);
+        return outcome;
     }
 
     void report(const File& file, const engine::Outcome& outcome) {

@@ -110,12 +110,20 @@ void appendTitle(std::vector<host::TitleToken>& tokens, const std::u16string& ti
     endText();
 }
 
+constexpr const char* usualPosition = "top-right";
+
+/// What a title's stamp is found by when it is to be replaced. Its text may be corrected and its looks may change; at
+/// another place it is another stamp.
+std::u16string identifierAt(const std::string& position) {
+    return u"stamped-from-the-command-line-" + fromUtf8(position.empty() ? usualPosition : position);
+}
+
 /// Reads the options one by one into a configuration.
 class Reader {
 public:
     Reader(const Arguments& arguments, std::string& problem)
         : m_arguments(arguments), m_problem(problem),
-          m_made(model::Configuration::makeWithID(u"stamped-from-the-command-line", false)) {}
+          m_made(model::Configuration::makeWithID(identifierAt(arguments.value("--position")), false)) {}
 
     std::shared_ptr<model::Configuration> read() {
         m_made->setName(u"--title");
@@ -165,7 +173,7 @@ private:
     }
 
     bool readPlace() {
-        const auto position = choice("--position", positions, "top-right");
+        const auto position = choice("--position", positions, usualPosition);
         const auto degrees = number(
             "--rotate", 0, [](double) { return true; }, "a number of degrees");
         if (!position || !degrees)

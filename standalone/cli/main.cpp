@@ -4,6 +4,8 @@
 
 #include <store/Store.h>
 
+#include <QString>
+
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -19,6 +21,12 @@ void keepMemory() {
     mallopt(M_TRIM_THRESHOLD, 4 * largestKept);
     // Small pieces that are kept apart for speed are all joined whenever a large one is asked for.
     mallopt(M_MXFAST, 0);
+}
+
+/// Keeps to itself what libraries say about files: what a person needs to know of it stands in the program's own lines.
+void sayNothing(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtFatalMsg)
+        std::cerr << "imprinter: " << message.toStdString() << '\n';
 }
 
 /// Answers the exit status.
@@ -66,6 +74,7 @@ int main(int argc, char** argv) {
         }
         if (work) {
             keepMemory();
+            qInstallMessageHandler(sayNothing);
             return work(store, arguments);
         }
         if (command == "open" && !arguments.empty() && arguments.front().starts_with("-")) {

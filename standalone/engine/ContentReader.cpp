@@ -44,7 +44,8 @@ std::string decodedStream(QPDFObjectHandle stream, Flate& flate) {
 
 ContentReader::ContentReader(std::string_view bytes, bool aside) : m_bytes(bytes) {
     if (aside && !bytes.empty())
-        m_worker = std::async(std::launch::async, [this] { work(); });
+        // Where there can be no thread more, all is read when it is waited for.
+        m_worker = std::async(std::launch::async | std::launch::deferred, [this] { work(); });
 }
 
 ContentReader::~ContentReader() {
@@ -120,6 +121,17 @@ std::size_t ContentReader::add(std::string text) {
     return m_contents.size() - 1;
 }
 
+std::size_t ContentReader::add(const std::vector<QPDFObjectHandle>& streams, std::string tail) {
+    auto& content = m_contents.emplace_back();
+    for (const auto& stream : streams) {
+        content.streams.push_back(stream.getObjGen());
+        m_document = stream.getOwningQPDF();
+    }
+    content.tail = std::move(tail);
+    content.isUnread = true;
+    return m_contents.size() - 1;
+}
+
 void ContentReader::work() {
     Flate flate;
     std::string buffer;
@@ -161,8 +173,10 @@ void ContentReader::readThroughLibrary(PageContent& content, const std::vector<Q
             text += '\n';
         }
     } catch (const QPDFExc&) {
-        return; // What cannot be decoded cannot be mended either.
+        content.isUnread = true; // and cannot be mended
+        return;
     }
+    content.isUnread = false;
     judge(text, content);
 }
 

@@ -24,6 +24,8 @@ struct PageContent {
     std::string closing; ///< See `ContentBalance`.
     /// In place of the streams: content without the restores that nothing was saved for, or without stamps it had.
     std::optional<std::string> text;
+    std::optional<std::string> tail; ///< Content that follows the streams.
+    bool isUnread = false;           ///< Whether streams could not be decoded, so that nothing is known of them.
 
     bool isEmpty() const { return streams.empty() && !text; }
 };
@@ -44,6 +46,10 @@ public:
 
     /// Takes content that is in no stream of the file.
     std::size_t add(std::string text);
+
+    /// Takes a page's streams, some of which cannot be decoded, and content that follows them and is balanced with
+    /// them.
+    std::size_t add(const std::vector<QPDFObjectHandle>& streams, std::string tail);
 
     /// Waits until all is read. With `distrusted` everything is read once more through the library, since offsets
     /// turned out not to be what they seemed.

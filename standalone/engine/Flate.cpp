@@ -22,6 +22,11 @@ void setInput(z_stream& stream, std::string_view bytes) {
 
 } // namespace
 
+std::uint32_t checkSum(std::string_view bytes) {
+    return static_cast<std::uint32_t>(
+        ::crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<z_size_t>(bytes.size())));
+}
+
 struct Flate::Streams {
     z_stream deflating{};
     z_stream inflating{};

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace engine {
+
+/// The CRC-32 of ISO 3309.
+std::uint32_t checkSum(std::string_view bytes);
 
 /// Deflates and inflates many small pieces, with one set of tables for all of them.
 class Flate {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <future>
+#include <new>
 
 #include <jpeglib.h>
 
@@ -20,6 +21,8 @@ namespace {
 [[noreturn]] void failJpeg(j_common_ptr info) {
     if (info->err->msg_code == JERR_IMAGE_TOO_BIG)
         throw Failure(Code::tooLarge, "The picture has more than 100 million pixels.");
+    if (info->err->msg_code == JERR_OUT_OF_MEMORY)
+        throw std::bad_alloc();
     static const int unknown[] = {JERR_BAD_PRECISION, JERR_SOF_UNSUPPORTED,    JERR_ARITH_NOTIMPL,
                                   JERR_NOT_COMPILED,  JERR_CONVERSION_NOTIMPL, JERR_NOTIMPL};
     if (std::find(std::begin(unknown), std::end(unknown), info->err->msg_code) != std::end(unknown))
@@ -132,8 +135,7 @@ QImage decode(jpeg_decompress_struct& info) {
     jpeg_start_decompress(&info);
     QImage image(static_cast<int>(info.output_width), static_cast<int>(info.output_height),
                  grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-    if (image.isNull())
-        throw Failure(Code::tooLarge, "There is not enough memory for the picture.");
+    requireMemory(image);
     while (info.output_scanline < info.output_height) {
         JSAMPROW row = image.scanLine(static_cast<int>(info.output_scanline));
         jpeg_read_scanlines(&info, &row, 1);
@@ -214,8 +216,12 @@ std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image,
             continue;
         if (!info.quant_tbl_ptrs[i])
             info.quant_tbl_ptrs[i] = jpeg_alloc_quant_table(reinterpret_cast<j_common_ptr>(&info));
-        std::memcpy(info.quant_tbl_ptrs[i]->quantval, file.quant_tbl_ptrs[i]->quantval,
-                    sizeof info.quant_tbl_ptrs[i]->quantval);
+        // The encoder multiplies by 8 in 16 bits. No coefficient is half as large as this limit, so that what is above
+        // it gives the same: 0.
+        static constexpr UINT16 most = 0xFFFF / 8;
+        std::transform(std::begin(file.quant_tbl_ptrs[i]->quantval), std::end(file.quant_tbl_ptrs[i]->quantval),
+                       std::begin(info.quant_tbl_ptrs[i]->quantval),
+                       [](UINT16 value) { return std::min(value, most); });
     }
     for (int i = 0; i < info.num_components; ++i) {
         info.comp_info[i].h_samp_factor = file.comp_info[i].h_samp_factor;
@@ -241,6 +247,13 @@ std::string encodePatch(const jpeg_decompress_struct& file, const QImage& image,
     }
     jpeg_finish_compress(&info);
     return compressor.bytes();
+}
+
+/// Refuses tables that divide by zero; to be asked when the whole file has been read, since they may stand in any part.
+void requireTables(const jpeg_decompress_struct& file) {
+    for (const auto* table : file.quant_tbl_ptrs)
+        if (table && std::count(std::begin(table->quantval), std::end(table->quantval), 0) > 0)
+            throw Failure(Code::damaged, "The picture is damaged.");
 }
 
 /// The pixels of these units and nothing else, from the coefficients that the file has for them.
@@ -339,6 +352,7 @@ DecodedPicture decodeJpeg(std::string_view file) {
         }
     }
     image.convertTo(QImage::Format_RGB32);
+    requireMemory(image);
     return {image, geometry};
 }
 
@@ -420,6 +434,7 @@ std::string patched(Decompressor& source, Coefficients coefficients, std::string
     // 2. The file's coefficients, those of the touched units replaced. Pixels of subsampled colour depend on the units
     //    beside them, which are decoded too.
     jvirt_barray_ptr* const blocks = coefficients.get();
+    requireTables(source.info);
     const QRect around = units.adjusted(-1, -1, 1, 1) & QRect(0, 0, grid.columns, grid.rows);
     const QPoint corner(around.left() * grid.width, around.top() * grid.height);
     QImage image = decodeUnits(source, blocks, grid, around);

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <mutex>
 
@@ -58,7 +59,8 @@ MappedFile::MappedFile(const std::filesystem::path& path) : m_descriptor(path), 
         return;
     void* const start = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, m_descriptor, 0);
     if (start == MAP_FAILED) // NOLINT(performance-no-int-to-ptr): the system's own constant
-        throw Failure(Code::unreadable, "The file cannot be read.");
+        throw errno == ENOMEM ? Failure(Code::noMemory, "There is not enough memory for this file.")
+                              : Failure(Code::unreadable, "The file cannot be read.");
     m_bytes = {static_cast<const char*>(start), size};
     watchForTheEnd();
     for (auto& range : ranges) {

@@ -115,6 +115,8 @@ void PageWriter::appendContent(const PageContent& content, std::string& contents
     }
     for (const auto& stream : content.streams)
         contents += std::to_string(stream.getObj()) + ' ' + std::to_string(stream.getGen()) + " R ";
+    if (content.tail)
+        contents += addStream(*content.tail) + ' ';
 }
 
 std::string PageWriter::addStream(const std::string& content) {

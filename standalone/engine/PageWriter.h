@@ -19,6 +19,7 @@ public:
         QPDFObjectHandle object;
         QPDFObjectHandle resources; ///< Its own or inherited.
         PageGeometry geometry;
+        bool isRead = false;         ///< Whether it has:
         std::size_t content = 0;     ///< Of the reader; without removed stamps.
         std::set<std::string> drops; ///< Names that its resources shall lose.
         std::set<std::string> keeps; ///< Names of stamps that stay on it.

@@ -20,6 +20,7 @@
 #include <qpdf/QUtil.hh>
 
 #include <algorithm>
+#include <cstring>
 #include <future>
 #include <memory>
 
@@ -56,6 +57,8 @@ bool certifies(QPDFObjectHandle signature) {
     return false;
 }
 
+constexpr int kDeepestField = 16;
+
 /// Looks for signatures that were given among these form fields and the fields below them. A field's kind, and its
 /// value, hold for those below it.
 void findSignatures(QPDFObjectHandle fields, bool below, int levels, Signatures& found) {
@@ -75,22 +78,53 @@ void findSignatures(QPDFObjectHandle fields, bool below, int levels, Signatures&
     }
 }
 
-Signatures signaturesOf(QPDFObjectHandle root) {
+/// Looks for signatures among the annotations of a page: readers know a field by its place on a page too, where the
+/// form has forgotten it. Kind and value may be said by a field above.
+void findSignatures(QPDFObjectHandle annotations, Signatures& found) {
+    if (!annotations.isArray())
+        return;
+    for (auto annotation : annotations.getArrayAsVector()) {
+        auto kind = QPDFObjectHandle::newNull();
+        auto value = QPDFObjectHandle::newNull();
+        int levels = kDeepestField;
+        for (auto field = annotation; field.isDictionary() && levels > 0; field = field.getKey("/Parent"), --levels) {
+            kind = kind.isNull() ? field.getKey("/FT") : kind;
+            value = value.isNull() ? field.getKey("/V") : value;
+        }
+        if (!kind.isNameAndEquals("/Sig") || !value.isDictionary())
+            continue;
+        found.present = true;
+        found.certifying = found.certifying || certifies(value);
+    }
+}
+
+/// Whether a document may be signed at all. What a signature covers is said by offsets in the file, so that the
+/// signature itself is never compressed.
+bool mayBeSigned(std::string_view bytes) {
+    const auto has = [bytes](std::string_view word) {
+        return ::memmem(bytes.data(), bytes.size(), word.data(), word.size()) != nullptr;
+    };
+    return has("/Sig") || has("/ByteRange");
+}
+
+Signatures signaturesOf(QPDF& document, std::string_view bytes) {
+    auto root = document.getRoot();
     Signatures found;
     auto permissions = root.getKey("/Perms");
     found.certifying = permissions.isDictionary() && permissions.hasKey("/DocMDP");
     auto form = root.getKey("/AcroForm");
     // The form's flags say that there is a field for a signature, not that anybody signed.
-    constexpr int deepest = 16;
     if (form.isDictionary())
-        findSignatures(form.getKey("/Fields"), false, deepest, found);
+        findSignatures(form.getKey("/Fields"), false, kDeepestField, found);
+    if (!found.present && mayBeSigned(bytes))
+        for (auto page : document.getAllPages())
+            findSignatures(page.getKey("/Annots"), found);
     return found;
 }
 
-void refuseWhatMustNotChange(QPDF& document, const StampJob& job) {
+void refuseWhatMustNotChange(QPDF& document, const Signatures& signatures, const StampJob& job) {
     if (document.isEncrypted() && !document.ownerPasswordMatched() && !document.allowModifyOther())
         throw Failure(Code::notPermitted, "The document forbids changes; its owner's password lifts that.");
-    const auto signatures = signaturesOf(document.getRoot());
     if (signatures.certifying)
         throw Failure(Code::certified, "The document is certified; a stamp would break that.");
     if (!job.allowSigned && signatures.present)
@@ -123,14 +157,16 @@ std::size_t statedPageCount(QPDF& document, std::string_view bytes) {
                : 0;
 }
 
+/// On a thread of its own; where there can be none, when it is asked for.
+constexpr auto kAside = std::launch::async | std::launch::deferred;
+
 /// A press at work on a thread of its own, which ends with this object.
 class PressRun {
 public:
     PressRun(const std::vector<StampPlan>& plans, const Facts& facts, FaceLibrary& faces, const StampJob& job,
              std::size_t pageCount, bool aside)
         : m_pageCount(pageCount), m_press(plans, facts, faces, job.dryRun),
-          m_done(std::async(aside ? std::launch::async : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {
-    }
+          m_done(std::async(aside ? kAside : std::launch::deferred, [this] { m_press.run(m_pageCount); })) {}
     ~PressRun() {
         m_press.stop();
         if (m_done.valid())
@@ -172,7 +208,9 @@ public:
         m_document.setSuppressWarnings(true);
         m_document.processMemoryFile(m_job.input.c_str(), bytes.data(), bytes.size(), m_job.password.c_str());
         m_linearized = m_document.isLinearized();
-        refuseWhatMustNotChange(m_document, m_job);
+        const auto signatures = signaturesOf(m_document, bytes);
+        m_isSigned = signatures.present;
+        refuseWhatMustNotChange(m_document, signatures, m_job);
 
         FaceLibrary faces(m_job.defaultFont);
         std::vector<StampPlan> plans;
@@ -229,29 +267,35 @@ public:
             source.keeps = std::move(content.kept);
             if (!isChosen[i] && !content.found)
                 continue;
-            source.content = content.text ? reader->add(std::move(*content.text))
-                                          : reader->add(content.found ? content.streams : streams);
+            source.isRead = true;
+            source.content = content.text   ? reader->add(std::move(*content.text))
+                             : content.tail ? reader->add(content.streams, std::move(*content.tail))
+                                            : reader->add(content.found ? content.streams : streams);
         }
         m_removes = std::find(stripped.begin(), stripped.end(), true) != stripped.end();
         reader->finish(m_document.anyWarnings());
+        tellOfUnread(*reader, sources);
         StampPress* stamps = nullptr;
         std::size_t changed = 0;
         if (m_task == Task::stamp) {
             stamps = &press->finish();
             m_report.sentences.insert(stamps->report().sentences.begin(), stamps->report().sentences.end());
             changed = stamps->stampedPages();
-            if (changed == 0)
-                throw Failure(Code::nothingToStamp, "There is nothing to stamp on any page of the document.");
+            if (changed == 0) {
+                const bool chosen = std::find(isChosen.begin(), isChosen.end(), true) != isChosen.end();
+                throw nothingToStamp(chosen, m_job.pages.has_value(), m_report,
+                                     "There is nothing to stamp on any page of the document.");
+            }
         } else {
             changed = static_cast<std::size_t>(std::count(stripped.begin(), stripped.end(), true));
             if (changed == 0)
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }
 
+        if (stamps)
+            checkFit(*stamps, plans, sources);
         if (m_job.dryRun) {
             mayUpdate(); // refuses what could only be written in a way that was not allowed
-            if (stamps)
-                checkFit(*stamps, plans, sources);
             tellOfDamage();
             return changed;
         }
@@ -294,6 +338,16 @@ private:
             m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
     }
 
+    void tellOfUnread(const ContentReader& reader, const std::vector<PageWriter::Page>& sources) {
+        std::set<std::size_t> pages;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            if (sources[i].isRead && reader.content(sources[i].content).isUnread)
+                pages.insert(i + 1);
+        if (!pages.empty())
+            m_report.sentences.insert("The content of " + namedPages(pages) +
+                                      " cannot be decoded; the stamp may not look as it should.");
+    }
+
     void checkFit(StampPress& stamps, const std::vector<StampPlan>& plans,
                   const std::vector<PageWriter::Page>& sources) {
         FitCheck fit;
@@ -304,27 +358,26 @@ private:
                 const auto page = shownSize(sources[i].geometry);
                 fit.look(i + 1, form.ink, placeStamp(form.size, page, plan.anchor, plan.offset, plan.degrees), page);
             }
-        fit.tell(m_report);
+        fit.tell(m_report, m_job.dryRun);
     }
 
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
-        const bool isSigned = signaturesOf(m_document.getRoot()).present;
-        if (m_job.saving == Saving::rewrite && !isSigned)
+        if (m_job.saving == Saving::rewrite && !m_isSigned)
             return false;
         bool possible = PdfUpdate::isPossible(m_document, m_file.bytes());
         // A page that stands twice in the tree became an object that the file does not have.
         const auto size = m_document.getTrailer().getKey("/Size").getIntValue();
         for (const auto& page : m_document.getAllPages())
             possible = possible && page.getObjectID() < size;
-        if (isSigned && !possible)
+        if (m_isSigned && !possible)
             throw Failure(Code::isSigned, "The document is signed and can only be written anew, which would make its "
                                           "signatures invalid.");
         if (m_job.saving == Saving::update && !possible)
             throw Failure(Code::unsupported, "The document cannot be updated incrementally.");
         // What is removed shall not stay in the file, which would grow with each replacement.
         const bool isBetter = !m_linearized && !m_removes;
-        return possible && (isSigned || m_job.saving == Saving::update || isBetter);
+        return possible && (m_isSigned || m_job.saving == Saving::update || isBetter);
     }
 
     template <class Write>
@@ -380,6 +433,7 @@ private:
     MappedFile m_file;
     QPDF m_document;
     bool m_linearized = false;
+    bool m_isSigned = false;
     bool m_removes = false; ///< Whether a page loses stamps.
 };
 

@@ -53,6 +53,12 @@ private:
 
 } // namespace
 
+Failure nothingToStamp(bool chosen, bool listed, const Report& report, const std::string& otherwise) {
+    if (chosen && report.sentences.empty())
+        return {Code::nothingToStamp, "The title is empty."};
+    return {Code::nothingToStamp, listed && !chosen ? "The page list names no page of the file." : otherwise};
+}
+
 std::string readWhole(const std::filesystem::path& path, std::optional<InputState>& state) {
     const InputFile file(path);
     state.emplace(file);

@@ -24,6 +24,10 @@ private:
     Code m_code;
 };
 
+/// Why nothing is stamped. `chosen`: whether there is a page that was to be, so that the title is the reason, unless
+/// `report` has one; `listed`: whether the run names its pages itself; `otherwise`: the sentence for all else.
+Failure nothingToStamp(bool chosen, bool listed, const Report& report, const std::string& otherwise);
+
 /// What a run stamps onto a picture, in order: each stamp with its way to the page as shown.
 struct PicturePart {
     std::shared_ptr<const Stamp> stamp;

@@ -10,6 +10,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <unordered_map>
 
@@ -91,6 +92,7 @@ bool isGrey(const Stamp& stamp) {
 /// `image` with a palette of its own colours; a null image if it has more than 256.
 QImage withPalette(const QImage& image) {
     QImage result(image.size(), QImage::Format_Indexed8);
+    requireMemory(result);
     QList<QRgb> colours;
     std::unordered_map<QRgb, uchar> indices;
     for (int y = 0; y < image.height(); ++y) {
@@ -137,21 +139,29 @@ QImage decode(const std::vector<Chunk>& chunks) {
     QByteArray bytes(kSignature.data(), static_cast<qsizetype>(kSignature.size()));
     for (const auto& chunk : chunks)
         if (chunk.type == "IHDR" || chunk.type == "PLTE" || chunk.type == "IDAT" || chunk.type == "IEND" ||
-            (chunk.type == "tRNS" && !clear))
+            (chunk.type == "tRNS" && !clear)) {
+            // About a wrong sum the reader would speak up as well.
+            if (checkSum(chunk.whole.substr(4, 4 + chunk.data.size())) != bigEndian(chunk.whole, 8 + chunk.data.size()))
+                throw Failure(Code::damaged, "The picture is damaged.");
             bytes.append(chunk.whole.data(), static_cast<qsizetype>(chunk.whole.size()));
+        }
     // The limit of our own is the one that counts; the reader's would refuse pictures well below it.
     QImageReader::setAllocationLimit(1024);
     QBuffer source(&bytes);
     source.open(QIODevice::ReadOnly);
-    QImage image = QImageReader(&source, "png").read();
-    if (image.isNull())
+    QImageReader reader(&source, "png");
+    QImage image = reader.read();
+    if (image.isNull()) {
+        requireMemory(QImage(reader.size(), reader.imageFormat()));
         throw Failure(Code::damaged, "The picture is damaged.");
+    }
     if (!clear)
         return image;
 
     // 2. What is clear keeps its colour.
     const bool deep = image.format() == QImage::Format_Grayscale16 || image.depth() == 64;
     image.convertTo(deep ? QImage::Format_RGBA64 : QImage::Format_ARGB32);
+    requireMemory(image);
     const QRgb shallow = clear->toArgb32();
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
@@ -184,7 +194,7 @@ std::string profileSpace(const std::vector<Chunk>& chunks) {
 /// What may be copied although pixels and colour type changed.
 bool staysTrue(std::string_view type, bool sameColourType) {
     static const std::string_view pixels[] = {"IHDR", "PLTE", "tRNS", "IDAT", "IEND", "hIST"};
-    static const std::string_view ofColourType[] = {"bKGD", "sBIT", "acTL", "fcTL", "fdAT"};
+    static const std::string_view ofColourType[] = {"bKGD", "sBIT"};
     if (std::find(std::begin(pixels), std::end(pixels), type) != std::end(pixels))
         return false;
     return sameColourType ||
@@ -198,6 +208,7 @@ DecodedPicture decodePng(std::string_view file) {
     const auto geometry = geometryOf(chunks);
     const QImage decoded = decode(chunks);
     QImage image(decoded.size(), QImage::Format_RGB32);
+    requireMemory(image);
     image.fill(Qt::white);
     QPainter(&image).drawImage(0, 0, decoded);
     return {image, geometry};
@@ -208,6 +219,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
     const auto geometry = geometryOf(chunks);
     if (chunks.back().type != "IEND")
         throw Failure(Code::damaged, "The picture breaks off before its end.");
+    if (std::any_of(chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.type == "acTL"; }))
+        throw Failure(Code::unsupported, "An animated picture cannot be stamped.");
     QImage image = decode(chunks);
 
     const auto parts = partsFor(geometry);
@@ -230,13 +243,14 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
         image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     }
 
+    requireMemory(image);
     const Matrix pixels = pixelsFromShown(geometry);
     for (const auto& part : parts)
         blend(paintStamp(*part.stamp, part.shownFromStamp.then(pixels), image.size(), deep), image);
 
     if (paletted && !staysGrey) {
         if (profile.empty() && !image.hasAlphaChannel() && isGrey(image))
-            image.convertTo(QImage::Format_Grayscale8);
+            image.convertTo(QImage::Format_Grayscale8), requireMemory(image);
         else if (const auto smaller = withPalette(image); !smaller.isNull())
             image = smaller;
     }
@@ -244,8 +258,8 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
     QBuffer target(&encoded);
     target.open(QIODevice::WriteOnly);
     QImageWriter writer(&target, "png");
-    if (!writer.write(image))
-        throw Failure(Code::cannotWrite, "The picture cannot be encoded.");
+    if (!writer.write(image)) // into memory, which is all that it can lack
+        throw std::bad_alloc();
 
     // Everything about the picture but its pixels is taken over as it stands.
     const std::string_view fresh(encoded.constData(), static_cast<std::size_t>(encoded.size()));

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace engine {
 
@@ -133,6 +134,11 @@ double luma(T red, T green, T blue) {
 
 } // namespace
 
+void requireMemory(const QImage& image) {
+    if (image.isNull())
+        throw std::bad_alloc();
+}
+
 Patch paintStamp(const Stamp& stamp, const Matrix& pixelsFromStamp, QSize picture, bool deep) {
     const Box bounds = pixelsFromStamp.map(stamp.ink);
     // One pixel of antialiasing on each side, and no number that does not fit an int.
@@ -148,6 +154,7 @@ Patch paintStamp(const Stamp& stamp, const Matrix& pixelsFromStamp, QSize pictur
         return {};
     Patch patch{area,
                 QImage(area.size(), deep ? QImage::Format_RGBA64_Premultiplied : QImage::Format_ARGB32_Premultiplied)};
+    requireMemory(patch.pixels);
     patch.pixels.fill(Qt::transparent);
     QPainter painter(&patch.pixels);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -20,4 +20,7 @@ Patch paintStamp(const Stamp& stamp, const Matrix& pixelsFromStamp, QSize pictur
 /// clear keep their exact value.
 void blend(const Patch& patch, QImage& target);
 
+/// Throws std::bad_alloc for a picture that has no pixels because there was no memory for them.
+void requireMemory(const QImage& image);
+
 } // namespace engine

@@ -77,11 +77,32 @@ std::u16string turnedForExtractors(const std::u32string& text) {
     return units;
 }
 
+/// Whether a line has several words and each is one character: extractors take the spaces between them for letter
+/// spacing.
+bool hasLineOfLetters(const std::u32string& characters) {
+    std::size_t words = 0;
+    bool longer = false;
+    char32_t before = U' ';
+    for (const char32_t character : characters + U'\n') {
+        if (character == U'\n') {
+            if (words > 1 && !longer)
+                return true;
+            words = 0;
+            longer = false;
+        } else if (character != U' ') {
+            words += before == U' ' || before == U'\n' ? 1 : 0;
+            longer = longer || (before != U' ' && before != U'\n');
+        }
+        before = character;
+    }
+    return false;
+}
+
 } // namespace
 
 std::optional<std::u16string> spellingOf(const Stamp& stamp, bool askew) {
     const auto characters = charactersOf(stamp.text);
-    bool needed = askew;
+    bool needed = askew || hasLineOfLetters(characters);
     std::size_t right = 0;
     char32_t before = U' ';
     for (const char32_t character : characters) {

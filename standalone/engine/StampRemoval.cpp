@@ -48,6 +48,18 @@ bool onlyCloses(std::string_view text) {
     return true;
 }
 
+/// How many of the first `count` streams, from the first one on, do nothing but save the state.
+std::size_t savesBefore(const std::vector<QPDFObjectHandle>& streams, std::size_t count, Flate& flate) {
+    std::size_t saves = 0;
+    try {
+        while (saves < count && decodedStream(streams[saves], flate) == "q\n")
+            ++saves;
+    } catch (const QPDFExc&) {
+        // The first that is not one of them.
+    }
+    return saves;
+}
+
 } // namespace
 
 StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const std::set<std::string>* wanted,
@@ -55,14 +67,18 @@ StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const 
     StrippedContent result;
     std::string text;
     std::vector<std::size_t> starts;
-    try {
-        for (const auto& stream : streams) {
-            starts.push_back(text.size());
+    std::size_t unread = 0; // how many streams there are up to the last one that cannot be decoded
+    for (const auto& stream : streams) {
+        const auto start = text.size();
+        try {
             text += decodedStream(stream, flate);
             text += '\n';
+            starts.push_back(start);
+        } catch (const QPDFExc&) {
+            text.clear();
+            starts.clear();
+            unread = static_cast<std::size_t>(&stream - streams.data()) + 1;
         }
-    } catch (const QPDFExc&) {
-        return result;
     }
     if (text.find(kTag) == std::string::npos)
         return result;
@@ -82,6 +98,20 @@ StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const 
     result.found = true;
     for (const auto& name : result.kept)
         result.names.erase(name);
+
+    if (unread > 0) {
+        for (auto mark = gone.rbegin(); mark != gone.rend(); ++mark)
+            text.erase(mark->begin, mark->end - mark->begin);
+        // With the last of the stamps goes what restores the state behind the content, and what saves it before.
+        const auto saved = savesBefore(streams, unread, flate);
+        const auto restored = static_cast<std::size_t>(std::count(text.begin(), text.end(), 'Q'));
+        const bool unwraps = onlyCloses(text) && restored <= saved;
+        result.streams.assign(streams.begin() + static_cast<std::ptrdiff_t>(unwraps ? restored : 0),
+                              streams.begin() + static_cast<std::ptrdiff_t>(unread));
+        if (!unwraps)
+            result.tail = std::move(text);
+        return result;
+    }
 
     // 1. Where the last stream is nothing but ours, so is the one that saves the state before the page's own.
     std::string last = text.substr(starts.back());

@@ -13,6 +13,7 @@
 #include <QImageReader>
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <system_error>
 
@@ -52,7 +53,10 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be replaced.");
     FaceLibrary faces(job.defaultFont);
     std::optional<std::vector<StampPlan>> plans; // made when a picture asks for them, which may be reading meanwhile
-    const auto nothing = [] { return Failure(Code::nothingToStamp, "There is nothing to stamp on the picture."); };
+    bool chosen = false;
+    const auto nothing = [&] {
+        return nothingToStamp(chosen, job.pages.has_value(), report, "There is nothing to stamp on the picture.");
+    };
     FitCheck fit;
     const PagePartsFor partsForPage = [&](const PictureGeometry& geometry, std::size_t page, std::size_t pageCount) {
         if (!plans)
@@ -66,13 +70,13 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
             const auto pages = plan.pagesOf(pageCount);
             if (!std::binary_search(pages.begin(), pages.end(), page))
                 continue;
+            chosen = true;
             const auto stamp = layOut(plan.appearance, resolveTitle(plan.appearance, facts, report), faces, report);
             if (!stamp)
                 continue;
             const auto shown = shownSize(geometry);
             parts.push_back({stamp, placeStamp(stamp->size, shown, plan.anchor, plan.offset, plan.degrees)});
-            if (job.dryRun)
-                fit.look(page, stamp->ink, parts.back().shownFromStamp, shown);
+            fit.look(page, stamp->ink, parts.back().shownFromStamp, shown);
         }
         if (job.progress && !job.progress(page - 1, pageCount))
             throw Failure(Code::cancelled, "The run was cancelled.");
@@ -94,7 +98,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
         throw nothing();
     if (job.progress && !job.progress(1, 1))
         throw Failure(Code::cancelled, "The run was cancelled.");
-    fit.tell(report);
+    fit.tell(report, job.dryRun);
     if (job.dryRun)
         return pages;
     OutputFile output(job.output, input->mode());
@@ -114,6 +118,27 @@ bool isNoFile(const std::filesystem::path& path) {
     return std::filesystem::is_other(path, none);
 }
 
+/// Runs `work` and puts what it throws into the outcome.
+template <class Work>
+void runGuarded(const StampJob& job, Outcome& outcome, const Work& work) {
+    const auto fail = [&outcome](Code code, const std::string& sentence) {
+        outcome.code = code;
+        outcome.sentence = sentence;
+    };
+    try {
+        work();
+    } catch (const Failure& failure) {
+        fail(failure.code(), failure.what());
+    } catch (const std::system_error& error) {
+        fail(Code::cannotWrite, "The output cannot be written: " + error.code().message() + ".");
+        outcome.path = job.output;
+    } catch (const std::bad_alloc&) {
+        fail(Code::noMemory, "There is not enough memory for this file.");
+    } catch (const std::exception& error) {
+        fail(Code::damaged, std::string("The file cannot be worked on: ") + error.what() + '.');
+    }
+}
+
 /// Runs `work` on the input and turns what it throws into an outcome. It answers the number of pages.
 template <class Work>
 Outcome outcomeOf(const StampJob& job, const Work& work) {
@@ -121,8 +146,11 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
     Outcome outcome;
     outcome.path = job.input;
     const InputState before(job.input);
-    try {
+    runGuarded(job, outcome, [&] {
         // Reading a pipe might wait for ever, and would take from it what somebody else wants.
+        std::error_code none;
+        if (std::filesystem::is_directory(job.input, none))
+            throw Failure(Code::unreadable, "This is a folder.");
         if (isNoFile(job.input))
             throw Failure(Code::unreadable, "This is a pipe or a device, not a file.");
         const auto kind = kindOf(job.input);
@@ -139,14 +167,7 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
         if (hasOtherNames)
             report.sentences.insert("The file has other names too (hard links), under which it is as it was.");
         outcome.path = job.output;
-    } catch (const Failure& failure) {
-        outcome.code = failure.code();
-        outcome.sentence = failure.what();
-    } catch (const std::system_error& error) {
-        outcome.code = Code::cannotWrite;
-        outcome.sentence = "The output cannot be written: " + error.code().message() + ".";
-        outcome.path = job.output;
-    }
+    });
     // What looks damaged, or too short to be copied, may only have been half written.
     if (!outcome && outcome.code != Code::cancelled) {
         try {
@@ -192,7 +213,7 @@ std::size_t countPages(const StampJob& job) {
         default:
             return 1;
         }
-    } catch (const Failure&) {
+    } catch (const std::exception&) {
         return 0; // whoever stamps the file says why
     }
 }

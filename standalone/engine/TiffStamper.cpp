@@ -380,6 +380,9 @@ std::string encode(TIFF* source, const Page& page, const Block& block, bool bigE
         TIFFSetField(out, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
         TIFFSetField(out, TIFFTAG_COMPRESSION, page.compression);
         TIFFSetField(out, TIFFTAG_FILLORDER, field<std::uint16_t>(source, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB));
+        // Encoded anew with loss, all pixels of the block would change.
+        if (page.compression == COMPRESSION_WEBP)
+            TIFFSetField(out, TIFFTAG_WEBP_LOSSLESS, 1);
         std::uint16_t small = 0;
         std::uint32_t large = 0;
         if (TIFFGetField(source, TIFFTAG_PREDICTOR, &small))

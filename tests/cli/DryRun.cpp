@@ -88,7 +88,7 @@ TEST_F(DryRun, APageListThatChoosesNothingIsTold) {
     letter();
     const auto run = dry("stamp --title x --pages 7- --output out.pdf letter.pdf");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.output, "imprinter: letter.pdf: There is nothing to stamp on any page of the document.\n");
+    EXPECT_EQ(run.output, "imprinter: letter.pdf: The page list names no page of the file.\n");
 }
 
 TEST_F(DryRun, CharactersThatNoFontHasAreTold) {

@@ -91,7 +91,7 @@ TEST_F(Stamping, PageRangesTakeThePlaceOfTheConfigurationsPages) {
     for (const std::string list : {"20-", "99"}) {
         const auto none = imprinter("stamp --configuration Received --pages " + list + " --output x.pdf letter.pdf");
         EXPECT_EQ(none.status, 2);
-        EXPECT_EQ(none.output, "imprinter: letter.pdf: There is nothing to stamp on any page of the document.\n");
+        EXPECT_EQ(none.output, "imprinter: letter.pdf: The page list names no page of the file.\n");
     }
     for (const std::string list : {"a", "3-2", "0", "1,,2", "''"})
         EXPECT_EQ(imprinter("stamp --configuration Received --pages " + list + " --output x.pdf letter.pdf").status, 64)
@@ -336,4 +336,86 @@ TEST_F(Stamping, APictureOfTenThousandMillionPixelsIsOneLineAndWritesNothing) {
         EXPECT_EQ(run.output, "imprinter: " + name + ": The picture has more than 100 million pixels.\n");
         EXPECT_EQ(files(), before);
     }
+}
+
+#ifndef __SANITIZE_ADDRESS__ // which takes memory without end for itself
+TEST_F(Stamping, AFileThatTheMemoryDoesNotSufficeForIsNamedAndTheOthersAreStamped) {
+    constexpr int side = 9900; // 98 million pixels
+    QImage large(side, side, QImage::Format_Mono);
+    large.fill(1);
+    ASSERT_TRUE(large.save((folder / "large.png").c_str()));
+    render::white(60, 40).save((folder / "small.png").c_str());
+    // What the program with its libraries takes for a small picture is a quarter of what the large one would take more.
+    long kilobytes = 100'000;
+    const auto within = [&](const std::string& arguments) {
+        return shell("ulimit -v " + std::to_string(kilobytes) + "; " + environment() + quoted(IMPRINTER) +
+                     " stamp --title x --output out/ " + arguments);
+    };
+    while (within("small.png").status != 0) {
+        kilobytes += 20'000;
+        ASSERT_LT(kilobytes, 4'000'000);
+    }
+    kilobytes += 40'000;
+    for (const std::string jobs : {"1", "2"}) {
+        fs::remove_all(folder / "out");
+        const auto run = within("--jobs " + jobs + " large.png small.png");
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output, "imprinter: large.png: There is not enough memory for this file.\n");
+        EXPECT_EQ(shell("ls out").output, "small.png\n");
+    }
+}
+#endif
+
+TEST_F(Stamping, ABlankTitleIsGivenAsTheReasonWhyNothingIsStamped) {
+    letter();
+    render::white(60, 40).save((folder / "a.png").c_str());
+    for (const std::string name : {"letter.pdf", "a.png"}) {
+        const auto run = imprinter("stamp --title ' ' --output out " + name);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output, "imprinter: " + name + ": The title is empty.\n");
+        const auto line = imprinter("stamp --title ' ' --json --dry-run --output out " + name).output;
+        EXPECT_NE(line.find("\"nothingToStamp\", \"message\": \"The title is empty.\""), std::string::npos) << line;
+    }
+    EXPECT_EQ(imprinter("stamp --title x --pages 2 --output out a.png").output,
+              "imprinter: a.png: The page list names no page of the file.\n");
+}
+
+TEST_F(Stamping, AStampThatLiesOutsideThePageIsWarnedOfInTheRunToo) {
+    letter();
+    render::white(60, 40).save((folder / "a.png").c_str());
+    auto run = imprinter("stamp --title x --offset 2000,0 --output out.pdf letter.pdf");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "imprinter: letter.pdf: The stamp lies outside page 1 and 2 others, where nobody sees it.\n");
+    run = imprinter("stamp --title x --offset 0,-2000 --output out.png a.png");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "imprinter: a.png: The stamp lies outside page 1, where nobody sees it.\n");
+    EXPECT_EQ(imprinter("stamp --title 'far too wide for it' --output out.png a.png").output, "");
+}
+
+TEST_F(Stamping, AFolderAmongTheInputsIsSaidToBeOne) {
+    letter();
+    fs::create_directory(folder / "papers");
+    const auto run = imprinter("stamp --title x --output out/ papers letter.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: papers: This is a folder.\n");
+    EXPECT_TRUE(fs::exists(folder / "out" / "letter.pdf"));
+}
+
+TEST_F(Stamping, WhatLibrariesSayAboutADamagedPictureIsNotPrinted) {
+    render::white(60, 40).save((folder / "a.png").c_str());
+    auto bytes = readFile(folder / "a.png");
+    bytes[bytes.find("IDAT") + 8] ^= 0x55;
+    writeFile(folder / "a.png", bytes);
+    const auto run = imprinter("stamp --title x --output out.png a.png");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: a.png: The picture is damaged.\n");
+}
+
+TEST_F(Stamping, StandardInputThatCannotBeKeptIsAFailureToWrite) {
+    letter();
+    const auto run = shell("ulimit -f 1; " + environment() + "TMPDIR=" + quoted(folder.path()) + " " +
+                           quoted(IMPRINTER) + " stamp --title x --output out.pdf - < /dev/zero");
+    EXPECT_EQ(run.status, 3) << run.output;
+    EXPECT_TRUE(run.output.starts_with("imprinter: the standard input cannot be kept in ")) << run.output;
+    EXPECT_TRUE(run.output.ends_with(": File too large\n")) << run.output;
 }

@@ -149,3 +149,25 @@ TEST_F(Titles, APictureIsStampedToo) {
     ASSERT_FALSE(box.isEmpty());
     EXPECT_EQ(after.pixelColor(box.left() + 1, box.top() + 1), QColor(0, 0, 255));
 }
+
+TEST_F(Titles, ReplacingGivesWayAtTheSamePlaceOnly) {
+    letter();
+    ASSERT_EQ(imprinter("stamp --title Upper --position top-left --in-place letter.pdf").status, 0);
+    ASSERT_EQ(imprinter("stamp --title Lower --position bottom-left --in-place --replace letter.pdf").status, 0);
+    EXPECT_TRUE(bears("letter.pdf", "Upper"));
+    EXPECT_TRUE(bears("letter.pdf", "Lower"));
+    ASSERT_EQ(imprinter("stamp --title Other --position top-left --in-place --replace letter.pdf").status, 0);
+    EXPECT_FALSE(bears("letter.pdf", "Upper"));
+    EXPECT_TRUE(bears("letter.pdf", "Other"));
+    EXPECT_TRUE(bears("letter.pdf", "Lower"));
+}
+
+TEST_F(Titles, AnOptionWithOneValueIsRefusedWhereItIsGivenTwice) {
+    letter();
+    for (const std::string option : {"--title", "--output", "--size"}) {
+        const auto run = imprinter("stamp --title a --output out.pdf --size 9 " + option + "=8 letter.pdf");
+        EXPECT_EQ(run.status, 64);
+        EXPECT_EQ(run.output, "imprinter: " + option + " is given twice\n");
+    }
+    EXPECT_FALSE(fs::exists(folder / "out.pdf"));
+}

@@ -245,3 +245,36 @@ TEST(JpegPictures, KindsThatCannotBeStampedAreNotCalledDamaged) {
         EXPECT_EQ(outcome.code, engine::Code::unsupported) << outcome.sentence;
     }
 }
+
+TEST(JpegPictures, AQuantizationTableWithAZeroIsDamage) {
+    for (const std::string name : {"in.jpg", "in.tif"}) {
+        SCOPED_TRACE(name);
+        Folder folder;
+        const auto in = folder / name;
+        ASSERT_EQ(run("convert -size 120x80 plasma:red-blue -compress jpeg " + quoted(in)).status, 0);
+        auto bytes = readFile(in);
+        const auto table = bytes.find("\xFF\xDB");
+        ASSERT_NE(table, std::string::npos);
+        bytes[table + 8] = '\0';
+        writeFile(in, bytes);
+        const auto outcome = engine::stampFile(job(in, folder / "out", {boxed()}));
+        EXPECT_EQ(outcome.code, engine::Code::damaged);
+        EXPECT_EQ(outcome.sentence, "The picture is damaged.");
+        EXPECT_FALSE(std::filesystem::exists(folder / "out"));
+    }
+}
+
+TEST(JpegPictures, AQuantizationTableOfLargeNumbersIsNoObstacle) {
+    Folder folder;
+    const auto in = makeJpeg(folder, "-colorspace gray -quality 75", "120x80");
+    auto bytes = readFile(in);
+    const auto at = bytes.find(std::string("\xFF\xDB\0\x43\0", 5));
+    ASSERT_NE(at, std::string::npos);
+    std::string table("\xFF\xDB\0\x83\x10", 5); // the same table in 16 bits a number, its last one 2 to the power of 13
+    for (std::size_t i = 0; i < 64; ++i)
+        table += i == 63 ? std::string("\x20\0", 2) : std::string(1, '\0') + bytes[at + 5 + i];
+    writeFile(in, bytes.replace(at, 5 + 64, table));
+    const auto outcome = engine::stampFile(job(in, folder / "out.jpg", {boxed()}));
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    EXPECT_FALSE(differingArea(QImage(in.c_str()), QImage((folder / "out.jpg").c_str())).isEmpty());
+}

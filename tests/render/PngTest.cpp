@@ -297,3 +297,18 @@ TEST(PngPictures, AProfileOfColoursStaysOnlyWithColours) {
     EXPECT_TRUE(hasChunk(folder / "out.png", "iCCP"));
     EXPECT_EQ(readFile(folder / "out.png")[25], 3) << "no palette";
 }
+
+TEST(PngPictures, AnAnimatedPictureIsRefused) {
+    Folder folder;
+    white(60, 40).save((folder / "a.png").c_str());
+    auto bytes = readFile(folder / "a.png");
+    // One frame, shown without end; with its check sum.
+    bytes.insert(8 + 25, std::string("\0\0\0\x08"
+                                     "acTL\0\0\0\x01\0\0\0\0\xb4\x2d\xe9\xa0",
+                                     20));
+    writeFile(folder / "a.png", bytes);
+    const auto outcome = engine::stampFile(job(folder / "a.png", folder / "out.png", {configuration(u"x")}));
+    EXPECT_EQ(outcome.code, engine::Code::unsupported);
+    EXPECT_EQ(outcome.sentence, "An animated picture cannot be stamped.");
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.png"));
+}

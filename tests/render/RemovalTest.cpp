@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace render;
 using engine::Code;
 using engine::Saving;
@@ -170,5 +172,50 @@ TEST(Replacing, OnAPictureIsRefusedSinceTheOldStampWouldStay) {
         EXPECT_EQ(outcome.code, Code::unsupported);
         EXPECT_EQ(outcome.sentence, "A stamp on a picture is part of the picture and cannot be replaced.");
         EXPECT_FALSE(std::filesystem::exists(folder / "out"));
+    }
+}
+
+namespace {
+
+/// A page whose second content stream cannot be decoded.
+std::string partlyUnreadable(const std::string& filter) {
+    DocumentBytes file;
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("<< /Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 300 200] >>");
+    file.add("<< /Type /Page /Parent 2 0 R /Contents [4 0 R 5 0 R] >>");
+    file.addStream("0.5 g 5 5 20 20 re f");
+    file.addStream("xx", "/Filter /" + filter);
+    return file.bytes();
+}
+
+} // namespace
+
+TEST(Replacing, WorksBehindContentThatCannotBeDecodedAndSaysSo) {
+    for (const std::string filter : {"FlateDecode", "Unheard"}) {
+        SCOPED_TRACE(filter);
+        Folder folder;
+        writeFile(folder / "in.pdf", partlyUnreadable(filter));
+        auto task = job(folder / "in.pdf", folder / "in.pdf", {titled(u"One", u"1", 8)});
+        task.inPlace = true;
+        task.replace = true;
+        for (int i = 0; i < 3; ++i) {
+            const auto outcome = engine::stampFile(task);
+            ASSERT_TRUE(outcome) << outcome.sentence;
+            EXPECT_EQ(std::count(outcome.warnings.begin(), outcome.warnings.end(),
+                                 "The content of page 1 cannot be decoded; the stamp may not look as it should."),
+                      1);
+            EXPECT_EQ(textOf(folder / "in.pdf"), "One\n\n\f");
+        }
+        task.configurations = {titled(u"Two", u"2", 0)};
+        ASSERT_TRUE(engine::stampFile(task));
+        task.configurations = {titled(u"One", u"1", 8)};
+        ASSERT_TRUE(engine::unstampFile(task));
+        EXPECT_EQ(textOf(folder / "in.pdf"), "Two\n\n\f");
+        task.configurations = {};
+        ASSERT_TRUE(engine::unstampFile(task));
+        EXPECT_EQ(textOf(folder / "in.pdf"), "\f");
+        EXPECT_EQ(engine::unstampFile(task).code, Code::nothingToRemove);
+        const auto plain = run("qpdf --qdf --object-streams=disable " + quoted(folder / "in.pdf") + " -").output;
+        EXPECT_EQ(plain.find("ImprinterStamp"), std::string::npos);
     }
 }

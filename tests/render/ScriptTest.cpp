@@ -23,6 +23,12 @@ struct Title {
 const Title kTitles[] = {
     {"plain", u"Received by the office"},
     {"one letter", u"A"},
+    {"a fraction of digits", u"1 / 3"},
+    {"a paragraph's number", u"\u00a7 5"},
+    {"a letter and a digit", u"A 1"},
+    {"spaced letters", u"D R A F T"},
+    {"spaced ideographs", u"\u4e00 \u4e8c \u4e09"},
+    {"spaced letters above words", u"N o\nand the second"},
     {"double spaces", u"No.  12   of  3"},
     {"spaces around it", u"  indented  "},
     {"ligatures", u"office fluff affine"},

@@ -71,3 +71,26 @@ TEST(SignedDocuments, ThatAreCertifiedAreRefusedWhateverTheirLevel) {
         }
     }
 }
+
+TEST(SignedDocuments, AreKnownByAFieldThatStandsOnAPageOnly) {
+    const std::string forms[] = {"", "/AcroForm << /Fields [] /SigFlags 3 >>"};
+    for (const auto& form : forms) {
+        SCOPED_TRACE(form);
+        Folder folder;
+        DocumentBytes file;
+        file.add("<< /Type /Catalog /Pages 2 0 R " + form + " >>");
+        file.add("<< /Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 300 200] >>");
+        file.add("<< /Type /Page /Parent 2 0 R /Annots [4 0 R] >>");
+        file.add("<< /Type /Annot /Subtype /Widget /Parent 5 0 R /Rect [0 0 0 0] /F 132 /P 3 0 R >>");
+        file.add("<< /FT /Sig /T (Signature) /V 6 0 R /Kids [4 0 R] >>");
+        file.add("<< /Type /Sig /Filter /Adobe.PPKLite /ByteRange [0 1 2 3] /Contents <00> >>");
+        writeFile(folder / "in.pdf", file.bytes());
+        auto task = job(folder / "in.pdf", folder / "out.pdf", {configuration(u"Afterwards")});
+        EXPECT_EQ(engine::stampFile(task).code, Code::isSigned);
+        task.allowSigned = true;
+        task.saving = engine::Saving::rewrite;
+        const auto outcome = engine::stampFile(task);
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        EXPECT_TRUE(readFile(folder / "out.pdf").starts_with(file.bytes()));
+    }
+}

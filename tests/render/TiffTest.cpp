@@ -241,3 +241,22 @@ TEST(TiffPictures, StripsThatShareTablesKeepThemOrGetThemAsTheirOwn) {
     EXPECT_TRUE(QRect(208, 8, 84, 32).contains(area))
         << area.left() << ' ' << area.top() << ' ' << area.width() << ' ' << area.height();
 }
+
+TEST(TiffPictures, ThePixelsOfAWebpStripThatNoInkTouchesStayAsTheyAre) {
+    Folder folder;
+    ASSERT_EQ(run("convert -size 300x200 plasma:red-blue -seed 3 -type TrueColor -depth 8 -quality 60 -compress WebP " +
+                  quoted(folder / "in.tif"))
+                  .status,
+              0);
+    const auto outcome = engine::stampFile(job(folder / "in.tif", folder / "out.tif", {configuration(u"x")}));
+    ASSERT_TRUE(outcome) << outcome.sentence;
+    for (const char* name : {"in", "out"})
+        ASSERT_EQ(run("convert " + quoted(folder / (std::string(name) + ".tif")) + " " +
+                      quoted(folder / (std::string(name) + ".png")))
+                      .status,
+                  0);
+    const auto area = differingArea(QImage((folder / "in.png").c_str()), QImage((folder / "out.png").c_str()));
+    EXPECT_FALSE(area.isEmpty());
+    EXPECT_LT(area.width(), 40);
+    EXPECT_LT(area.height(), 40);
+}

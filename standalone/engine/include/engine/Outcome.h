@@ -18,6 +18,7 @@ enum class Code {
     isSigned,        ///< Stamping would break a signature, and the job does not allow that.
     certified,       ///< The document is certified against any change of its pages.
     tooLarge,        ///< A picture of more than `kLargestPicture` pixels.
+    noMemory,        ///< The machine, or what the program may take of it, has too little memory for the file.
     nothingToStamp,  ///< No page is chosen, or the title is blank.
     nothingToRemove, ///< No page bears a stamp that could be removed.
     sameFile,        ///< Output and input are one file, and the job does not say in place.

@@ -57,8 +57,8 @@ struct StampJob {
 /// Stamps PDF documents and PNG, JPEG and TIFF pictures, told apart by their content; the output is of the input's
 /// kind.
 ///
-/// After a failure there is no output file, and one that was there before is as it was. Throws nothing but
-/// std::bad_alloc.
+/// After a failure there is no output file, and one that was there before is as it was. Whatever goes wrong is in the
+/// outcome; it throws nothing.
 Outcome stampFile(const StampJob& job);
 
 /// To be called on the program's first thread before files are stamped on others: what reads pictures is then loaded on
