@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "PaneTest.h"
+#include "TitleTest.h"
 
 #include "../support/ListUser.h"
 #include "../support/MadeUpFonts.h"
@@ -91,6 +91,22 @@ TEST_F(FontButtonsInPane, AFaceIsChosenWithTheMouseAndKeptInTheNextFamily) {
                          [](QListView& list) { click(list, "DejaVu Serif"); }));
     EXPECT_EQ(taken(), Log{"DejaVuSerif-Bold"});
     EXPECT_EQ(shown(), "DejaVu Serif Bold");
+}
+
+/// A run in a face of this machine.
+class SetRun final : public TitleRun {
+public:
+    std::shared_ptr<host::NSFont> font() const override { return NSFont::fontWithNameSize(fullFontName(), fontSize()); }
+};
+
+TEST_F(FontButtonsInPane, ShowTheFaceOfTheFirstSelectedRun) {
+    const auto first = std::make_shared<SetRun>();
+    first->setFullFontName(u"DejaVuSerif-Bold");
+    const auto second = std::make_shared<SetRun>();
+    second->setFullFontName(u"DejaVuSans");
+    pane->updateFontSelections({first, second});
+    EXPECT_EQ(shown(), "DejaVu Serif Bold");
+    EXPECT_EQ(taken(), Log());
 }
 
 TEST_F(FontButtonsInPane, TheClosedButtonsShowTheirChoiceInTheMenuFont) {

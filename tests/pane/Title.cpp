@@ -257,6 +257,26 @@ TEST_F(TitleDelegate, EndsAnEditByShowingTheStoredTitle) {
     EXPECT_EQ(shown(), (Title{u"stored", F1}));
 }
 
+TEST_F(TitleDelegate, ShowsTheStoredTitleWhicheverEditEnds) {
+    startWith({u"abc"});
+    for (const auto& other :
+         {std::static_pointer_cast<NSControl>(outlet<NSTextField>(u"customOccurance")), std::shared_ptr<NSControl>()}) {
+        field->setObjectValue(listOf({u"shown"}));
+        EXPECT_TRUE(pane->controlTextShouldEndEditing(other));
+        EXPECT_EQ(shown(), Title{u"abc"});
+    }
+}
+
+TEST_F(TitleDelegate, LeavesEverythingWhenTheSelectionChanges) {
+    startWith({F1, u"abc", F2});
+    pane->setCurrentFont(f2);
+    taken();
+    pane->textViewDidChangeSelection({u"", field});
+    EXPECT_EQ(shown(), (Title{F1, u"abc", F2}));
+    EXPECT_EQ(pane->currentFont(), f2);
+    EXPECT_EQ(taken(), MessageLog());
+}
+
 TEST_F(TitleDelegate, ReadsAChangeAndNormalisesIt) {
     startWith({u"%abc", page});
     NSNotificationCenter::defaultCenter().postNotificationNameObject(NSControlTextDidChangeNotification, field);

@@ -757,7 +757,7 @@ TEST_F(TitleEnding, ByEscapeKeepsTheTitleToo) {
     EXPECT_EQ(titleNow(), Title{u"abc"});
 }
 
-TEST_F(TitleEnding, WithACompositionStillOpenTakesItsTextIn) {
+TEST_F(TitleEnding, KeepsWhatACompositionCommitted) {
     startWith({u"ab"});
     focusAt(2);
     QInputMethodEvent composing(QStringLiteral("に"), {});

@@ -14,7 +14,7 @@
 namespace testing_support {
 
 /// A font run of the host's class, called "Font 1" while its number is 0.
-class TitleRun final : public host::ImprinterFont {
+class TitleRun : public host::ImprinterFont {
 public:
     std::u16string_view className() const override { return u"VelIFontType"; }
     std::u16string name() const override { return u"Font " + platform::fromUtf8(std::to_string(values.number + 1)); }
