@@ -152,7 +152,9 @@ QImage decode(const std::vector<Chunk>& chunks) {
     QImageReader reader(&source, "png");
     QImage image = reader.read();
     if (image.isNull()) {
-        requireMemory(QImage(reader.size(), reader.imageFormat()));
+        // The reader does not say why. One that does not even know the size has nothing to lack memory for.
+        if (reader.size().isValid() && reader.imageFormat() != QImage::Format_Invalid)
+            requireMemory(QImage(reader.size(), reader.imageFormat()));
         throw Failure(Code::damaged, "The picture is damaged.");
     }
     if (!clear)

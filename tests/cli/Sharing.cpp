@@ -35,10 +35,9 @@ protected:
             meanwhile();
             ::kill(process, SIGCONT);
         });
-        const auto run =
-            shell("strace -f -o calls -P " + quoted(folder / "theirs.json") +
-                  " -e trace=openat -e inject=openat:signal=STOP:when=1 " + environment() +
-                  "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " --store mine.json import " + arguments);
+        auto run = shell("strace -f -o calls -P " + quoted(folder / "theirs.json") +
+                         " -e trace=openat -e inject=openat:signal=STOP:when=1 " + environment() +
+                         "ASAN_OPTIONS=detect_leaks=0 " + quoted(IMPRINTER) + " --store mine.json import " + arguments);
         other.join();
         return run;
     }

@@ -208,7 +208,7 @@ TEST_F(Stamping, APasswordFileOpensAnEncryptedDocument) {
     const auto run = imprinter(std::string(stamp) + "password locked.pdf");
     EXPECT_EQ(run.status, 0) << run.output;
     EXPECT_NE(shell("pdftotext -upw secret out.pdf -").output.find("RECEIVED"), std::string::npos);
-    EXPECT_NE(shell("qpdf --requires-password out.pdf; echo $?").output.find("0"), std::string::npos);
+    EXPECT_NE(shell("qpdf --requires-password out.pdf; echo $?").output.find('0'), std::string::npos);
 }
 
 TEST_F(Stamping, APasswordIsKnownHoweverItIsWritten) {

@@ -126,7 +126,7 @@ std::set<std::string> everyName() {
 /// A few glyphs: those of letters, and some at large for faces that have none.
 std::set<unsigned> someGlyphs(FT_Face face) {
     std::set<unsigned> glyphs;
-    for (const unsigned long character : {'A', 'g', 'Q', '8', '@'})
+    for (const char32_t character : {U'A', U'g', U'Q', U'8', U'@'})
         if (const auto glyph = FT_Get_Char_Index(face, character))
             glyphs.insert(glyph);
     for (long glyph = 3; glyphs.size() < 6 && glyph < face->num_glyphs; glyph += face->num_glyphs / 7 + 1)
@@ -137,7 +137,7 @@ std::set<unsigned> someGlyphs(FT_Face face) {
 /// A few characters the face has.
 QString someText(FT_Face face) {
     QString text;
-    for (const unsigned long character : {'A', 'g', 'Q', '8', '@'})
+    for (const char32_t character : {U'A', U'g', U'Q', U'8', U'@'})
         if (FT_Get_Char_Index(face, character))
             text += QChar(static_cast<char16_t>(character));
     unsigned glyph = 0;
