@@ -182,9 +182,14 @@ TokenEdit::TokenEdit(QWidget* parent)
     m_button->setCursor(Qt::ArrowCursor);
     m_button->hide();
     connect(m_button, &QToolButton::pressed, this, [this] { enter([this] { openInsertMenu(); }); });
+    // The document only asks for the lines it knows of, and tokens reach below theirs.
+    connect(document()->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this](const QRectF& changed) {
+        const QPointF scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+        const auto below = changed.translated(-scrolled).adjusted(0, 0, 0, 2 * belowBaseline(font()));
+        viewport()->update(below.toAlignedRect() & viewport()->rect());
+    });
     // What changes the text outside the events handled here, assistive technology for one.
     connect(document(), &QTextDocument::contentsChanged, this, [this] {
-        viewport()->update(); // the document only asks for the lines it knows of, and tokens reach below theirs
         if (!m_ownChange)
             QMetaObject::invokeMethod(
                 this, [this] { tellChange(); }, Qt::QueuedConnection);
