@@ -74,7 +74,7 @@ struct Opened {
 
     /// One selection, painted, in milliseconds. Rows of one screen only, so that nothing scrolls.
     double select(int step) {
-        const auto row = static_cast<platform::NSInteger>(m_first + step % 8);
+        const auto row = static_cast<platform::NSInteger>(m_first) + step % 8;
         const auto start = Clock::now();
         pane->table()->userSelects(NSIndexSet(static_cast<platform::NSUInteger>(row)), row);
         QApplication::processEvents();

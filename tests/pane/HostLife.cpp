@@ -768,7 +768,7 @@ TEST_F(HostLife, TheNextPressOnPreviewShowsTheNewMembers) {
         QApplication::processEvents();
         auto* popover = QApplication::activePopupWidget();
         EXPECT_TRUE(popover);
-        const auto shown = popover ? popover->grab().toImage() : QImage();
+        auto shown = popover ? popover->grab().toImage() : QImage();
         if (popover)
             QTest::keyClick(popover, Qt::Key_Escape);
         QApplication::processEvents();

@@ -31,7 +31,7 @@ TEST_F(Languages, CommandsNamesAndTheAlertSpeakTheLanguageOfTheUser) {
     start();
     const auto bundle = NSBundle::bundleWithPath(PANE_BUNDLE);
     const auto local = [&](const char16_t* english) {
-        const auto text = bundle->localizedStringForKeyValueTable(english, u"", u"");
+        auto text = bundle->localizedStringForKeyValueTable(english, u"", u"");
         EXPECT_EQ(text == english, bundle->preferredLocalization() == "en") << toUtf8(english);
         return text;
     };

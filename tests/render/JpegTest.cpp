@@ -15,7 +15,7 @@ namespace {
 
 /// A JPEG file made by ImageMagick from a colourful picture.
 std::filesystem::path makeJpeg(const Folder& folder, const std::string& options, const std::string& size = "400x300") {
-    const auto path = folder / "in.jpg";
+    auto path = folder / "in.jpg";
     const auto made = run("convert -size " + size + " plasma:red-blue -seed 7 -density 72 -units PixelsPerInch " +
                           options + " " + quoted(path));
     EXPECT_EQ(made.status, 0) << made.output;
@@ -78,7 +78,7 @@ struct Stamped {
 };
 
 std::shared_ptr<support::PlainConfiguration> boxed() {
-    const auto with = configuration(u"Lossless");
+    auto with = configuration(u"Lossless");
     with->style = 1;
     with->bordered = with->filled = true;
     return with;

@@ -24,7 +24,7 @@ engine::Outcome refused(const std::string& bytes, const std::function<void(engin
     auto task = job(folder / "in", folder / "out", {configuration(u"No")});
     if (change)
         change(task);
-    const auto outcome = engine::stampFile(task);
+    auto outcome = engine::stampFile(task);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"in"});
     EXPECT_FALSE(outcome.sentence.empty());
     EXPECT_TRUE(outcome.sentence.ends_with('.')) << outcome.sentence;

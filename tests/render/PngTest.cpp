@@ -111,7 +111,7 @@ bool hasChunk(const std::filesystem::path& file, const char* type) {
 }
 
 std::shared_ptr<support::PlainConfiguration> red() {
-    const auto with = configuration(u"");
+    auto with = configuration(u"");
     with->setTitle(
         {support::fontRun(u"DejaVuSans-Bold", 20, host::NSColor::colorWithSRGB(1, 0, 0, 1)), std::u16string(u"III")});
     return with;

@@ -35,7 +35,7 @@ TEST_F(Previews, TheStampIsShownWhateverPagesItIsMeantFor) {
         const QImage picture(outcome.path.c_str());
         EXPECT_EQ(picture.size(), QSize(600, 400));
         const QRect area = differingArea(picture, QImage(sample().c_str()));
-        EXPECT_NEAR(area.left(), 18 * 150 / 72, 4) << occurrence;
+        EXPECT_NEAR(area.left(), 18.0 * 150 / 72, 4) << occurrence;
     }
 }
 

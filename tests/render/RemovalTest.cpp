@@ -17,7 +17,7 @@ const char kContent[] = "q 0.5 g 5 5 200 100 re f";
 
 std::shared_ptr<support::PlainConfiguration> titled(const std::u16string& title, const std::u16string& identifier,
                                                     int anchor) {
-    const auto with = configuration(title);
+    auto with = configuration(title);
     with->identifier = identifier;
     with->anchor = anchor;
     return with;

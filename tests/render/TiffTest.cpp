@@ -39,7 +39,7 @@ struct Scan {
 };
 
 std::shared_ptr<support::PlainConfiguration> corner(const std::u16string& text = u"Stamped") {
-    const auto with = configuration(text);
+    auto with = configuration(text);
     with->anchor = 8;
     return with;
 }

@@ -61,7 +61,7 @@ std::string nameOf(Saving saving) {
 
 /// A box with sharp edges, at the lower right.
 std::shared_ptr<support::PlainConfiguration> box() {
-    const auto with = configuration(kTitle16);
+    auto with = configuration(kTitle16);
     with->anchor = 8;
     with->shift = {-3, 5};
     with->style = 1;

@@ -207,7 +207,7 @@ TEST(RoomItself, ACutLabelAndTwoThatOverlapAreFound) {
     root.resize(60, 40);
     root.show();
     Problems problems;
-    RoomOf("screen", root, problems);
+    const RoomOf looked("screen", root, problems);
     ASSERT_EQ(problems.size(), 2U) << listed(problems);
     EXPECT_NE(problems.begin()->find("cut \"much too long"), std::string::npos);
     EXPECT_EQ(*problems.rbegin(), "screen: on lies on cut");

@@ -396,7 +396,7 @@ private:
             return;
         press(u"createCombinedConfiguration:");
         made(1);
-        if (m_account.back().at("members") != "")
+        if (!m_account.back().at("members").empty())
             fail("a new combined configuration has members");
         settle();
     }

@@ -269,7 +269,7 @@ TEST(IndexOfObject, IsThatOfTheVeryObject) {
     const auto list =
         std::make_shared<const std::vector<std::shared_ptr<Knob>>>(std::vector{first, second, second, first});
     EXPECT_EQ(count(NSArray<std::shared_ptr<Knob>>(list)), 4u);
-    const NSArray<std::shared_ptr<Knob>> array = list;
+    const NSArray<std::shared_ptr<Knob>>& array = list;
     EXPECT_EQ(indexOfObject(array, first), 0u);
     EXPECT_EQ(indexOfObject(array, second), 1u);
     EXPECT_EQ(indexOfObject(array, std::make_shared<Knob>()), NSNotFound);

@@ -66,7 +66,7 @@ protected:
     }
 
     fs::path makeFolder(const std::string& name, mode_t mode = 0700) {
-        const auto path = parent / name;
+        auto path = parent / name;
         mkdir(path.c_str(), mode);
         chmod(path.c_str(), mode);
         std::ofstream(path / "kept") << "kept";
@@ -74,7 +74,7 @@ protected:
     }
     /// One that a killed program left.
     fs::path makeLeftover(const std::string& name, const std::string& owner = {}) {
-        const auto path = makeFolder(name);
+        auto path = makeFolder(name);
         std::ofstream(path / ".owner") << owner;
         return path;
     }

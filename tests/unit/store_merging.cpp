@@ -490,7 +490,7 @@ TEST_F(Versions, AreNotKeptOfWhatIsGivenAway) {
 TEST_F(Versions, WhatCannotBeKeptIsNoReasonNotToSave) {
     std::filesystem::create_directory(folder / "configurations.previous-1.json");
     std::filesystem::create_directory(folder / "configurations.previous-2.json");
-    std::ofstream(folder / "configurations.previous-2.json" / "in the way");
+    const std::ofstream something(folder / "configurations.previous-2.json" / "in the way");
     (*one)[u"a"]->setName(u"A2");
     EXPECT_EQ(one->save(), "");
     EXPECT_EQ(stored(), "A2 B C All");

@@ -37,7 +37,7 @@ class MenuTest : public InterfaceTest {
 protected:
     std::shared_ptr<NSMenuItem> add(const std::u16string& title, const std::u16string& action = u"act:",
                                     NSInteger tag = 0) {
-        const auto item = menu->addItemWithTitleActionKeyEquivalent(title, action, u"");
+        auto item = menu->addItemWithTitleActionKeyEquivalent(title, action, u"");
         item->setTarget(commands);
         item->setTag(tag);
         return item;

@@ -50,7 +50,7 @@ std::shared_ptr<NSTableCellView> Owner::tableViewViewForTableColumnRow(const std
                                                                        NSInteger row) {
     ++cellsAsked;
     const auto kind = column == table->tableColumns().front() ? u"Edited" : u"Fixed";
-    const auto cell = table->makeViewWithIdentifierOwner(kind, shared_from_this());
+    auto cell = table->makeViewWithIdentifierOwner(kind, shared_from_this());
     cell->textField()->setStringValue(rows.at(static_cast<std::size_t>(row)));
     cell->textField()->setEnabled(!disabledRows.contains(row));
     return cell;
