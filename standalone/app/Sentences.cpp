@@ -87,7 +87,7 @@ QString sentenceOf(const engine::Outcome& outcome, bool triedPassword) {
     std::error_code none;
     if (outcome.code == engine::Code::unreadable && !std::filesystem::exists(outcome.path, none))
         return text(u"The file does not exist.");
-    const auto own = QString::fromStdString(outcome.sentence);
+    auto own = QString::fromStdString(outcome.sentence);
     const auto general = textFor(outcome.code, triedPassword);
     if (isEnglish() || general.isEmpty())
         return own;
