@@ -83,7 +83,7 @@ void findSignatures(QPDFObjectHandle fields, bool below, int levels, Signatures&
 void findSignatures(QPDFObjectHandle annotations, Signatures& found) {
     if (!annotations.isArray())
         return;
-    for (auto annotation : annotations.getArrayAsVector()) {
+    for (const auto& annotation : annotations.getArrayAsVector()) {
         auto kind = QPDFObjectHandle::newNull();
         auto value = QPDFObjectHandle::newNull();
         int levels = kDeepestField;
