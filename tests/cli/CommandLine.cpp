@@ -57,7 +57,7 @@ TEST_F(CommandLine, LoadsNothingOfTheWindowForACommand) {
     const auto loaded = [this](const std::string& arguments) {
         const auto traced = imprinter(arguments, "LD_DEBUG=files LD_DEBUG_OUTPUT=loaded");
         EXPECT_EQ(traced.status, 0) << traced.output;
-        const auto found = render::run("cat " + quoted(folder.path()) + "/loaded.*").output;
+        auto found = render::run("cat " + quoted(folder.path()) + "/loaded.*").output;
         render::run("rm " + quoted(folder.path()) + "/loaded.*");
         return found;
     };
