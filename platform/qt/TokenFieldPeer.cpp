@@ -582,15 +582,9 @@ void TokenEdit::insertFromMimeData(const QMimeData* source) {
 
 QMimeData* TokenEdit::createMimeDataFromSelection() const {
     // For the selection that the window system passes on; copies and drags are made by the field.
-    const auto range = selectedRange();
-    std::u16string text;
-    const auto selected = content().substring(range);
-    for (const auto& piece : selected.pieces())
-        if (const auto* own = std::get_if<std::u16string>(&piece.object))
-            text += *own;
-    auto mime = std::make_unique<QMimeData>();
-    mime->setText(toQt(text));
-    return mime.release();
+    std::u16string plainText;
+    const auto pasteboard = tell(m_field, &NSTokenField::selectedTexts, plainText);
+    return pasteboard ? mimeDataOf(*pasteboard, plainText).release() : new QMimeData;
 }
 
 // Menus
