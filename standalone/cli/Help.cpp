@@ -41,7 +41,7 @@ const char* const helpText =
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
                            the file, and its name is printed.
     --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names; given several
-                           times, the lists are joined
+                           times, the lists are joined. Only they lose stamps by --replace, or by unstamp
     --first-number N       where %runningNumber% begins, which counts on through all pages of all files
     --replace              take away what the same configurations stamped before; pictures, which cannot lose a
                            stamp, are refused

@@ -615,7 +615,7 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
 int unstamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
     auto sorted =
-        sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
+        sortArguments(arguments, {"--configuration", "--output", "--pages", "--password-file", "--jobs"},
                       {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
     return sorted ? Run(Task::unstamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }

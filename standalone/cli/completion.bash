@@ -52,7 +52,7 @@ _imprinter() {
             stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
                 --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
                 --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
-            unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
+            unstamp) options+=' --configuration --output --in-place --pages --password-file --allow-signed --incremental
                 --rewrite --dry-run --jobs --json' ;;
             preview) options+=' --configuration --output' ;;
             export) options+=' --output' ;;

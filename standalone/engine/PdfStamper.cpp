@@ -245,6 +245,12 @@ public:
             if (m_task == Task::stamp)
                 for (const auto page : plan.pagesOf(pages.size()))
                     isChosen[page - 1] = true;
+        // Other pages than those the job names keep the stamps they have.
+        std::vector<bool> isWithin(pages.size(), !m_job.pages);
+        if (m_job.pages)
+            for (const auto page : choosePages(*m_job.pages, pages.size()))
+                isWithin[page - 1] = true;
+        const std::set<std::string> none;
         Flate flate;
         for (std::size_t i = 0; i < pages.size(); ++i) {
             if (i % 64 == 0)
@@ -256,7 +262,7 @@ public:
             auto streams = streamsOf(source.object.getKey("/Contents"));
             StrippedContent content;
             if (removes)
-                content = stripStamps(streams, removesAll ? nullptr : &identifiers, flate);
+                content = stripStamps(streams, !isWithin[i] ? &none : removesAll ? nullptr : &identifiers, flate);
             stripped[i] = content.found;
             if (!isChosen[i] && !content.found && content.kept.empty())
                 continue;
@@ -288,6 +294,8 @@ public:
             }
         } else {
             changed = static_cast<std::size_t>(std::count(stripped.begin(), stripped.end(), true));
+            if (std::find(isWithin.begin(), isWithin.end(), true) == isWithin.end())
+                throw Failure(Code::nothingToRemove, "The page list names no page of the file.");
             if (changed == 0)
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }

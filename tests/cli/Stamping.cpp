@@ -307,6 +307,19 @@ TEST_F(Stamping, ReplacingAndRemovingFromTheCommandLine) {
     EXPECT_EQ(again.output, "imprinter: letter.pdf: The document bears no such stamp.\n");
 }
 
+TEST_F(Stamping, OnlyThePagesThatAreListedLoseStamps) {
+    letter();
+    ASSERT_EQ(imprinter("stamp --title before --in-place letter.pdf").status, 0);
+    ASSERT_EQ(imprinter("stamp --title after --replace --pages 1 --in-place letter.pdf").status, 0);
+    const auto words = [this] { return shell("pdftotext letter.pdf - | tr -s '\\n\\f' '  '").output; };
+    EXPECT_EQ(words(), "after before before ");
+    ASSERT_EQ(imprinter("unstamp --pages 2- --in-place letter.pdf").status, 0);
+    EXPECT_EQ(words(), "after ");
+    const auto run = imprinter("unstamp --pages 2-,9 --in-place letter.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: letter.pdf: The document bears no such stamp.\n");
+}
+
 TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
     letter();
     EXPECT_EQ(imprinter("stamp --configuration Received --incremental --output a.pdf letter.pdf").status, 0);

@@ -25,7 +25,7 @@ struct StampJob {
     /// Stamped in order; a combined configuration stands for its members.
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
 
-    /// The pages that are stamped in place of those that the configurations name.
+    /// The pages that are stamped in place of those that the configurations name; only they lose stamps.
     std::optional<std::vector<PageRange>> pages;
     /// What %runningNumber% stands for on the first page of the file; it counts every page, stamped or not.
     std::size_t firstNumber = 1;
@@ -34,8 +34,9 @@ struct StampJob {
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
-    /// First remove what earlier runs stamped with the same configurations; a failure for pictures, which cannot lose a
-    /// stamp. A document that loses stamps is written anew if it can be, so that it does not grow each time.
+    /// First remove what earlier runs stamped with the same configurations, from all pages where `pages` names none; a
+    /// failure for pictures, which cannot lose a stamp. A document that loses stamps is written anew if it can be, so
+    /// that it does not grow each time.
     bool replace = false;
 
     /// Write nothing, and answer what would come of it; the warnings also name pages that a stamp does not fit on.
@@ -72,8 +73,9 @@ std::size_t countPages(const StampJob& job);
 /// Whether the title of one of these configurations, or of a member of one, has the placeholder %runningNumber%.
 bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations);
 
-/// Removes from a PDF document what was stamped with the job's configurations; all stamps where it names none. Facts
-/// and fonts of the job do not count. The document is written anew unless it is signed or the job says otherwise.
+/// Removes from a PDF document, or from those of its pages that the job names, what was stamped with the job's
+/// configurations; all stamps where it names none. Facts and fonts of the job do not count. The document is written
+/// anew unless it is signed or the job says otherwise.
 Outcome unstampFile(const StampJob& job);
 
 } // namespace engine
