@@ -216,10 +216,10 @@ public:
         std::vector<StampPlan> plans;
         if (m_task == Task::stamp || !m_job.configurations.empty())
             plans = planStamps(m_job.configurations, m_job.pages, faces, m_report);
-        std::set<std::string> identifiers;
+        std::set<std::string> identifiers(m_job.removed.begin(), m_job.removed.end());
         for (const auto& plan : plans)
             identifiers.insert(plan.identifier);
-        const bool removesAll = m_task == Task::unstamp && m_job.configurations.empty();
+        const bool removesAll = m_task == Task::unstamp && m_job.configurations.empty() && m_job.removed.empty();
         const bool removes = m_task == Task::unstamp || m_job.replace;
 
         const bool aside = m_job.threads > 1;
@@ -508,15 +508,48 @@ std::size_t unstampPdf(const StampJob& job, Report& report) {
     return guarded(job, [&](const StampJob& attempt) { return PdfStamping(Task::unstamp, attempt, {}, report).run(); });
 }
 
-std::size_t countPdfPages(const StampJob& job) {
-    return guarded(job, [](const StampJob& attempt) {
-        const MappedFile file(attempt.input);
-        QPDF document;
+namespace {
+
+/// A document that is read and not written.
+struct ReadDocument {
+    MappedFile file;
+    QPDF document;
+
+    explicit ReadDocument(const StampJob& job) : file(job.input) {
         document.setSuppressWarnings(true);
-        document.processMemoryFile(attempt.input.c_str(), file.bytes().data(), file.bytes().size(),
-                                   attempt.password.c_str());
-        return document.getAllPages().size();
+        document.processMemoryFile(job.input.c_str(), file.bytes().data(), file.bytes().size(), job.password.c_str());
+    }
+};
+
+} // namespace
+
+std::vector<FoundStamp> findPdfStamps(const StampJob& job, std::size_t& pageCount) {
+    std::vector<FoundStamp> stamps;
+    pageCount = guarded(job, [&stamps](const StampJob& attempt) {
+        ReadDocument read(attempt);
+        const auto& pages = read.document.getAllPages();
+        std::size_t bearing = 0;
+        Flate flate;
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            const auto found = stampsIn(streamsOf(QPDFObjectHandle(pages[i]).getKey("/Contents")), flate);
+            bearing += found.empty() ? 0 : 1;
+            for (const auto& identifier : found) {
+                auto known = std::find_if(stamps.begin(), stamps.end(),
+                                          [&](const auto& stamp) { return stamp.identifier == identifier; });
+                if (known == stamps.end())
+                    known = stamps.insert(known, {identifier, {}});
+                known->pages.push_back(i + 1);
+            }
+            if (i % 64 == 0)
+                Progress(attempt).tell(static_cast<double>(i) / static_cast<double>(pages.size()), pages.size());
+        }
+        return bearing;
     });
+    return stamps;
+}
+
+std::size_t countPdfPages(const StampJob& job) {
+    return guarded(job, [](const StampJob& attempt) { return ReadDocument(attempt).document.getAllPages().size(); });
 }
 
 } // namespace engine

@@ -240,6 +240,24 @@ Outcome unstampFile(const StampJob& job) {
     return outcome;
 }
 
+Outcome findStamps(const StampJob& job) {
+    std::vector<FoundStamp> stamps;
+    auto outcome = outcomeOf(job, [&](Kind kind, Report&) {
+        if (kind != Kind::pdf)
+            throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be told from it.");
+        std::size_t pages = 0;
+        stamps = findPdfStamps(job, pages);
+        return pages;
+    });
+    outcome.path = job.input;
+    if (!outcome)
+        return outcome;
+    const auto count = stamps.empty() ? "no" : std::to_string(stamps.size());
+    outcome.sentence = "The document bears " + count + (stamps.size() == 1 ? " stamp." : " stamps.");
+    outcome.stamps = std::move(stamps);
+    return outcome;
+}
+
 void prepareForThreads() {
     QImageReader::supportedImageFormats(); // asks every reader, and loads it for that
 }

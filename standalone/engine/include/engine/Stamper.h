@@ -25,6 +25,8 @@ struct StampJob {
     /// Stamped in order; a combined configuration stands for its members.
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
 
+    /// Removed as well as those of the configurations, by their identifiers (UTF-8).
+    std::vector<std::string> removed;
     /// The pages that are stamped in place of those that the configurations name; only they lose stamps.
     std::optional<std::vector<PageRange>> pages;
     /// What %runningNumber% stands for on the first page of the file; it counts every page, stamped or not.
@@ -74,8 +76,12 @@ std::size_t countPages(const StampJob& job);
 bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations);
 
 /// Removes from a PDF document, or from those of its pages that the job names, what was stamped with the job's
-/// configurations; all stamps where it names none. Facts and fonts of the job do not count. The document is written
-/// anew unless it is signed or the job says otherwise.
+/// configurations or is removed by its identifier; all stamps where it names none. Facts and fonts of the job do not
+/// count. The document is written anew unless it is signed or the job says otherwise.
 Outcome unstampFile(const StampJob& job);
+
+/// Finds the stamps that a PDF document bears, in the order in which they are met. Of the job its input and its
+/// password count; nothing is written, whatever the document allows.
+Outcome findStamps(const StampJob& job);
 
 } // namespace engine
