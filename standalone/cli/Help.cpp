@@ -41,6 +41,7 @@ const char* const helpText =
     --in-place             replace the files themselves
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
                            the file, and its name is printed.
+    --force                replace files that are write-protected too
     --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names; given several
                            times, the lists are joined. Only they lose stamps by --replace, or by unstamp
     --first-number N       where %runningNumber% begins, which counts on through all pages of all files

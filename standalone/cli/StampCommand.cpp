@@ -218,6 +218,8 @@ std::string sentenceOf(const engine::Outcome& outcome) {
     std::error_code none;
     if (outcome.code == engine::Code::unreadable && fs::is_other(outcome.path, none))
         sentence += " What comes through a pipe is read from the standard input, which is called \"-\".";
+    if (outcome.code == engine::Code::writeProtected)
+        sentence += " It is replaced where --force says so.";
     return sentence;
 }
 
@@ -226,6 +228,7 @@ int statusOf(engine::Code code) {
     case engine::Code::ok:
         return done;
     case engine::Code::cannotWrite:
+    case engine::Code::writeProtected:
     case engine::Code::sameFile:
         return cannotWrite;
     case engine::Code::cancelled:
@@ -265,6 +268,8 @@ const char* nameOf(engine::Code code) {
         return "nothingToRemove";
     case Code::sameFile:
         return "sameFile";
+    case Code::writeProtected:
+        return "writeProtected";
     case Code::cannotWrite:
         return "cannotWrite";
     case Code::changed:
@@ -385,6 +390,7 @@ private:
                                               : engine::Saving::automatic;
         m_job.allowSigned = a.has("--allow-signed");
         m_job.replace = a.has("--replace");
+        m_job.force = a.has("--force");
         m_job.dryRun = a.has("--dry-run");
         // Several lists are one.
         std::string pages;
@@ -680,7 +686,8 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     withValue.insert(withValue.end(), titleOptions().begin(), titleOptions().end());
     auto sorted = sortArguments(
         arguments, withValue,
-        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
+        {"--in-place", "--force", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"},
+        problem);
     return sorted ? Run(Task::stamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 
@@ -688,7 +695,8 @@ int unstamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
     auto sorted = sortArguments(
         arguments, {"--configuration", "--stamp", "--output", "--pages", "--password-file", "--jobs"},
-        {"--list", "--in-place", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
+        {"--list", "--in-place", "--force", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"},
+        problem);
     if (!sorted)
         return complain(usage, problem);
     const auto task = sorted->has("--list") ? Task::list : Task::unstamp;

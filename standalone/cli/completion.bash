@@ -53,9 +53,9 @@ _imprinter() {
         local options='--help'
         case $command in
             stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
-                --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
+                --position --offset --rotate --output --in-place --force --pages --first-number --replace --password-file
                 --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
-            unstamp) options+=' --list --stamp --configuration --output --in-place --pages --password-file
+            unstamp) options+=' --list --stamp --configuration --output --in-place --force --pages --password-file
                 --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
             preview) options+=' --configuration --output' ;;
             export) options+=' --output' ;;

@@ -162,6 +162,10 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
             outcome.path = job.output;
             throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");
         }
+        if (!job.force && isWriteProtected(job.output)) {
+            outcome.path = job.output;
+            throw Failure(Code::writeProtected, "The file is write-protected.");
+        }
         const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
         if (hasOtherNames)

@@ -378,6 +378,26 @@ TEST_F(Stamping, AListOfStampsWritesNothingAndSaysWhatHasNone) {
     }
 }
 
+TEST_F(Stamping, AProtectedFileIsReplacedByForceOnly) {
+    letter("a.pdf");
+    letter("b.pdf");
+    fs::permissions(folder / "a.pdf", fs::perms(0444));
+    const auto old = readFile(folder / "a.pdf");
+    auto run = imprinter("stamp --title x --in-place a.pdf b.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.output, "imprinter: a.pdf: The file is write-protected. It is replaced where --force says so.\n");
+    EXPECT_EQ(readFile(folder / "a.pdf"), old);
+    EXPECT_TRUE(bears("b.pdf", "x"));
+    run = imprinter("stamp --title x --json --output a.pdf b.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_NE(run.output.find("\"status\": \"writeProtected\""), std::string::npos) << run.output;
+    EXPECT_EQ(imprinter("stamp --title x --in-place --force a.pdf").output, "");
+    EXPECT_TRUE(bears("a.pdf", "x"));
+    EXPECT_EQ(imprinter("unstamp --in-place a.pdf").status, 3);
+    EXPECT_EQ(imprinter("unstamp --in-place --force a.pdf").status, 0);
+    EXPECT_EQ(fs::status(folder / "a.pdf").permissions(), fs::perms(0444));
+}
+
 TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
     letter();
     EXPECT_EQ(imprinter("stamp --configuration Received --incremental --output a.pdf letter.pdf").status, 0);

@@ -22,6 +22,7 @@ enum class Code {
     nothingToStamp,  ///< No page is chosen, or the title is blank.
     nothingToRemove, ///< No page bears a stamp that could be removed.
     sameFile,        ///< Output and input are one file, and the job does not say in place.
+    writeProtected,  ///< The file that would be replaced may not be written, and the job does not say that it shall be.
     cannotWrite,     ///< The output cannot be written.
     changed,         ///< Somebody changed the input in the meantime.
     cancelled,       ///< The job's progress function answered no.
