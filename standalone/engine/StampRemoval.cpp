@@ -77,7 +77,7 @@ bool onlyCloses(std::string_view text) {
         while (end < text.size() && !isSpace(text[end]))
             ++end;
         const auto token = text.substr(at, end - at);
-        static const std::string_view closers[] = {"Q", "ET", "EMC", ")", ">", "]", ">>", "EI"};
+        static const std::string_view closers[] = {"Q", "ET", "EMC", ")", ">", "]", ">>", "()", "/IM", "0", "ID", "EI"};
         if (std::find(std::begin(closers), std::end(closers), token) == std::end(closers))
             return false;
         at = end;
