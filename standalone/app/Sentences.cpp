@@ -40,6 +40,8 @@ QString textFor(engine::Code code, bool triedPassword) {
         return text(u"There is nothing to stamp on any page.");
     case Code::sameFile:
         return text(u"The output is the same file as the input.");
+    case Code::writeProtected:
+        return text(u"The file is write-protected.");
     case Code::cannotWrite:
         return text(u"The output cannot be written.");
     case Code::changed:

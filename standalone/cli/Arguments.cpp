@@ -55,8 +55,9 @@ std::vector<std::string> Arguments::values(const std::string& option) const {
 }
 
 bool takesValue(const std::string& option) {
-    return contains({"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs"},
-                    option) ||
+    return contains(
+               {"--configuration", "--output", "--pages", "--password-file", "--first-number", "--jobs", "--stamp"},
+               option) ||
            contains(titleOptions(), option);
 }
 
@@ -78,7 +79,7 @@ std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments
         const auto equals = argument.find('=');
         const auto name = argument.substr(0, equals);
         if (contains(withValue, name)) {
-            if (sorted.has(name) && !contains({"--configuration", "--pages"}, name)) {
+            if (sorted.has(name) && !contains({"--configuration", "--pages", "--stamp"}, name)) {
                 problem = name + " is given twice";
                 return std::nullopt;
             }

@@ -14,8 +14,9 @@ const char* const helpText =
                                                    stamp files; PATH is a file for one, a folder for several
     imprinter stamp --title TEXT [LOOKS] [--output PATH | --in-place] FILE...
                                                    stamp a title that is told here
-    imprinter unstamp [--configuration NAME...] [--output PATH | --in-place] FILE...
+    imprinter unstamp [--stamp NAME...] [--output PATH | --in-place] FILE...
                                                    remove stamps from PDF documents, all or those named
+    imprinter unstamp --list FILE...               list the stamps of PDF documents, their names and pages
     imprinter preview --configuration NAME --output PICTURE [SAMPLE]
                                                    stamp a sample page
     imprinter export [--output FILE] [NAME...]     write configurations to a file of their own
@@ -40,11 +41,14 @@ const char* const helpText =
     --in-place             replace the files themselves
                            Without either, the configuration's option to duplicate items decides; the copy lies beside
                            the file, and its name is printed.
+    --force                replace files that are write-protected too
     --pages LIST           these pages, such as 1-3,7,10-, in place of those the configuration names; given several
-                           times, the lists are joined
+                           times, the lists are joined. Only they lose stamps by --replace, or by unstamp
     --first-number N       where %runningNumber% begins, which counts on through all pages of all files
     --replace              take away what the same configurations stamped before; pictures, which cannot lose a
                            stamp, are refused
+    --stamp NAME           a stamp to remove, by the name that --list shows: that of its configuration, or where there is
+                           none any more its identifier; a --title at the top right is called title-top-right
     --password-file FILE   its first line opens encrypted documents
     --allow-signed         stamp signed documents too; what was signed stays valid. Certified ones are never stamped
     --incremental          add to the documents, or fail where that is impossible
@@ -63,7 +67,7 @@ Examples:
     imprinter stamp --configuration "Page of Pages" --configuration Confidential --output stamped/ *.pdf
     imprinter stamp --configuration Received --in-place --replace --jobs 4 inbox/*.pdf
     produce | imprinter stamp --configuration Confidential - | consume
-    imprinter unstamp --configuration Received --in-place letter.pdf
+    imprinter unstamp --stamp Received --in-place letter.pdf
 
 Exit status: 0 done, 1 the program could not go on, 2 a document could not be read or stamped, 3 a result could not
 be written, 4 no such configuration or none that can be read, 5 there is no display, 6 another program changed the same

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// `stamp` and `unstamp`: many files, one after the other or several at once.
+// `stamp` and `unstamp`, and the list of stamps: many files, one after the other or several at once.
 
 #include "Arguments.h"
 #include "Commands.h"
@@ -38,7 +38,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-enum class Task { stamp, unstamp };
+enum class Task { stamp, unstamp, list };
 
 /// One file of a run.
 struct File {
@@ -218,6 +218,8 @@ std::string sentenceOf(const engine::Outcome& outcome) {
     std::error_code none;
     if (outcome.code == engine::Code::unreadable && fs::is_other(outcome.path, none))
         sentence += " What comes through a pipe is read from the standard input, which is called \"-\".";
+    if (outcome.code == engine::Code::writeProtected)
+        sentence += " It is replaced where --force says so.";
     return sentence;
 }
 
@@ -226,6 +228,7 @@ int statusOf(engine::Code code) {
     case engine::Code::ok:
         return done;
     case engine::Code::cannotWrite:
+    case engine::Code::writeProtected:
     case engine::Code::sameFile:
         return cannotWrite;
     case engine::Code::cancelled:
@@ -265,6 +268,8 @@ const char* nameOf(engine::Code code) {
         return "nothingToRemove";
     case Code::sameFile:
         return "sameFile";
+    case Code::writeProtected:
+        return "writeProtected";
     case Code::cannotWrite:
         return "cannotWrite";
     case Code::changed:
@@ -273,6 +278,20 @@ const char* nameOf(engine::Code code) {
         return "cancelled";
     }
     return "failed";
+}
+
+/// Pages as `--pages` takes them: "1-3,7". `pages` ascend.
+std::string listOf(const std::vector<std::size_t>& pages) {
+    std::string list;
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        const auto first = pages[i];
+        while (i + 1 < pages.size() && pages[i + 1] == pages[i] + 1)
+            ++i;
+        list += (list.empty() ? "" : ",") + std::to_string(first);
+        if (pages[i] != first)
+            list += '-' + std::to_string(pages[i]);
+    }
+    return list;
 }
 
 /// A whole number of at least 1; none for anything else.
@@ -304,6 +323,12 @@ public:
                 m_job.configurations.push_back(std::move(found));
             }
         }
+        if (m_task == Task::list || m_arguments.has("--stamp")) {
+            // Without a store stamps are called by their identifiers.
+            m_known = readStore(m_store).value_or(Configurations());
+            for (const auto& name : m_arguments.values("--stamp"))
+                removeStampCalled(name);
+        }
         std::string wrongLooks;
         if (auto described = configurationFromOptions(m_arguments, wrongLooks))
             m_job.configurations.push_back(std::move(described));
@@ -316,7 +341,7 @@ public:
         catchSignals();
         if (const int status = openPipes(); status != done)
             return status;
-        if (const auto collision = collisionIn(m_files); !collision.empty())
+        if (const auto collision = m_task == Task::list ? "" : collisionIn(m_files); !collision.empty())
             return complain(usage, collision);
         if (m_intoFolder && !m_job.dryRun) {
             const fs::path folder = m_arguments.value("--output");
@@ -337,8 +362,14 @@ private:
         if (m_task == Task::stamp && !a.has("--configuration") && !a.has("--title"))
             return "which configuration? Name one with --configuration, `imprinter list` shows them, or say what is to "
                    "be stamped with --title";
+        if (m_task == Task::list)
+            for (const auto& [option, value] : a.options)
+                if (option != "--list" && option != "--json" && option != "--jobs" && option != "--password-file")
+                    return "--list only looks; " + option + " has no place beside it";
         if (a.files.empty())
-            return m_task == Task::stamp ? "which file is to be stamped?" : "which file is to be freed from stamps?";
+            return m_task == Task::stamp  ? "which file is to be stamped?"
+                   : m_task == Task::list ? "which file's stamps are to be listed?"
+                                          : "which file is to be freed from stamps?";
         if (a.has("--output") && a.value("--output").empty())
             return "where to? Name a file, or a folder for several files, with --output";
         if (a.has("--output") && a.has("--in-place"))
@@ -348,7 +379,7 @@ private:
         if (std::count(a.files.begin(), a.files.end(), "-") > 1)
             return "the standard input can be read once only";
         const bool piped = a.files.front() == "-" && a.files.size() == 1 && !a.has("--output");
-        m_toStdout = a.value("--output") == "-" || piped;
+        m_toStdout = a.value("--output") == "-" || (piped && m_task != Task::list);
         if (m_toStdout && (a.files.size() > 1 || m_json))
             return m_json ? "--json and a result on the standard output exclude each other"
                           : "only one result can be written to the standard output";
@@ -359,6 +390,7 @@ private:
                                               : engine::Saving::automatic;
         m_job.allowSigned = a.has("--allow-signed");
         m_job.replace = a.has("--replace");
+        m_job.force = a.has("--force");
         m_job.dryRun = a.has("--dry-run");
         // Several lists are one.
         std::string pages;
@@ -411,7 +443,9 @@ private:
             const bool piped = name == "-";
             file.name = piped ? "standard input" : name;
             file.input = piped ? fs::path() : fs::path(name);
-            if (m_toStdout) {
+            if (m_task == Task::list) {
+                // There is no result.
+            } else if (m_toStdout) {
                 file.resultName = "standard output";
             } else if (given) {
                 if (piped && m_intoFolder)
@@ -437,7 +471,8 @@ private:
 
     int openPipes() {
         for (auto& file : m_files) {
-            if (!file.input.empty() && !file.output.empty())
+            const bool needsOutput = file.output.empty() && m_task != Task::list;
+            if (!file.input.empty() && !needsOutput)
                 continue;
             if (m_pipes.path().empty())
                 return complain(cannotWrite, "a folder for temporary files cannot be made");
@@ -453,7 +488,7 @@ private:
                                                      file.input.parent_path().string() + ": " +
                                                      std::generic_category().message(errno));
             }
-            if (file.output.empty())
+            if (needsOutput)
                 file.output = m_pipes.path() / "output";
         }
         return done;
@@ -462,7 +497,7 @@ private:
     /// Gives each file the number its first page has.
     void numberFiles() {
         m_firstNumbers.assign(m_files.size(), m_job.firstNumber);
-        if (m_task == Task::unstamp || m_files.size() < 2 || !engine::usesRunningNumber(m_job.configurations))
+        if (m_task != Task::stamp || m_files.size() < 2 || !engine::usesRunningNumber(m_job.configurations))
             return;
         auto next = m_job.firstNumber;
         auto job = m_job;
@@ -524,7 +559,9 @@ private:
             m_progress->tell(number, all == 0 ? 0 : static_cast<double>(done) / static_cast<double>(all));
             return !isInterrupted;
         };
-        auto outcome = m_task == Task::stamp ? engine::stampFile(job) : engine::unstampFile(job);
+        auto outcome = m_task == Task::stamp  ? engine::stampFile(job)
+                       : m_task == Task::list ? engine::findStamps(job)
+                                              : engine::unstampFile(job);
         if (outcome && m_toStdout && !m_job.dryRun && copyFile(file.output, STDOUT_FILENO, false) != Copied::all) {
             outcome.code = isInterrupted ? engine::Code::cancelled : engine::Code::cannotWrite;
             outcome.sentence = "The output cannot be written.";
@@ -542,9 +579,18 @@ private:
         m_progress->hide();
         if (m_json) {
             std::string line = "{\"file\": " + jsonText(file.name) + ", \"status\": \"" + nameOf(outcome.code) + "\"";
+            if (outcome && m_task != Task::list)
+                line += ", \"output\": " + jsonText(file.resultName);
             if (outcome)
-                line += ", \"output\": " + jsonText(file.resultName) +
-                        ", \"pages\": " + std::to_string(outcome.pagesStamped);
+                line += ", \"pages\": " + std::to_string(outcome.pagesStamped);
+            if (outcome && m_task == Task::list) {
+                std::string stamps;
+                for (const auto& stamp : outcome.stamps)
+                    stamps += (stamps.empty() ? "" : ", ") + ("{\"name\": " + jsonText(nameOfStamp(stamp))) +
+                              ", \"identifier\": " + jsonText(stamp.identifier) + ", \"pages\": \"" +
+                              listOf(stamp.pages) + "\"}";
+                line += ", \"stamps\": [" + stamps + ']';
+            }
             line +=
                 ", \"message\": " + jsonText(outcome ? outcome.sentence : sentenceOf(outcome)) + ", \"warnings\": [";
             for (const auto& warning : outcome.warnings)
@@ -559,10 +605,41 @@ private:
         }
         for (const auto& warning : outcome.warnings)
             complain(0, file.name + ": " + warning);
-        if (m_job.dryRun)
+        if (m_task == Task::list) {
+            std::string text = outcome.stamps.empty() ? file.name + ": no stamps\n" : "";
+            for (const auto& stamp : outcome.stamps)
+                text += file.name + ": " + inQuotes(nameOfStamp(stamp)) +
+                        (stamp.pages.size() == 1 ? " on page " : " on pages ") + listOf(stamp.pages) + '\n';
+            std::cout << text << std::flush;
+        } else if (m_job.dryRun)
             std::cout << file.name + ": " + outcome.sentence + '\n' << std::flush;
         else if (file.announced)
             std::cout << file.resultName + '\n' << std::flush;
+    }
+
+    /// Has the stamps of that name removed.
+    void removeStampCalled(const std::string& name) {
+        const auto text = platform::fromUtf8(name);
+        for (const auto& configuration : m_known)
+            if (configuration->name() == text || configuration->uniqueID() == text)
+                m_job.configurations.push_back(configuration);
+        m_job.removed.push_back(titleCalled(name).value_or(name));
+    }
+
+    /// What people call a stamp: what `removeStampCalled` understands, and takes for no other.
+    std::string nameOfStamp(const engine::FoundStamp& stamp) const {
+        if (const auto title = nameOfTitle(stamp.identifier))
+            return *title;
+        const auto identifier = platform::fromUtf8(stamp.identifier);
+        const auto bears = [&](const auto& configuration) { return configuration->uniqueID() == identifier; };
+        const auto found = std::find_if(m_known.begin(), m_known.end(), bears);
+        if (found == m_known.end())
+            return stamp.identifier;
+        const auto name = (*found)->name();
+        const auto isUnique = std::count_if(m_known.begin(), m_known.end(), [&](const auto& configuration) {
+                                  return configuration->name() == name;
+                              }) == 1;
+        return isUnique && !name.empty() ? platform::toUtf8(name) : stamp.identifier;
     }
 
     static std::string jsonText(const std::string& text) {
@@ -588,6 +665,7 @@ private:
     Arguments m_arguments;
     bool m_json;
     engine::StampJob m_job;
+    Configurations m_known; ///< Where stamps are called by names.
     std::size_t m_jobs = 1;
     bool m_toStdout = false;
     bool m_intoFolder = false;
@@ -608,16 +686,21 @@ int stamp(const fs::path& store, const std::vector<std::string>& arguments) {
     withValue.insert(withValue.end(), titleOptions().begin(), titleOptions().end());
     auto sorted = sortArguments(
         arguments, withValue,
-        {"--in-place", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
+        {"--in-place", "--force", "--allow-signed", "--replace", "--json", "--incremental", "--rewrite", "--dry-run"},
+        problem);
     return sorted ? Run(Task::stamp, store, std::move(*sorted)).go() : complain(usage, problem);
 }
 
 int unstamp(const fs::path& store, const std::vector<std::string>& arguments) {
     std::string problem;
-    auto sorted =
-        sortArguments(arguments, {"--configuration", "--output", "--password-file", "--jobs"},
-                      {"--in-place", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"}, problem);
-    return sorted ? Run(Task::unstamp, store, std::move(*sorted)).go() : complain(usage, problem);
+    auto sorted = sortArguments(
+        arguments, {"--configuration", "--stamp", "--output", "--pages", "--password-file", "--jobs"},
+        {"--list", "--in-place", "--force", "--allow-signed", "--json", "--incremental", "--rewrite", "--dry-run"},
+        problem);
+    if (!sorted)
+        return complain(usage, problem);
+    const auto task = sorted->has("--list") ? Task::list : Task::unstamp;
+    return Run(task, store, std::move(*sorted)).go();
 }
 
 } // namespace cli

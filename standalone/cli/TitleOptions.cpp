@@ -111,11 +111,12 @@ void appendTitle(std::vector<host::TitleToken>& tokens, const std::u16string& ti
 }
 
 constexpr const char* usualPosition = "top-right";
+constexpr const char* kTitle = "title-"; // and its position
 
 /// What a title's stamp is found by when it is to be replaced. Its text may be corrected and its looks may change; at
 /// another place it is another stamp.
-std::u16string identifierAt(const std::string& position) {
-    return u"stamped-from-the-command-line-" + fromUtf8(position.empty() ? usualPosition : position);
+std::string identifierAt(const std::string& position) {
+    return "stamped-from-the-command-line-" + (position.empty() ? usualPosition : position);
 }
 
 /// Reads the options one by one into a configuration.
@@ -123,7 +124,7 @@ class Reader {
 public:
     Reader(const Arguments& arguments, std::string& problem)
         : m_arguments(arguments), m_problem(problem),
-          m_made(model::Configuration::makeWithID(identifierAt(arguments.value("--position")), false)) {}
+          m_made(model::Configuration::makeWithID(fromUtf8(identifierAt(arguments.value("--position"))), false)) {}
 
     std::shared_ptr<model::Configuration> read() {
         m_made->setName(u"--title");
@@ -241,6 +242,20 @@ const std::vector<std::string>& titleOptions() {
                                                   "--border", "--border-color", "--fill",     "--position",
                                                   "--offset", "--rotate",       "--thickness"};
     return options;
+}
+
+std::optional<std::string> nameOfTitle(const std::string& identifier) {
+    for (const auto& position : positions)
+        if (identifier == identifierAt(position.word))
+            return std::string(kTitle) + position.word;
+    return std::nullopt;
+}
+
+std::optional<std::string> titleCalled(const std::string& name) {
+    for (const auto& position : positions)
+        if (name == std::string(kTitle) + position.word)
+            return identifierAt(position.word);
+    return std::nullopt;
 }
 
 std::shared_ptr<model::Configuration> configurationFromOptions(const Arguments& arguments, std::string& problem) {

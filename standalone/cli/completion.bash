@@ -5,6 +5,7 @@
 _imprinter() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} at=1 command
     local commands='open list show stamp unstamp preview export import pictures'
+    local places='top-left top top-right left center right bottom-left bottom bottom-right'
     local store=()
     COMPREPLY=()
     if [[ ${COMP_WORDS[1]} == --store ]]; then
@@ -16,6 +17,9 @@ _imprinter() {
     local names=false
     case $before in
         --configuration) names=true ;;
+        --stamp)
+            names=true
+            mapfile -t COMPREPLY < <(compgen -W "$(printf 'title-%s ' $places)" -- "$word") ;;
         --output | --password-file | --store)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
@@ -24,8 +28,7 @@ _imprinter() {
             mapfile -t COMPREPLY < <(compgen -W 'none rectangle rounded oval double dashed underline corners' -- "$word")
             return ;;
         --position)
-            mapfile -t COMPREPLY < <(compgen -W 'top-left top top-right left center right bottom-left bottom
-                bottom-right' -- "$word")
+            mapfile -t COMPREPLY < <(compgen -W "$places" -- "$word")
             return ;;
         --color | --border-color | --fill)
             mapfile -t COMPREPLY < <(compgen -W 'black blue gray green orange purple red white yellow' -- "$word")
@@ -50,10 +53,10 @@ _imprinter() {
         local options='--help'
         case $command in
             stamp) options+=' --configuration --title --font --size --color --border --border-color --thickness --fill
-                --position --offset --rotate --output --in-place --pages --first-number --replace --password-file
+                --position --offset --rotate --output --in-place --force --pages --first-number --replace --password-file
                 --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
-            unstamp) options+=' --configuration --output --in-place --password-file --allow-signed --incremental
-                --rewrite --dry-run --jobs --json' ;;
+            unstamp) options+=' --list --stamp --configuration --output --in-place --force --pages --password-file
+                --allow-signed --incremental --rewrite --dry-run --jobs --json' ;;
             preview) options+=' --configuration --output' ;;
             export) options+=' --output' ;;
             import) options+=' --replace' ;;

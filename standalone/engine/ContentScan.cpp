@@ -219,6 +219,10 @@ std::string walk(std::string_view content, Meet meet) {
         closing += ")\n";
     for (auto bracket = brackets.rbegin(); bracket != brackets.rend(); ++bracket)
         closing += *bracket == '[' ? "]\n" : ">>\n";
+    // Some readers give an image up where its dictionary has a key that is no name; others go on to its data, and draw
+    // it unless its keys are wrong.
+    if (image != std::string_view::npos)
+        closing += "() () /IM 0 ID \nEI\n";
     return closing;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DecodedPicture.h"
 #include "JpegPatch.h"
+#include "MultiPicture.h"
 #include "PictureFile.h"
 
 #include <algorithm>
@@ -468,8 +469,10 @@ std::string patched(Decompressor& source, Coefficients coefficients, std::string
     writeMarkers(out, source.info);
     jpeg_finish_compress(&out);
     jpeg_finish_decompress(&source.info);
-    const auto rest = source.info.src->bytes_in_buffer;
-    return result.bytes() + std::string(file.substr(file.size() - std::min(rest, file.size())));
+    const auto length = file.size() - std::min<std::size_t>(source.info.src->bytes_in_buffer, file.size());
+    auto bytes = result.bytes();
+    correctIndex(bytes, file, length);
+    return bytes.append(file.substr(length));
 }
 
 } // namespace

@@ -246,6 +246,15 @@ void OutputFile::commit(bool durable) {
     }
 }
 
+bool isWriteProtected(const std::filesystem::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    // The administrator may do anything; what the mode says is meant for him too.
+    return (status.st_mode & 0222) == 0 ||
+           (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0 && errno == EACCES);
+}
+
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
     std::error_code none;
     return std::filesystem::equivalent(a, b, none);

@@ -48,6 +48,10 @@ private:
     int m_descriptor = -1;
 };
 
+/// Whether there is a file that this user may not write, or that nobody may. It could be replaced nevertheless, since
+/// that is a matter of its folder.
+bool isWriteProtected(const std::filesystem::path& path);
+
 /// Whether both names lead to one existing file.
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 

@@ -14,7 +14,50 @@ Box boxOf(QPDFObjectHandle object, const Box& missing) {
     return {box.llx, box.lly, box.urx, box.ury};
 }
 
+constexpr int kDeepest = 1000;
+
+/// Whether a node or one below it has something to drop, which then is dropped. A tree that leads back to itself, or
+/// has no end, is the library's to judge.
+bool dropMissing(QPDFObjectHandle node, std::set<QPDFObjGen>& seen, int level) {
+    auto kids = node.getKey("/Kids");
+    if (!kids.isArray() || level == kDeepest || (node.isIndirect() && !seen.insert(node.getObjGen()).second))
+        return false;
+    bool found = false;
+    for (int i = kids.getArrayNItems(); i-- > 0;) {
+        auto kid = kids.getArrayItem(i);
+        if (!kid.isDictionary()) {
+            kids.eraseItem(i);
+            found = true;
+        } else if (kid.hasKey("/Kids")) {
+            found = dropMissing(kid, seen, level + 1) || found;
+        }
+    }
+    return found;
+}
+
+/// Corrects the number of pages of a node and of those below it.
+int countAnew(QPDFObjectHandle node, std::set<QPDFObjGen>& seen, int level) {
+    auto kids = node.getKey("/Kids");
+    if (!kids.isArray() || level == kDeepest || (node.isIndirect() && !seen.insert(node.getObjGen()).second))
+        return 0;
+    int count = 0;
+    for (auto kid : kids.getArrayAsVector())
+        count += kid.hasKey("/Kids") ? countAnew(kid, seen, level + 1) : 1;
+    node.replaceKey("/Count", QPDFObjectHandle::newInteger(count));
+    return count;
+}
+
 } // namespace
+
+bool dropMissingPages(QPDF& document) {
+    auto root = document.getRoot().getKey("/Pages");
+    std::set<QPDFObjGen> seen;
+    if (!root.isDictionary() || !dropMissing(root, seen, 0))
+        return false;
+    seen.clear();
+    countAnew(root, seen, 0);
+    return true;
+}
 
 PageAttributes Inheritance::of(QPDFObjectHandle page) {
     PageAttributes result{page.getKey("/MediaBox"), page.getKey("/CropBox"), page.getKey("/Rotate"),

@@ -6,6 +6,7 @@
 #include <qpdf/QPDF.hh>
 
 #include <map>
+#include <set>
 #include <vector>
 
 namespace engine {
@@ -34,6 +35,10 @@ private:
 };
 
 PageGeometry geometryOf(QPDFObjectHandle page, const PageAttributes& attributes);
+
+/// Takes out of the page tree what is neither a page nor a node of it, such as references to objects that are missing,
+/// and corrects its counts then. Answers whether there was any. To be called before anybody asks for the pages.
+bool dropMissingPages(QPDF& document);
 
 /// The streams of a page's contents, in order.
 std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents);

@@ -107,8 +107,31 @@ bool mayBeSigned(std::string_view bytes) {
     return has("/Sig") || has("/ByteRange");
 }
 
-Signatures signaturesOf(QPDF& document, std::string_view bytes) {
-    auto root = document.getRoot();
+/// A document that is read from a file.
+struct PdfFile {
+    MappedFile file;
+    QPDF document;
+    /// Whether its tree leads to pages that there are not; known when the pages were asked for.
+    bool lacksPages = false;
+
+    explicit PdfFile(const StampJob& job) : file(job.input) {
+        document.setSuppressWarnings(true);
+        document.processMemoryFile(job.input.c_str(), file.bytes().data(), file.bytes().size(), job.password.c_str());
+    }
+
+    const std::vector<QPDFObjectHandle>& pages() {
+        if (!m_hasLooked)
+            lacksPages = dropMissingPages(document);
+        m_hasLooked = true;
+        return document.getAllPages();
+    }
+
+private:
+    bool m_hasLooked = false;
+};
+
+Signatures signaturesOf(PdfFile& pdf) {
+    auto root = pdf.document.getRoot();
     Signatures found;
     auto permissions = root.getKey("/Perms");
     found.certifying = permissions.isDictionary() && permissions.hasKey("/DocMDP");
@@ -116,8 +139,8 @@ Signatures signaturesOf(QPDF& document, std::string_view bytes) {
     // The form's flags say that there is a field for a signature, not that anybody signed.
     if (form.isDictionary())
         findSignatures(form.getKey("/Fields"), false, kDeepestField, found);
-    if (!found.present && mayBeSigned(bytes))
-        for (auto page : document.getAllPages())
+    if (!found.present && mayBeSigned(pdf.file.bytes()))
+        for (auto page : pdf.pages())
             findSignatures(page.getKey("/Annots"), found);
     return found;
 }
@@ -201,33 +224,31 @@ enum class Task { stamp, unstamp };
 class PdfStamping {
 public:
     PdfStamping(Task task, const StampJob& job, const Facts& facts, Report& report)
-        : m_task(task), m_job(job), m_facts(facts), m_report(report), m_progress(job), m_file(job.input) {}
+        : m_task(task), m_job(job), m_facts(facts), m_report(report), m_progress(job), m_pdf(job) {}
 
     std::size_t run() {
-        const auto bytes = m_file.bytes();
-        m_document.setSuppressWarnings(true);
-        m_document.processMemoryFile(m_job.input.c_str(), bytes.data(), bytes.size(), m_job.password.c_str());
-        m_linearized = m_document.isLinearized();
-        const auto signatures = signaturesOf(m_document, bytes);
+        const auto bytes = m_pdf.file.bytes();
+        m_linearized = m_pdf.document.isLinearized();
+        const auto signatures = signaturesOf(m_pdf);
         m_isSigned = signatures.present;
-        refuseWhatMustNotChange(m_document, signatures, m_job);
+        refuseWhatMustNotChange(m_pdf.document, signatures, m_job);
 
         FaceLibrary faces(m_job.defaultFont);
         std::vector<StampPlan> plans;
         if (m_task == Task::stamp || !m_job.configurations.empty())
             plans = planStamps(m_job.configurations, m_job.pages, faces, m_report);
-        std::set<std::string> identifiers;
+        std::set<std::string> identifiers(m_job.removed.begin(), m_job.removed.end());
         for (const auto& plan : plans)
             identifiers.insert(plan.identifier);
-        const bool removesAll = m_task == Task::unstamp && m_job.configurations.empty();
+        const bool removesAll = m_task == Task::unstamp && m_job.configurations.empty() && m_job.removed.empty();
         const bool removes = m_task == Task::unstamp || m_job.replace;
 
         const bool aside = m_job.threads > 1;
         std::optional<PressRun> press;
-        if (const auto stated = statedPageCount(m_document, bytes); stated > 0 && m_task == Task::stamp)
+        if (const auto stated = statedPageCount(m_pdf.document, bytes); stated > 0 && m_task == Task::stamp)
             press.emplace(plans, m_facts, faces, m_job, stated, aside);
 
-        const auto& pages = m_document.getAllPages();
+        const auto& pages = m_pdf.pages();
         if (pages.empty())
             throw Failure(Code::damaged, "The document has no pages.");
         if (m_task == Task::stamp && (!press || press->pageCount() != pages.size())) {
@@ -235,7 +256,8 @@ public:
             press.emplace(plans, m_facts, faces, m_job, pages.size(), aside);
         }
 
-        const bool inFile = !m_document.isEncrypted() && bytes.starts_with("%PDF-") && !m_document.anyWarnings();
+        const bool inFile =
+            !m_pdf.document.isEncrypted() && bytes.starts_with("%PDF-") && !m_pdf.document.anyWarnings();
         auto reader = std::make_unique<ContentReader>(inFile ? bytes : std::string_view(), aside);
         std::vector<PageWriter::Page> sources(pages.size());
         std::vector<bool> stripped(pages.size());
@@ -245,6 +267,12 @@ public:
             if (m_task == Task::stamp)
                 for (const auto page : plan.pagesOf(pages.size()))
                     isChosen[page - 1] = true;
+        // Other pages than those the job names keep the stamps they have.
+        std::vector<bool> isWithin(pages.size(), !m_job.pages);
+        if (m_job.pages)
+            for (const auto page : choosePages(*m_job.pages, pages.size()))
+                isWithin[page - 1] = true;
+        const std::set<std::string> none;
         Flate flate;
         for (std::size_t i = 0; i < pages.size(); ++i) {
             if (i % 64 == 0)
@@ -256,7 +284,7 @@ public:
             auto streams = streamsOf(source.object.getKey("/Contents"));
             StrippedContent content;
             if (removes)
-                content = stripStamps(streams, removesAll ? nullptr : &identifiers, flate);
+                content = stripStamps(streams, !isWithin[i] ? &none : removesAll ? nullptr : &identifiers, flate);
             stripped[i] = content.found;
             if (!isChosen[i] && !content.found && content.kept.empty())
                 continue;
@@ -273,7 +301,7 @@ public:
                                             : reader->add(content.found ? content.streams : streams);
         }
         m_removes = std::find(stripped.begin(), stripped.end(), true) != stripped.end();
-        reader->finish(m_document.anyWarnings());
+        reader->finish(m_pdf.document.anyWarnings());
         tellOfUnread(*reader, sources);
         StampPress* stamps = nullptr;
         std::size_t changed = 0;
@@ -288,6 +316,8 @@ public:
             }
         } else {
             changed = static_cast<std::size_t>(std::count(stripped.begin(), stripped.end(), true));
+            if (std::find(isWithin.begin(), isWithin.end(), true) == isWithin.end())
+                throw Failure(Code::nothingToRemove, "The page list names no page of the file.");
             if (changed == 0)
                 throw Failure(Code::nothingToRemove, "The document bears no such stamp.");
         }
@@ -301,7 +331,7 @@ public:
         }
 
         const auto write = [&](PdfObjects& objects, double last) {
-            m_file.release();
+            m_pdf.file.release();
             {
                 PageWriter writer(objects, plans, stamps, *reader);
                 for (const auto& source : sources)
@@ -334,7 +364,7 @@ public:
 
 private:
     void tellOfDamage() {
-        if (wasDamaged(m_document))
+        if (m_pdf.lacksPages || wasDamaged(m_pdf.document))
             m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
     }
 
@@ -365,10 +395,10 @@ private:
     bool mayUpdate() {
         if (m_job.saving == Saving::rewrite && !m_isSigned)
             return false;
-        bool possible = PdfUpdate::isPossible(m_document, m_file.bytes());
+        bool possible = !m_pdf.lacksPages && PdfUpdate::isPossible(m_pdf.document, m_pdf.file.bytes());
         // A page that stands twice in the tree became an object that the file does not have.
-        const auto size = m_document.getTrailer().getKey("/Size").getIntValue();
-        for (const auto& page : m_document.getAllPages())
+        const auto size = m_pdf.document.getTrailer().getKey("/Size").getIntValue();
+        for (const auto& page : m_pdf.pages())
             possible = possible && page.getObjectID() < size;
         if (m_isSigned && !possible)
             throw Failure(Code::isSigned, "The document is signed and can only be written anew, which would make its "
@@ -382,8 +412,8 @@ private:
 
     template <class Write>
     void update(const Write& write) {
-        OutputFile output(m_job.output, m_file.state().mode());
-        PdfUpdate objects(m_document, m_file.bytes(), m_file.descriptor(), output);
+        OutputFile output(m_job.output, m_pdf.file.state().mode());
+        PdfUpdate objects(m_pdf.document, m_pdf.file.bytes(), m_pdf.file.descriptor(), output);
         objects.requireVersion("1.4");
         write(objects, 1.0);
         objects.finish();
@@ -392,23 +422,23 @@ private:
 
     template <class Write>
     void rewrite(const Write& write) {
-        PdfRewrite objects(m_document);
+        PdfRewrite objects(m_pdf.document);
         write(objects, 0.6);
-        OutputFile output(m_job.output, m_file.state().mode());
+        OutputFile output(m_job.output, m_pdf.file.state().mode());
         try {
             // The writer replaces the entry of a repaired trailer, but adds none.
-            m_document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
-            QPDFWriter writer(m_document);
+            m_pdf.document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+            QPDFWriter writer(m_pdf.document);
             OutputPipeline pipeline(output);
             writer.setOutputPipeline(&pipeline);
             writer.setMinimumPDFVersion("1.4");
             writer.setLinearization(m_linearized);
-            if (m_job.deterministic && !m_document.isEncrypted())
+            if (m_job.deterministic && !m_pdf.document.isEncrypted())
                 writer.setDeterministicID(true);
-            const auto pageCount = m_document.getAllPages().size();
+            const auto pageCount = m_pdf.pages().size();
             writer.registerProgressReporter(
                 std::make_shared<QPDFWriter::FunctionProgressReporter>([this, pageCount](int percent) {
-                    m_file.release();
+                    m_pdf.file.release();
                     m_progress.tell(0.6 + 0.004 * percent, pageCount);
                 }));
             writer.write();
@@ -419,9 +449,9 @@ private:
     }
 
     void commit(OutputFile& output) {
-        const auto pageCount = m_document.getAllPages().size();
+        const auto pageCount = m_pdf.pages().size();
         m_progress.tell(1, pageCount);
-        m_file.state().expectAt(m_job.input);
+        m_pdf.file.state().expectAt(m_job.input);
         output.commit();
     }
 
@@ -430,8 +460,7 @@ private:
     Facts m_facts;
     Report& m_report;
     Progress m_progress;
-    MappedFile m_file;
-    QPDF m_document;
+    PdfFile m_pdf;
     bool m_linearized = false;
     bool m_isSigned = false;
     bool m_removes = false; ///< Whether a page loses stamps.
@@ -500,15 +529,33 @@ std::size_t unstampPdf(const StampJob& job, Report& report) {
     return guarded(job, [&](const StampJob& attempt) { return PdfStamping(Task::unstamp, attempt, {}, report).run(); });
 }
 
-std::size_t countPdfPages(const StampJob& job) {
-    return guarded(job, [](const StampJob& attempt) {
-        const MappedFile file(attempt.input);
-        QPDF document;
-        document.setSuppressWarnings(true);
-        document.processMemoryFile(attempt.input.c_str(), file.bytes().data(), file.bytes().size(),
-                                   attempt.password.c_str());
-        return document.getAllPages().size();
+std::vector<FoundStamp> findPdfStamps(const StampJob& job, std::size_t& pageCount) {
+    std::vector<FoundStamp> stamps;
+    pageCount = guarded(job, [&stamps](const StampJob& attempt) {
+        PdfFile pdf(attempt);
+        const auto& pages = pdf.pages();
+        std::size_t bearing = 0;
+        Flate flate;
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            const auto found = stampsIn(streamsOf(QPDFObjectHandle(pages[i]).getKey("/Contents")), flate);
+            bearing += found.empty() ? 0 : 1;
+            for (const auto& identifier : found) {
+                auto known = std::find_if(stamps.begin(), stamps.end(),
+                                          [&](const auto& stamp) { return stamp.identifier == identifier; });
+                if (known == stamps.end())
+                    known = stamps.insert(known, {identifier, {}});
+                known->pages.push_back(i + 1);
+            }
+            if (i % 64 == 0)
+                Progress(attempt).tell(static_cast<double>(i) / static_cast<double>(pages.size()), pages.size());
+        }
+        return bearing;
     });
+    return stamps;
+}
+
+std::size_t countPdfPages(const StampJob& job) {
+    return guarded(job, [](const StampJob& attempt) { return PdfFile(attempt).pages().size(); });
 }
 
 } // namespace engine

@@ -15,6 +15,9 @@ std::size_t stampPdf(const StampJob& job, const Facts& facts, Report& report);
 /// `stampPdf` does.
 std::size_t unstampPdf(const StampJob& job, Report& report);
 
+/// What stamps the job's document bears, and in `pageCount` how many pages do. Throws `Failure`.
+std::vector<FoundStamp> findPdfStamps(const StampJob& job, std::size_t& pageCount);
+
 /// Throws `Failure`.
 std::size_t countPdfPages(const StampJob& job);
 

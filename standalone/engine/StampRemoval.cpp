@@ -27,6 +27,43 @@ std::optional<std::string> identifierOf(std::string_view properties) {
     }
 }
 
+/// The content of streams, as far as it can be decoded.
+struct Decoded {
+    std::string text;                ///< Behind the last stream that cannot be decoded, of each a line at least.
+    std::vector<std::size_t> starts; ///< Of each stream in it.
+    std::size_t unread = 0;          ///< How many streams there are up to that last one.
+};
+
+Decoded decode(const std::vector<QPDFObjectHandle>& streams, Flate& flate) {
+    Decoded result;
+    for (const auto& stream : streams) {
+        const auto start = result.text.size();
+        try {
+            result.text += decodedStream(stream, flate);
+            result.text += '\n';
+            result.starts.push_back(start);
+        } catch (const QPDFExc&) {
+            result = {{}, {}, static_cast<std::size_t>(&stream - streams.data()) + 1};
+        }
+    }
+    return result;
+}
+
+struct MarkedStamp {
+    ContentMark mark; ///< Refers to the content.
+    std::string identifier;
+};
+
+std::vector<MarkedStamp> stampsIn(std::string_view content) {
+    std::vector<MarkedStamp> stamps;
+    if (content.find(kTag) == std::string_view::npos)
+        return stamps;
+    for (auto& mark : findMarks(content))
+        if (auto identifier = mark.tag == "/Artifact" ? identifierOf(mark.properties) : std::optional<std::string>())
+            stamps.push_back({std::move(mark), std::move(*identifier)});
+    return stamps;
+}
+
 /// Whether a stream does nothing but close what the content before it left open.
 bool onlyCloses(std::string_view text) {
     const auto isSpace = [](char c) { return std::string_view("\0\t\n\f\r ", 6).find(c) != std::string_view::npos; };
@@ -40,7 +77,7 @@ bool onlyCloses(std::string_view text) {
         while (end < text.size() && !isSpace(text[end]))
             ++end;
         const auto token = text.substr(at, end - at);
-        static const std::string_view closers[] = {"Q", "ET", "EMC", ")", ">", "]", ">>", "EI"};
+        static const std::string_view closers[] = {"Q", "ET", "EMC", ")", ">", "]", ">>", "()", "/IM", "0", "ID", "EI"};
         if (std::find(std::begin(closers), std::end(closers), token) == std::end(closers))
             return false;
         at = end;
@@ -62,33 +99,22 @@ std::size_t savesBefore(const std::vector<QPDFObjectHandle>& streams, std::size_
 
 } // namespace
 
+std::vector<std::string> stampsIn(const std::vector<QPDFObjectHandle>& streams, Flate& flate) {
+    std::vector<std::string> identifiers;
+    const auto content = decode(streams, flate);
+    for (const auto& stamp : stampsIn(content.text))
+        if (std::find(identifiers.begin(), identifiers.end(), stamp.identifier) == identifiers.end())
+            identifiers.push_back(stamp.identifier);
+    return identifiers;
+}
+
 StrippedContent stripStamps(const std::vector<QPDFObjectHandle>& streams, const std::set<std::string>* wanted,
                             Flate& flate) {
     StrippedContent result;
-    std::string text;
-    std::vector<std::size_t> starts;
-    std::size_t unread = 0; // how many streams there are up to the last one that cannot be decoded
-    for (const auto& stream : streams) {
-        const auto start = text.size();
-        try {
-            text += decodedStream(stream, flate);
-            text += '\n';
-            starts.push_back(start);
-        } catch (const QPDFExc&) {
-            text.clear();
-            starts.clear();
-            unread = static_cast<std::size_t>(&stream - streams.data()) + 1;
-        }
-    }
-    if (text.find(kTag) == std::string::npos)
-        return result;
-
+    auto [text, starts, unread] = decode(streams, flate);
     std::vector<ContentMark> gone;
-    for (auto& mark : findMarks(text)) {
-        const auto identifier = mark.tag == "/Artifact" ? identifierOf(mark.properties) : std::optional<std::string>();
-        if (!identifier)
-            continue;
-        const bool goes = !wanted || wanted->count(*identifier) > 0;
+    for (auto& [mark, identifier] : stampsIn(text)) {
+        const bool goes = !wanted || wanted->count(identifier) > 0;
         (goes ? result.names : result.kept).insert(mark.drawn.begin(), mark.drawn.end());
         if (goes)
             gone.push_back(std::move(mark));

@@ -22,6 +22,9 @@ struct StrippedContent {
     std::set<std::string> kept;            ///< Names that stamps use which stay; told whether there was one or not.
 };
 
+/// The identifiers of the stamps in a page's content, each once, in order.
+std::vector<std::string> stampsIn(const std::vector<QPDFObjectHandle>& streams, Flate& flate);
+
 /// Finds the stamps of earlier runs in a page's content and takes away those of the configurations whose identifiers
 /// are `wanted`; all where it is null. What was wrapped around the content for the stamps goes with the last of them.
 /// Where a stream cannot be decoded, stamps are looked for in those behind it.

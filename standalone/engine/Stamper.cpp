@@ -162,6 +162,10 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
             outcome.path = job.output;
             throw Failure(Code::cannotWrite, "The output is a pipe or a device, not a file.");
         }
+        if (!job.force && isWriteProtected(job.output)) {
+            outcome.path = job.output;
+            throw Failure(Code::writeProtected, "The file is write-protected.");
+        }
         const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
         if (hasOtherNames)
@@ -237,6 +241,24 @@ Outcome unstampFile(const StampJob& job) {
     if (outcome)
         outcome.sentence = "Stamps " + wordFor(job, "were") + " removed from " + std::to_string(outcome.pagesStamped) +
                            (outcome.pagesStamped == 1 ? " page." : " pages.");
+    return outcome;
+}
+
+Outcome findStamps(const StampJob& job) {
+    std::vector<FoundStamp> stamps;
+    auto outcome = outcomeOf(job, [&](Kind kind, Report&) {
+        if (kind != Kind::pdf)
+            throw Failure(Code::unsupported, "A stamp on a picture is part of the picture and cannot be told from it.");
+        std::size_t pages = 0;
+        stamps = findPdfStamps(job, pages);
+        return pages;
+    });
+    outcome.path = job.input;
+    if (!outcome)
+        return outcome;
+    const auto count = stamps.empty() ? "no" : std::to_string(stamps.size());
+    outcome.sentence = "The document bears " + count + (stamps.size() == 1 ? " stamp." : " stamps.");
+    outcome.stamps = std::move(stamps);
     return outcome;
 }
 

@@ -49,6 +49,8 @@ TEST_F(Manual, TheShellCompletesCommandsOptionsAndConfigurations) {
     EXPECT_EQ(complete("imprinter stamp --al", 2), "--allow-signed\n");
     EXPECT_EQ(complete("imprinter stamp --configuration Re", 3), "Received\n");
     EXPECT_EQ(complete("imprinter stamp --configuration Pa", 3), "Page\\ of\\ Pages\n");
+    EXPECT_EQ(complete("imprinter unstamp --stamp title-bottom-", 3), "title-bottom-left\ntitle-bottom-right\n");
+    EXPECT_EQ(complete("imprinter unstamp --stamp Re", 3), "Received\n");
     EXPECT_EQ(complete("imprinter show Con", 2), "Confidential\n");
     writeFile(folder / "letter.pdf", "");
     EXPECT_EQ(complete("imprinter stamp --configuration Received let", 4), "letter.pdf\n");

@@ -307,6 +307,97 @@ TEST_F(Stamping, ReplacingAndRemovingFromTheCommandLine) {
     EXPECT_EQ(again.output, "imprinter: letter.pdf: The document bears no such stamp.\n");
 }
 
+TEST_F(Stamping, OnlyThePagesThatAreListedLoseStamps) {
+    letter();
+    ASSERT_EQ(imprinter("stamp --title before --in-place letter.pdf").status, 0);
+    ASSERT_EQ(imprinter("stamp --title after --replace --pages 1 --in-place letter.pdf").status, 0);
+    const auto words = [this] { return shell("pdftotext letter.pdf - | tr -s '\\n\\f' '  '").output; };
+    EXPECT_EQ(words(), "after before before ");
+    ASSERT_EQ(imprinter("unstamp --pages 2- --in-place letter.pdf").status, 0);
+    EXPECT_EQ(words(), "after ");
+    const auto run = imprinter("unstamp --pages 2-,9 --in-place letter.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.output, "imprinter: letter.pdf: The document bears no such stamp.\n");
+}
+
+TEST_F(Stamping, StampsAreListedByTheNamesThatTakeThemOff) {
+    letter();
+    ASSERT_EQ(imprinter("stamp --configuration Received --in-place letter.pdf").status, 0);
+    ASSERT_EQ(imprinter("stamp --title Upper --position top-left --pages 1,3 --in-place letter.pdf").status, 0);
+    ASSERT_EQ(imprinter("stamp --title Lower --position bottom --pages 2 --in-place letter.pdf").status, 0);
+    letter("plain.pdf");
+    const auto before = files();
+    const auto run = imprinter("unstamp --list letter.pdf plain.pdf");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "letter.pdf: \"Received\" on page 1\n"
+                          "letter.pdf: \"title-top-left\" on pages 1,3\n"
+                          "letter.pdf: \"title-bottom\" on page 2\n"
+                          "plain.pdf: no stamps\n");
+    EXPECT_EQ(
+        imprinter("unstamp --list --json -", "cat letter.pdf | ")
+            .output.find("{\"file\": \"standard input\", \"status\": \"ok\", \"pages\": 3, \"stamps\": [{\"name\": "
+                         "\"Received\", \"identifier\": \""),
+        0U);
+    EXPECT_EQ(files(), before);
+
+    ASSERT_EQ(imprinter("unstamp --stamp title-top-left --stamp title-bottom --in-place letter.pdf").status, 0);
+    EXPECT_FALSE(bears("letter.pdf", "Upper"));
+    EXPECT_FALSE(bears("letter.pdf", "Lower"));
+    EXPECT_TRUE(bears("letter.pdf", "RECEIVED"));
+    EXPECT_EQ(imprinter("unstamp --stamp title-top-left --in-place letter.pdf").output,
+              "imprinter: letter.pdf: The document bears no such stamp.\n");
+    // The configuration is gone, and its stamp is known by its identifier.
+    writeFile(folder / "other.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": []})");
+    const auto listed = imprinter("--store other.json unstamp --list letter.pdf").output;
+    const auto quote = listed.find('"');
+    const auto identifier = listed.substr(quote + 1, listed.find('"', quote + 1) - quote - 1);
+    EXPECT_GT(identifier.size(), 20U) << listed;
+    const auto removal = imprinter("--store other.json unstamp --in-place --stamp " + identifier + " letter.pdf");
+    EXPECT_EQ(removal.status, 0) << removal.output;
+    EXPECT_FALSE(bears("letter.pdf", "RECEIVED"));
+}
+
+TEST_F(Stamping, AListOfStampsWritesNothingAndSaysWhatHasNone) {
+    letter();
+    ASSERT_EQ(imprinter("stamp --title x --in-place letter.pdf").status, 0);
+    ASSERT_EQ(shell("qpdf --encrypt '' owner 256 --modify=none -- letter.pdf closed.pdf").status, 0);
+    EXPECT_EQ(imprinter("unstamp --list closed.pdf").output, "closed.pdf: \"title-top-right\" on pages 1-3\n");
+    ASSERT_TRUE(render::white(20, 20).save((folder / "scan.png").c_str()));
+    auto run = imprinter("unstamp --list scan.png missing.pdf letter.pdf");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find(
+                  "imprinter: scan.png: A stamp on a picture is part of the picture and cannot be told from it.\n"),
+              std::string::npos);
+    EXPECT_NE(run.output.find("imprinter: missing.pdf: The file cannot be read.\n"), std::string::npos);
+    EXPECT_NE(run.output.find("letter.pdf: \"title-top-right\" on pages 1-3\n"), std::string::npos);
+    for (const std::string option : {"--in-place", "--output x.pdf", "--stamp x", "--pages 1", "--dry-run"}) {
+        run = imprinter("unstamp --list " + option + " letter.pdf");
+        EXPECT_EQ(run.status, 64) << option;
+        EXPECT_EQ(run.output,
+                  "imprinter: --list only looks; " + option.substr(0, option.find(' ')) + " has no place beside it\n");
+    }
+}
+
+TEST_F(Stamping, AProtectedFileIsReplacedByForceOnly) {
+    letter("a.pdf");
+    letter("b.pdf");
+    fs::permissions(folder / "a.pdf", fs::perms(0444));
+    const auto old = readFile(folder / "a.pdf");
+    auto run = imprinter("stamp --title x --in-place a.pdf b.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.output, "imprinter: a.pdf: The file is write-protected. It is replaced where --force says so.\n");
+    EXPECT_EQ(readFile(folder / "a.pdf"), old);
+    EXPECT_TRUE(bears("b.pdf", "x"));
+    run = imprinter("stamp --title x --json --output a.pdf b.pdf");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_NE(run.output.find("\"status\": \"writeProtected\""), std::string::npos) << run.output;
+    EXPECT_EQ(imprinter("stamp --title x --in-place --force a.pdf").output, "");
+    EXPECT_TRUE(bears("a.pdf", "x"));
+    EXPECT_EQ(imprinter("unstamp --in-place a.pdf").status, 3);
+    EXPECT_EQ(imprinter("unstamp --in-place --force a.pdf").status, 0);
+    EXPECT_EQ(fs::status(folder / "a.pdf").permissions(), fs::perms(0444));
+}
+
 TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
     letter();
     EXPECT_EQ(imprinter("stamp --configuration Received --incremental --output a.pdf letter.pdf").status, 0);

@@ -31,9 +31,10 @@ protected:
         writeFile(folder / "letter.pdf", document(3, "/MediaBox [0 0 300 200]", "0 0 9 9 re f"));
         white(64, 64).save((folder / "page.png").c_str());
     }
-    engine::Outcome stamp(const std::string& name) {
+    engine::Outcome stamp(const std::string& name, bool force = false) {
         auto task = job(folder / name, folder / name, {configuration(u"Stamped")});
         task.inPlace = true;
+        task.force = force;
         return engine::stampFile(task);
     }
     struct stat statusOf(const std::string& name) {
@@ -68,11 +69,40 @@ TEST_F(InPlace, AFileKeepsItsPermissions) {
         for (const mode_t mode : {0600U, 0640U, 0444U, 0777U}) {
             ASSERT_EQ(::chmod((folder / name).c_str(), mode), 0);
             const auto before = statusOf(name);
-            ASSERT_TRUE(stamp(name));
+            ASSERT_TRUE(stamp(name, true));
             const auto after = statusOf(name);
             EXPECT_NE(after.st_ino, before.st_ino) << "it was replaced";
             EXPECT_EQ(after.st_mode & 07777, mode);
         }
+}
+
+TEST_F(InPlace, AFileThatNobodyMayWriteIsLeftAsItIs) {
+    for (const std::string name : {"letter.pdf", "page.png"}) {
+        ASSERT_EQ(::chmod((folder / name).c_str(), 0444), 0);
+        const auto old = readFile(folder / name);
+        const auto names = folder.names();
+        fs::create_symlink(name, folder / "link");
+        for (const auto& called : {name, std::string("link")}) {
+            const auto outcome = stamp(called);
+            EXPECT_EQ(outcome.code, Code::writeProtected);
+            EXPECT_EQ(outcome.sentence, "The file is write-protected.");
+            EXPECT_EQ(outcome.path, folder / called);
+        }
+        fs::remove(folder / "link");
+        EXPECT_EQ(readFile(folder / name), old);
+        EXPECT_EQ(folder.names(), names);
+
+        // As the input of another file it is as good as any; the output is protected for itself.
+        auto task = job(folder / name, folder / "out", {configuration(u"Stamped")});
+        ASSERT_TRUE(engine::stampFile(task));
+        ASSERT_EQ(::chmod((folder / "out").c_str(), 0400), 0);
+        EXPECT_EQ(engine::stampFile(task).code, Code::writeProtected);
+        task.dryRun = true;
+        EXPECT_EQ(engine::stampFile(task).code, Code::writeProtected);
+        task.force = true;
+        EXPECT_TRUE(engine::stampFile(task));
+        fs::remove(folder / "out");
+    }
 }
 
 TEST_F(InPlace, AFileKeepsItsOwnerAndGroup) {
@@ -97,7 +127,7 @@ TEST_F(InPlace, WhereTheOwnerCannotBeKeptNobodyElseMayDoMoreThanBefore) {
     if (child == 0) {
         constexpr uid_t nobody = 65534;
         const bool changed = ::setgid(nobody) == 0 && ::setuid(nobody) == 0;
-        ::_exit(changed && stamp("letter.pdf") ? 0 : 1);
+        ::_exit(changed && !stamp("letter.pdf") && stamp("letter.pdf", true) ? 0 : 1);
     }
     int status = 1;
     ::waitpid(child, &status, 0);

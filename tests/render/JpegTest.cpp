@@ -229,6 +229,116 @@ TEST(JpegPictures, WhatFollowsTheEndOfTheFileStays) {
     EXPECT_TRUE(readFile(folder / "out.jpg").ends_with("Something of its own"));
 }
 
+namespace {
+
+/// A JPEG file of three pictures, the second of which keeps a distance to the first.
+struct SeveralPictures {
+    Folder folder;
+    bool bigEndian;
+    std::string first;
+    std::string second;
+    std::string third;
+    static constexpr std::size_t indexAt = 20 + 8; ///< Behind the JFIF header, a marker and a name.
+    static constexpr std::size_t listAt = 8 + 2 + 3 * 12 + 4;
+    static constexpr std::size_t distance = 100;
+
+    explicit SeveralPictures(bool isBigEndian) : bigEndian(isBigEndian) {
+        second = readFile(makeJpeg(folder, "-quality 80", "64x48"));
+        third = readFile(makeJpeg(folder, "-quality 70", "32x24"));
+        first = readFile(makeJpeg(folder, "-quality 90"));
+        const auto indexSize = listAt + 3 * 16;
+        const auto length = first.size() + 8 + indexSize;
+        std::string list;
+        const auto add = [&](std::size_t size, std::size_t offset) {
+            list +=
+                number(list.empty() ? 0x20030000 : 0x00020002, 4) + number(size, 4) + number(offset, 4) + number(0, 4);
+        };
+        add(length, 0);
+        add(second.size(), length + distance - indexAt);
+        add(third.size(), length + distance + second.size() - indexAt);
+        const auto index = (bigEndian ? std::string("MM") : std::string("II")) + number(42, 2) + number(8, 4) +
+                           number(3, 2) + number(0xB000, 2) + number(7, 2) + number(4, 4) + "0100" + number(0xB001, 2) +
+                           number(4, 2) + number(1, 4) + number(3, 4) + number(0xB002, 2) + number(7, 2) +
+                           number(list.size(), 4) + number(listAt, 4) + number(0, 4) + list;
+        const auto segment =
+            std::string("\xFF\xE2\0", 3) + static_cast<char>(6 + index.size()) + std::string("MPF\0", 4) + index;
+        first.insert(20, segment);
+    }
+
+    std::string bytes() const { return first + std::string(distance, '\0') + second + third; }
+
+    std::string number(std::size_t value, unsigned size) const {
+        std::string text;
+        for (unsigned i = 0; i < size; ++i)
+            text += static_cast<char>(value >> 8 * (bigEndian ? size - 1 - i : i) & 0xFF);
+        return text;
+    }
+    std::size_t numberAt(const std::string& file, std::size_t at) const {
+        std::size_t value = 0;
+        for (unsigned i = 0; i < 4; ++i)
+            value |= std::size_t{static_cast<unsigned char>(file[at + i])} << 8 * (bigEndian ? 3 - i : i);
+        return value;
+    }
+};
+
+} // namespace
+
+TEST(JpegPictures, PicturesBehindTheFirstOneAreStillFoundByTheFilesIndex) {
+    for (const bool bigEndian : {false, true}) {
+        SCOPED_TRACE(bigEndian);
+        const SeveralPictures file(bigEndian);
+        const auto in = file.folder / "several.jpg";
+        const auto out = file.folder / "out.jpg";
+        writeFile(in, file.bytes());
+        const auto outcome = engine::stampFile(job(in, out, {boxed()}));
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        const auto result = readFile(out);
+        const auto rest = std::string(SeveralPictures::distance, '\0') + file.second + file.third;
+        ASSERT_TRUE(result.ends_with(rest));
+        const auto length = result.size() - rest.size();
+        ASSERT_NE(length, file.first.size());
+        const auto list = SeveralPictures::indexAt + SeveralPictures::listAt;
+        EXPECT_EQ(file.numberAt(result, list + 4), length);
+        EXPECT_EQ(file.numberAt(result, list + 8), 0U);
+        const auto found = [&](std::size_t entry) {
+            return result.substr(SeveralPictures::indexAt + file.numberAt(result, entry + 8),
+                                 file.numberAt(result, entry + 4));
+        };
+        EXPECT_EQ(found(list + 16), file.second);
+        EXPECT_EQ(found(list + 32), file.third);
+        EXPECT_FALSE(differingArea(QImage(in.c_str()), QImage(out.c_str())).isEmpty());
+    }
+}
+
+TEST(JpegPictures, ABrokenIndexOfPicturesStaysAsItIs) {
+    const SeveralPictures file(false);
+    const auto list = SeveralPictures::indexAt + SeveralPictures::listAt;
+    const struct {
+        const char* what;
+        std::size_t at;
+        std::size_t value;
+    } wrongs[] = {
+        {"the first picture lies elsewhere", list + 8, 4},
+        {"a picture within the first one", list + 16 + 8, 50},
+        {"a picture behind the end", list + 32 + 8, 0x7FFFFFFF},
+        {"a list that is longer than its segment", SeveralPictures::indexAt + 10 + 24 + 4, 1600},
+        {"a list that ends within an entry", SeveralPictures::indexAt + 10 + 24 + 4, 40},
+        {"a list behind its segment", SeveralPictures::indexAt + 10 + 24 + 8, 0xFFFFFFF0},
+        {"a directory behind its segment", SeveralPictures::indexAt + 4, 0xFFFFFFF0},
+    };
+    for (const auto& wrong : wrongs) {
+        SCOPED_TRACE(wrong.what);
+        auto bytes = file.bytes();
+        bytes.replace(wrong.at, 4, file.number(wrong.value, 4));
+        writeFile(file.folder / "several.jpg", bytes);
+        const auto outcome = engine::stampFile(job(file.folder / "several.jpg", file.folder / "out.jpg", {boxed()}));
+        ASSERT_TRUE(outcome) << outcome.sentence;
+        const auto result = readFile(file.folder / "out.jpg");
+        const auto index = bytes.substr(20, 8 + SeveralPictures::listAt + 3 * 16);
+        EXPECT_EQ(result.substr(20, index.size()), index);
+    }
+}
+
 TEST(JpegPictures, KindsThatCannotBeStampedAreNotCalledDamaged) {
     Folder folder;
     const auto path = makeJpeg(folder, "-quality 90");

@@ -144,6 +144,59 @@ TEST(Replacing, TakesThePlaceOfTheOldStampAndLeavesThoseOfOthers) {
     EXPECT_TRUE(rendersAlike(folder / "c.pdf", folder / "b.pdf", 2));
 }
 
+namespace {
+
+/// Three pages that share their resources: a long list of forms, as a dictionary of its own, or in the tree.
+std::string sharingForms(bool ofItsOwn) {
+    DocumentBytes file;
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("");
+    std::string kids;
+    for (int page = 0; page < 3; ++page)
+        kids += std::to_string(file.add("<< /Type /Page /Parent 2 0 R /Contents 6 0 R >>")) + " 0 R ";
+    file.addStream(kContent);
+    const auto form = std::to_string(file.addStream("", "/Type /XObject /Subtype /Form /BBox [0 0 1 1]")) + " 0 R ";
+    std::string forms = "<<";
+    for (int i = 0; i < 40; ++i)
+        forms += "/AnotherForm" + std::to_string(i) + ' ' + form;
+    forms += ">>";
+    if (ofItsOwn)
+        forms = std::to_string(file.add(forms)) + " 0 R";
+    file.replace(2, "<< /Type /Pages /Count 3 /Kids [" + kids + "] /MediaBox [0 0 300 200] /Resources << /XObject " +
+                        forms + " >> >>");
+    return file.bytes();
+}
+
+} // namespace
+
+TEST(Replacing, OnSomePagesLeavesTheOthersTheirStamps) {
+    const std::string inputs[] = {document(3, kPage, kContent), sharingForms(false), sharingForms(true)};
+    for (const auto& input : inputs)
+        for (const auto saving : {Saving::update, Saving::rewrite}) {
+            SCOPED_TRACE(input);
+            Folder folder;
+            writeFile(folder / "in.pdf", input);
+            auto task = job(folder / "in.pdf", folder / "in.pdf", {titled(u"Old", u"1", 8), titled(u"Other", u"2", 0)});
+            task.inPlace = true;
+            ASSERT_TRUE(engine::stampFile(task));
+            task.configurations = {titled(u"New", u"1", 8)};
+            task.replace = true;
+            task.saving = saving;
+            task.pages = {{2, 2}};
+            const auto outcome = engine::stampFile(task);
+            ASSERT_TRUE(outcome) << outcome.sentence;
+            EXPECT_EQ(outcome.pagesStamped, 1U);
+            EXPECT_EQ(textOf(folder / "in.pdf"), "Other\n\nOld\n\n\fOther\n\nNew\n\n\fOther\n\nOld\n\n\f");
+            EXPECT_EQ(run("qpdf --check " + quoted(folder / "in.pdf")).status, 0);
+
+            task.pages = {{3, 9}};
+            ASSERT_TRUE(engine::unstampFile(task));
+            EXPECT_EQ(textOf(folder / "in.pdf"), "Other\n\nOld\n\n\fOther\n\nNew\n\n\fOther\n\n\f");
+            task.pages = {{4, 9}};
+            EXPECT_EQ(engine::unstampFile(task).sentence, "The page list names no page of the file.");
+        }
+}
+
 TEST(Replacing, AgainAndAgainDoesNotMakeTheFileGrow) {
     Folder folder;
     writeFile(folder / "in.pdf", document(20, kPage, kContent));

@@ -215,6 +215,67 @@ TEST(PdfStructure, APageThatStandsTwiceInTheTreeGetsTheStampOfEachPlace) {
     EXPECT_EQ(work.text(2), "2\n\n\f");
 }
 
+TEST(PdfStructure, WhatIsNoPageIsPassedOverInTheTree) {
+    const struct {
+        const char* what;
+        const char* kids;
+        const char* node; ///< Object 5.
+        int stated;
+        int pages;
+    } trees[] = {
+        {"null", "[3 0 R null 4 0 R]", "null", 2, 2},
+        {"a null that was counted", "[3 0 R null 4 0 R]", "null", 3, 2},
+        {"a reference to nothing", "[3 0 R 99 0 R 4 0 R]", "null", 2, 2},
+        {"a reference to null", "[5 0 R 3 0 R 4 0 R]", "null", 2, 2},
+        {"a number", "[3 0 R 4 0 R 5 0 R]", "17", 3, 2},
+        {"null in a node below", "[3 0 R 5 0 R]", "<< /Type /Pages /Parent 2 0 R /Kids [null 4 0 R] /Count 2 >>", 3, 2},
+        {"null beside a page that stands twice", "[3 0 R null 4 0 R 3 0 R]", "null", 4, 3},
+    };
+    for (const auto& tree : trees)
+        for (const auto saving : {engine::Saving::automatic, engine::Saving::rewrite}) {
+            SCOPED_TRACE(tree.what);
+            Folder folder;
+            DocumentBytes file;
+            file.add("<< /Type /Catalog /Pages 2 0 R >>");
+            file.add("<< /Type /Pages /MediaBox [0 0 300 200] /Kids " + std::string(tree.kids) + " /Count " +
+                     std::to_string(tree.stated) + " >>");
+            file.add("<< /Type /Page /Parent 2 0 R >>");
+            file.add("<< /Type /Page /Parent 2 0 R >>");
+            file.add(tree.node);
+            writeFile(folder / "in.pdf", file.bytes());
+            const auto with = configuration(u"");
+            with->setTitle(
+                {std::u16string(u"%pageNumber%"), std::u16string(u" of "), std::u16string(u"%recordPageCount%")});
+            auto task = job(folder / "in.pdf", folder / "out.pdf", {with});
+            task.saving = saving;
+            const auto outcome = engine::stampFile(task);
+            ASSERT_TRUE(outcome) << outcome.sentence;
+            EXPECT_EQ(outcome.pagesStamped, static_cast<std::size_t>(tree.pages));
+            EXPECT_EQ(outcome.warnings,
+                      std::vector<std::string>{"The document was damaged; it was repaired as far as possible."});
+            EXPECT_EQ(engine::countPages(task), static_cast<std::size_t>(tree.pages));
+            const auto count = std::to_string(tree.pages);
+            std::string text;
+            for (int page = 1; page <= tree.pages; ++page)
+                text += std::to_string(page) + " of " + count + "\n\n\f";
+            EXPECT_EQ(run("pdftotext " + quoted(folder / "out.pdf") + " -").output, text);
+            EXPECT_EQ(run("qpdf --show-npages " + quoted(folder / "out.pdf")).output, count + "\n");
+            EXPECT_NE(run("pdfinfo " + quoted(folder / "out.pdf")).output.find("Pages:           " + count + "\n"),
+                      std::string::npos);
+            EXPECT_EQ(run("qpdf --check " + quoted(folder / "out.pdf")).status, 0);
+        }
+}
+
+TEST(PdfStructure, ATreeOfNothingButNullHasNoPages) {
+    Folder folder;
+    DocumentBytes file;
+    file.add("<< /Type /Catalog /Pages 2 0 R >>");
+    file.add("<< /Type /Pages /Kids [null 7 0 R] /Count 2 >>");
+    writeFile(folder / "in.pdf", file.bytes());
+    const auto outcome = engine::stampFile(job(folder / "in.pdf", folder / "out.pdf", {configuration(u"x")}));
+    EXPECT_EQ(outcome.sentence, "The document has no pages.");
+}
+
 TEST(PdfStructure, RepairedDocumentsAreReported) {
     auto bytes = document(1, kPage, "0 0 9 9 re f");
     bytes.replace(bytes.find("startxref"), 9, "startnoth");

@@ -136,7 +136,8 @@ TEST_F(Words, WhatFailsIsSaidInTheLanguage) {
     for (const auto code :
          {engine::Code::unreadable, engine::Code::unsupported, engine::Code::damaged, engine::Code::encrypted,
           engine::Code::notPermitted, engine::Code::isSigned, engine::Code::certified, engine::Code::tooLarge,
-          engine::Code::nothingToStamp, engine::Code::sameFile, engine::Code::changed, engine::Code::cancelled}) {
+          engine::Code::nothingToStamp, engine::Code::sameFile, engine::Code::writeProtected, engine::Code::changed,
+          engine::Code::cancelled}) {
         outcome.code = code;
         EXPECT_TRUE(isLocal(app::sentenceOf(outcome))) << static_cast<int>(code);
     }

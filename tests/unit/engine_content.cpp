@@ -80,6 +80,8 @@ TEST(ContentScan, WhatTheEndLiesInIsClosed) {
     EXPECT_EQ(scanContent("[ (a) <41").closing, ">\n]\n");
     EXPECT_EQ(scanContent("/P << /MCID 0 /A [ (b").closing, ")\n]\n>>\n");
     EXPECT_EQ(scanContent("q BI /W 1 ID a").closing, "EI\n");
+    EXPECT_EQ(scanContent("BI /W 1 /D [ 1").closing, "]\n() () /IM 0 ID \nEI\n");
+    EXPECT_EQ(scanContent("BI /W 1 ID a EI BI /W 1 /H 1 ID b EI q").closing, "");
     EXPECT_EQ(scanContent("[(a)] << /B [<< >>] >> ] >> (c) Tj % (").closing, "");
 }
 

@@ -22,6 +22,7 @@ enum class Code {
     nothingToStamp,  ///< No page is chosen, or the title is blank.
     nothingToRemove, ///< No page bears a stamp that could be removed.
     sameFile,        ///< Output and input are one file, and the job does not say in place.
+    writeProtected,  ///< The file that would be replaced may not be written, and the job does not say that it shall be.
     cannotWrite,     ///< The output cannot be written.
     changed,         ///< Somebody changed the input in the meantime.
     cancelled,       ///< The job's progress function answered no.
@@ -30,6 +31,12 @@ enum class Code {
 /// Pictures of more pixels are refused: decoded with 16 bits a channel such a one takes 800 MB.
 inline constexpr long long kLargestPicture = 100'000'000;
 
+/// A stamp that a document bears.
+struct FoundStamp {
+    std::string identifier;         ///< Of its configuration; UTF-8.
+    std::vector<std::size_t> pages; ///< Ascending, from 1.
+};
+
 /// How a run ended. Texts are UTF-8.
 struct Outcome {
     Code code = Code::ok;
@@ -37,6 +44,7 @@ struct Outcome {
     std::filesystem::path path;        ///< The file concerned: the output where all went well.
     std::vector<std::string> warnings; ///< Sentences for people about a run that worked.
     std::size_t pagesStamped = 0;
+    std::vector<FoundStamp> stamps = {}; ///< Where they were asked for.
 
     explicit operator bool() const { return code == Code::ok; }
 };

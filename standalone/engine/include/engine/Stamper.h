@@ -25,7 +25,9 @@ struct StampJob {
     /// Stamped in order; a combined configuration stands for its members.
     std::vector<std::shared_ptr<host::ImprinterConfiguration>> configurations;
 
-    /// The pages that are stamped in place of those that the configurations name.
+    /// Removed as well as those of the configurations, by their identifiers (UTF-8).
+    std::vector<std::string> removed;
+    /// The pages that are stamped in place of those that the configurations name; only they lose stamps.
     std::optional<std::vector<PageRange>> pages;
     /// What %runningNumber% stands for on the first page of the file; it counts every page, stamped or not.
     std::size_t firstNumber = 1;
@@ -34,8 +36,9 @@ struct StampJob {
     std::u16string user;       ///< What %user% stands for; empty: the account's full or short name.
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now();
 
-    /// First remove what earlier runs stamped with the same configurations; a failure for pictures, which cannot lose a
-    /// stamp. A document that loses stamps is written anew if it can be, so that it does not grow each time.
+    /// First remove what earlier runs stamped with the same configurations, from all pages where `pages` names none; a
+    /// failure for pictures, which cannot lose a stamp. A document that loses stamps is written anew if it can be, so
+    /// that it does not grow each time.
     bool replace = false;
 
     /// Write nothing, and answer what would come of it; the warnings also name pages that a stamp does not fit on.
@@ -43,6 +46,7 @@ struct StampJob {
 
     std::string password; ///< The user's or owner's, for encrypted documents: as the document has it, or in UTF-8.
     bool inPlace = false; ///< Output and input may be one file.
+    bool force = false;   ///< Replace a file that is write-protected too.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
     bool allowSigned = false;
     Saving saving = Saving::automatic;      ///< Documents only.
@@ -72,8 +76,13 @@ std::size_t countPages(const StampJob& job);
 /// Whether the title of one of these configurations, or of a member of one, has the placeholder %runningNumber%.
 bool usesRunningNumber(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& configurations);
 
-/// Removes from a PDF document what was stamped with the job's configurations; all stamps where it names none. Facts
-/// and fonts of the job do not count. The document is written anew unless it is signed or the job says otherwise.
+/// Removes from a PDF document, or from those of its pages that the job names, what was stamped with the job's
+/// configurations or is removed by its identifier; all stamps where it names none. Facts and fonts of the job do not
+/// count. The document is written anew unless it is signed or the job says otherwise.
 Outcome unstampFile(const StampJob& job);
+
+/// Finds the stamps that a PDF document bears, in the order in which they are met. Of the job its input and its
+/// password count; nothing is written, whatever the document allows.
+Outcome findStamps(const StampJob& job);
 
 } // namespace engine
