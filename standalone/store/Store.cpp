@@ -181,10 +181,8 @@ LoadResult Store::load(Damaged damaged) {
             damaged == Damaged::leave || !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
         result.messages.push_back({*reading.problem, reading.sentence, m_file});
     }
-    // A file that is begun anew says so, for programs that still know the one that was there before.
-    std::error_code none;
-    if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() &&
-        (reading.problem || fs::exists(previousVersion(1), none)))
+    // A store that is begun says so, for programs that still know one that was there before.
+    if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() && m_state->versions > 0)
         reading.state.unknown.document[key::lineage] = QUuid::createUuid().toString(QUuid::WithoutBraces);
     reading.state.versions = m_state->versions;
     reading.state.journal = std::move(m_state->journal);
@@ -305,9 +303,17 @@ void moveUnknown(UnknownKeys& unknown, const UnknownKeys& found, const std::shar
 
 } // namespace
 
-void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model) {
-    UnknownKeys found;
-    const auto read = store::read(bytesOf(forms, static_cast<qsizetype>(m_mostBytes)), found);
+/// Configurations that are to be taken over, read before anything is changed, since reading may fail.
+struct Store::Taken {
+    explicit Taken(const QByteArray& bytes) : list(store::read(bytes, unknown)) {}
+
+    UnknownKeys unknown;
+    std::vector<std::shared_ptr<model::Configuration>> list;
+};
+
+void Store::adopt(const Taken& taken, const Forms& forms, const Forms& former, model::ImprinterModel& model) {
+    const auto& found = taken.unknown;
+    const auto& read = taken.list;
     m_state->unknown.document = found.document;
 
     // Whoever shows a configuration knows it by its object, which therefore stays, and takes over what has changed.
@@ -333,13 +339,7 @@ void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel
             std::vector<std::shared_ptr<host::ImprinterConfiguration>> members;
             for (const auto& member : *read[i]->configurations())
                 members.push_back(kept.at(member));
-            if (*list[i]->configurations() != members) {
-                const auto present_ = *list[i]->configurations();
-                for (const auto& member : present_)
-                    list[i]->deleteConfiguration(member);
-                for (const auto& member : members)
-                    list[i]->addConfiguration(member);
-            }
+            list[i]->setMembers(members);
         }
         const auto was = former.byIdentifier.find(identifier);
         if (list[i] != read[i] &&
@@ -361,20 +361,21 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
     const auto attempt = [&](std::vector<Contested>& contested,
                              const std::vector<Decision>& decisions) -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        Turn turn(m_file, m_state->onWait);
-        const auto state = turn.state();
+        std::optional<Turn> turn(std::in_place, m_file, m_state->onWait);
+        const auto state = turn->state();
         auto forms = mine;
         std::vector<Notice> notices;
         bool isThere = state && state == m_state->seen && isSame(mine, base());
         if (isThere && m_state->unsynced) {
             auto failure = guarded([&] {
-                turn.confirm();
+                turn->confirm();
                 return std::nullopt;
             });
             m_state->unsynced = failure.has_value();
             return failure;
         }
         auto seen = m_state->seen;
+        QByteArray bytes = m_state->baseBytes.value_or(QByteArray()); // of the file that is there, if that is to stay
         if (state && state != m_state->seen) {
             if (!m_state->baseBytes)
                 return nothing(Code::changedElsewhere, {});
@@ -390,28 +391,35 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             forms = std::move(merged.forms);
             isThere = isSame(forms, theirForms);
             seen = theirs.state.seen;
-            if (isThere)
+            if (isThere) {
                 forms = theirForms;
+                bytes = *theirs.state.baseBytes;
+            }
         }
+        if (!isThere)
+            bytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
+        std::optional<Taken> taken;
+        if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
+            taken.emplace(bytes);
         std::optional<Failure> failure;
         if (!isThere) {
-            const auto bytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
             const auto before = seen;
             failure = guarded([&] {
-                turn.replace({bytes.data(), static_cast<std::size_t>(bytes.size())}, seen, m_state->versions);
+                turn->replace({bytes.data(), static_cast<std::size_t>(bytes.size())}, seen, m_state->versions);
                 return std::nullopt;
             });
             // The new file may be in its place though the disk has not confirmed it.
             if (failure && seen == before)
                 return failure;
         }
+        turn.reset();
         m_state->seen = seen;
         m_state->unsynced = failure.has_value();
         m_state->notices = std::move(notices);
-        if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
-            adopt(forms, mine, model);
-        m_state->baseBytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
-        m_state->base = std::move(forms);
+        m_state->baseBytes = bytes;
+        m_state->base = forms;
+        if (taken)
+            adopt(*taken, forms, mine, model);
         return failure;
     };
     return guarded([&]() -> std::optional<Failure> {
@@ -508,7 +516,8 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
             if (!decide(merged.contested, ask, decisions))
                 return failureAbout(Code::contested,
                                     namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
-        adopt(merged.forms, current, model);
+        const Taken taken(bytesOf(merged.forms, static_cast<qsizetype>(m_mostBytes)));
+        adopt(taken, merged.forms, current, model);
         m_state->notices = noticesOf(merged, u"before the program ended", u"since");
         if (auto failure = keepUnsaved(model))
             return failure;

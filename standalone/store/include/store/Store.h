@@ -144,7 +144,7 @@ public:
     void setOnWait(std::function<void()> tell);
     /// About the last `save` or `takeOver` that did something.
     const std::vector<Notice>& notices() const;
-    /// Keeps no former files: for one that is written to be given away.
+    /// Keeps no former files, and no mark of where the file began: for one that is written to be given away.
     void keepNoVersions();
 
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
@@ -164,6 +164,7 @@ public:
 private:
     struct State;
     struct Reading;
+    struct Taken;
 
     Reading readFile() const;
     Failure failureAbout(Code code, std::u16string sentence) const;
@@ -172,7 +173,7 @@ private:
     /// What `theirs` and this program's configurations come from: where theirs is in a file that was begun anew, since
     /// the one that was loaded was gone or damaged, only what both have. What they lack was not deleted then.
     Forms commonBase(const Forms& theirs) const;
-    void adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model);
+    void adopt(const Taken& taken, const Forms& forms, const Forms& former, model::ImprinterModel& model);
     std::filesystem::path m_file;
     std::uintmax_t m_mostBytes;
     std::unique_ptr<State> m_state;
