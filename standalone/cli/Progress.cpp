@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iostream>
 #include <string>
 
 #include <unistd.h>
@@ -45,17 +46,16 @@ void Progress::hide() {
 void Progress::draw() {
     const double share = m_sum / static_cast<double>(m_shares.size());
     const auto filled = static_cast<std::size_t>(share * static_cast<double>(kWidth));
-    std::fprintf(stderr, "\r[%s%s] %3d %%  %zu of %zu", std::string(filled, '#').c_str(),
-                 std::string(kWidth - filled, ' ').c_str(), static_cast<int>(share * 100), m_done, m_shares.size());
-    std::fflush(stderr);
+    char counts[64];
+    std::snprintf(counts, sizeof counts, "%3d %%  %zu of %zu", static_cast<int>(share * 100), m_done, m_shares.size());
+    std::cerr << "\r[" + std::string(filled, '#') + std::string(kWidth - filled, ' ') + "] " + counts << std::flush;
     m_shown = true;
 }
 
 void Progress::erase() {
     if (!m_shown)
         return;
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
+    std::cerr << "\r\x1b[K" << std::flush;
     m_shown = false;
 }
 

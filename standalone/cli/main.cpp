@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -27,6 +28,15 @@ void keepMemory() {
 void sayNothing(QtMsgType type, const QMessageLogContext&, const QString& message) {
     if (type == QtFatalMsg)
         std::cerr << "imprinter: " << message.toStdString() << '\n';
+}
+
+/// The same for libraries that write to the stream itself. What this program says goes to std::cerr, which keeps the
+/// descriptor that it began with.
+void closeStream() {
+#ifdef __GLIBC__ // where the stream is a variable like any other
+    if (auto* const nowhere = std::fopen("/dev/null", "w"))
+        stderr = nowhere;
+#endif
 }
 
 /// Answers the exit status.
@@ -75,6 +85,7 @@ int main(int argc, char** argv) {
         if (work) {
             keepMemory();
             qInstallMessageHandler(sayNothing);
+            closeStream();
             return work(store, arguments);
         }
         if (command == "open" && !arguments.empty() && arguments.front().starts_with("-")) {

@@ -120,6 +120,11 @@ struct Page {
     bool tiled = false;
     std::uint32_t blockWidth = 0;
     std::uint32_t blockHeight = 0;
+    bool isApart =
+        false; ///< Each channel is stored as a picture of its own, in strips or tiles that follow those of the last.
+
+    std::uint32_t blocksAcross() const { return (width + blockWidth - 1) / blockWidth; }
+    std::uint32_t blocksOfChannel() const { return blocksAcross() * ((height + blockHeight - 1) / blockHeight); }
 };
 
 PictureGeometry geometryOf(TIFF* tiff, const Page& page) {
@@ -159,9 +164,10 @@ Page readPage(TIFF* tiff) {
     page.photometric = field<std::uint16_t>(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
     const auto unsupported = [] { throw Failure(Code::unsupported, "The picture's colour model cannot be stamped."); };
     const bool whole = page.bits == 1 || page.bits == 2 || page.bits == 4 || page.bits == 8 || page.bits == 16;
+    page.isApart = page.samples > 1 &&
+                   field<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG;
     if (!whole || page.compression == COMPRESSION_OJPEG || !TIFFIsCODECConfigured(page.compression) ||
-        (page.samples > 1 &&
-         field<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG) ||
+        (page.isApart && (page.compression == COMPRESSION_JPEG || page.compression == COMPRESSION_WEBP)) ||
         field<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) != SAMPLEFORMAT_UINT)
         unsupported();
     const bool isJpeg = page.compression == COMPRESSION_JPEG;
@@ -208,7 +214,7 @@ Page readPage(TIFF* tiff) {
     return page;
 }
 
-/// A strip or tile, decoded.
+/// A strip or tile, decoded; its channels are together, wherever the file has them.
 struct Block {
     std::uint32_t number = 0;
     std::uint32_t rows = 0;
@@ -218,20 +224,45 @@ struct Block {
     std::size_t stride = 0;
 };
 
+std::string readSamples(TIFF* tiff, const Page& page, std::uint32_t number, std::size_t bytes) {
+    std::string samples(bytes, '\0');
+    const auto size = static_cast<tmsize_t>(bytes);
+    const auto read = page.tiled ? TIFFReadEncodedTile(tiff, number, samples.data(), size)
+                                 : TIFFReadEncodedStrip(tiff, number, samples.data(), size);
+    if (read < 0)
+        damaged();
+    return samples;
+}
+
+/// Copies one channel between a block and a text that has nothing but it. Several channels have whole bytes.
+template <class Copy>
+void eachOfChannel(const Page& page, unsigned channel, std::size_t count, const Copy& copy) {
+    const std::size_t width = page.bits / 8;
+    for (std::size_t i = 0; i < count; ++i)
+        copy((i * page.samples + channel) * width, i * width, width);
+}
+
 Block readBlock(TIFF* tiff, const Page& page, std::uint32_t number) {
     Block block;
     block.number = number;
-    const auto across = (page.width + page.blockWidth - 1) / page.blockWidth;
+    const auto across = page.blocksAcross();
     block.left = number % across * page.blockWidth;
     block.top = number / across * page.blockHeight;
     block.rows = page.tiled ? page.blockHeight : std::min(page.blockHeight, page.height - block.top);
     block.stride = (std::size_t{page.blockWidth} * page.samples * page.bits + 7) / 8;
+    if (!page.isApart) {
+        block.samples = readSamples(tiff, page, number, block.stride * block.rows);
+        return block;
+    }
     block.samples.resize(block.stride * block.rows);
-    const auto size = static_cast<tmsize_t>(block.samples.size());
-    const auto read = page.tiled ? TIFFReadEncodedTile(tiff, number, block.samples.data(), size)
-                                 : TIFFReadEncodedStrip(tiff, number, block.samples.data(), size);
-    if (read < 0)
-        damaged();
+    for (unsigned channel = 0; channel < page.samples; ++channel) {
+        const auto own =
+            readSamples(tiff, page, number + channel * page.blocksOfChannel(), block.samples.size() / page.samples);
+        eachOfChannel(page, channel, std::size_t{page.blockWidth} * block.rows,
+                      [&](std::size_t together, std::size_t apart, std::size_t width) {
+                          std::memcpy(&block.samples[together], &own[apart], width);
+                      });
+    }
     return block;
 }
 
@@ -412,6 +443,24 @@ std::string encode(TIFF* source, const Page& page, const Block& block, bool bigE
     return memory.own.substr(offset, size);
 }
 
+/// The same for each of its channels, as the page has them apart: by the numbers of their strips or tiles.
+void encodeApart(TIFF* source, const Page& page, const Block& block, bool bigEndian,
+                 std::map<std::uint32_t, std::string>& encoded) {
+    Page alone = page;
+    alone.samples = 1;
+    alone.model = Model::grey;
+    alone.photometric = PHOTOMETRIC_MINISBLACK;
+    Block part = block;
+    for (unsigned channel = 0; channel < page.samples; ++channel) {
+        part.samples.resize(block.samples.size() / page.samples);
+        eachOfChannel(page, channel, std::size_t{page.blockWidth} * block.rows,
+                      [&](std::size_t together, std::size_t apart, std::size_t width) {
+                          std::memcpy(&part.samples[apart], &block.samples[together], width);
+                      });
+        encoded[block.number + channel * page.blocksOfChannel()] = encode(source, alone, part, bigEndian);
+    }
+}
+
 /// The numbers of a file's directories, as its byte order and size of offsets have them.
 class Directory {
 public:
@@ -481,7 +530,7 @@ private:
 /// Paints the patches onto the page's blocks and answers those that changed, by number.
 std::map<std::uint32_t, Block> paintBlocks(TIFF* tiff, const Page& page, const std::vector<Patch>& patches) {
     std::map<std::uint32_t, Block> blocks;
-    const auto across = (page.width + page.blockWidth - 1) / page.blockWidth;
+    const auto across = page.blocksAcross();
     for (const auto& patch : patches)
         for (int row = 0; row < patch.area.height(); ++row) {
             const auto* above = reinterpret_cast<const QRgb*>(patch.pixels.constScanLine(row));
@@ -503,7 +552,7 @@ std::map<std::uint32_t, Block> paintBlocks(TIFF* tiff, const Page& page, const s
 
 /// What of a block lies in the picture, in pixels of the page.
 QRect areaOf(const Page& page, std::uint32_t number) {
-    const auto across = (page.width + page.blockWidth - 1) / page.blockWidth;
+    const auto across = page.blocksAcross();
     const QRect block(static_cast<int>(number % across * page.blockWidth),
                       static_cast<int>(number / across * page.blockHeight), static_cast<int>(page.blockWidth),
                       static_cast<int>(page.blockHeight));
@@ -606,7 +655,10 @@ std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::
             fresh = patchStreams(tiff.get(), page, file, patches);
         else
             for (const auto& [place, block] : paintBlocks(tiff.get(), page, patches))
-                fresh[place] = encode(tiff.get(), page, block, bigEndian);
+                if (page.isApart)
+                    encodeApart(tiff.get(), page, block, bigEndian, fresh);
+                else
+                    fresh[place] = encode(tiff.get(), page, block, bigEndian);
         ++stampedPages;
         if (fresh.empty())
             continue;

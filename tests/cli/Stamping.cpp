@@ -398,6 +398,39 @@ TEST_F(Stamping, AProtectedFileIsReplacedByForceOnly) {
     EXPECT_EQ(fs::status(folder / "a.pdf").permissions(), fs::perms(0444));
 }
 
+TEST_F(Stamping, WhatReadsPicturesSaysNothingItself) {
+    ASSERT_TRUE(render::white(40, 20).save((folder / "white.png").c_str()));
+    const auto white = readFile(folder / "white.png");
+    // The sum at the end of a chunk: that of its type and data.
+    const auto sum = [](const std::string& bytes) {
+        std::uint32_t value = 0xFFFFFFFF;
+        for (const char byte : bytes) {
+            value ^= static_cast<unsigned char>(byte);
+            for (int bit = 0; bit < 8; ++bit)
+                value = value >> 1 ^ (value & 1 ? 0xEDB88320 : 0);
+        }
+        std::string text;
+        for (int shift = 24; shift >= 0; shift -= 8)
+            text += static_cast<char>(~value >> shift & 0xFF);
+        return text;
+    };
+    const auto changed = [&](const std::string& chunk, std::size_t at, char byte) {
+        auto bytes = white;
+        const auto begin = bytes.find(chunk);
+        const auto length = std::size_t{static_cast<unsigned char>(bytes[begin - 2])} << 8 |
+                            static_cast<unsigned char>(bytes[begin - 1]);
+        bytes[begin + 4 + at] = byte;
+        return bytes.replace(begin + 4 + length, 4, sum(bytes.substr(begin, 4 + length)));
+    };
+    writeFile(folder / "depth.png", changed("IHDR", 8, 3));
+    writeFile(folder / "kind.png", changed("IHDR", 9, 5));
+    writeFile(folder / "data.png", changed("IDAT", 0, 0));
+    writeFile(folder / "more.png", changed("IDAT", 6, '\x55'));
+    for (const std::string name : {"depth.png", "kind.png", "data.png", "more.png"})
+        EXPECT_EQ(imprinter("stamp --title x --output out.png " + name).output,
+                  "imprinter: " + name + ": The picture is damaged.\n");
+}
+
 TEST_F(Stamping, EitherWayOfSavingCanBeAskedFor) {
     letter();
     EXPECT_EQ(imprinter("stamp --configuration Received --incremental --output a.pdf letter.pdf").status, 0);

@@ -62,6 +62,15 @@ TEST(TiffPictures, EveryKindOfPageKeepsItsKindAndChangesOnlyWhereTheStampIs) {
         "-size 300x200 gradient:red-blue -type TrueColorAlpha -depth 8 -compress Zip",
         "-size 300x200 gradient:red-blue -colors 30 -type Palette -compress LZW",
         "-size 300x200 gradient:red-blue -colorspace CMYK -compress Zip",
+        "-size 300x200 gradient:red-blue -type TrueColor -depth 8 -compress LZW a.tif && tiffcp -p separate a.tif "
+        "in.tif",
+        "-size 300x200 gradient:red-blue -type TrueColor -depth 16 -compress Zip -interlace Plane -endian MSB",
+        "-size 300x200 gradient:red-blue -type TrueColor -depth 8 a.tif && tiffcp -p separate -c lzw:2 -t -w 64 -l 48 "
+        "a.tif in.tif",
+        "-size 300x200 gradient:red-blue -colorspace CMYK -depth 8 -compress None a.tif && tiffcp -p separate a.tif "
+        "in.tif",
+        "-size 300x200 gradient:red-blue -type TrueColorAlpha -depth 8 -compress Zip a.tif && tiffcp -p separate "
+        "-c packbits a.tif in.tif",
         "-size 300x200 gradient:red-blue -type TrueColor -compress JPEG -define tiff:rows-per-strip=16",
         "-size 300x200 gradient:red-blue -type TrueColor -compress JPEG -define tiff:tile-geometry=64x64",
         "-size 300x200 gradient: -type Grayscale -compress JPEG",
@@ -86,6 +95,39 @@ TEST(TiffPictures, EveryKindOfPageKeepsItsKindAndChangesOnlyWhereTheStampIs) {
         EXPECT_GE(area.top(), 160 - around);
         EXPECT_LE(area.bottom(), 200);
     }
+}
+
+TEST(TiffPictures, ChannelsThatAreApartStayApartAndLookAsThoseTogether) {
+    const struct {
+        const char* apart;
+        const char* together;
+    } ways[] = {
+        {"-depth 8 a.tif && tiffcp -c none -p separate a.tif in.tif", "-depth 8 -compress None"},
+        {"-depth 8 a.tif && tiffcp -c lzw:2 -r 17 -p separate a.tif in.tif", "-depth 8 -compress LZW"},
+        {"-depth 8 a.tif && tiffcp -c zip -t -w 32 -l 48 -p separate a.tif in.tif", "-depth 8 -compress Zip"},
+        {"-depth 16 -compress Zip -interlace Plane in.tif", "-depth 16 -compress Zip"},
+    };
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.apart);
+        const std::string make = "-size 300x200 -seed 3 plasma:red-blue -type TrueColor ";
+        const Scan apart(make + way.apart, {corner()});
+        const Scan together(make + way.together, {corner()});
+        for (const char* name : {"in.tif", "out.tif"}) {
+            EXPECT_NE(run("tiffinfo " + quoted(apart.folder / name)).output.find("separate image planes"),
+                      std::string::npos);
+            EXPECT_TRUE(differingArea(apart.page(name, 0), together.page(name, 0)).isEmpty());
+        }
+        EXPECT_FALSE(apart.changed().isEmpty());
+    }
+}
+
+TEST(TiffPictures, APageWhoseChannelsAreJpegStreamsApartIsRefused) {
+    Folder folder;
+    ASSERT_EQ(run("convert -size 64x48 gradient:red-blue -type TrueColor -compress JPEG -interlace Plane " +
+                  quoted(folder / "in.tif"))
+                  .status,
+              0);
+    EXPECT_EQ(engine::stampFile(job(folder / "in.tif", folder / "out.tif", {corner()})).code, Code::unsupported);
 }
 
 TEST(TiffPictures, EachPageIsAPageWithItsOwnNumberSizeAndResolution) {
