@@ -214,7 +214,7 @@ std::string sentenceOf(const engine::Outcome& outcome) {
     auto sentence = outcome.sentence;
     if (outcome.code == engine::Code::nothingToStamp)
         for (const auto& reason : outcome.warnings)
-            sentence += ' ' + reason;
+            sentence += ' ' + reason.sentence();
     std::error_code none;
     if (outcome.code == engine::Code::unreadable && fs::is_other(outcome.path, none))
         sentence += " What comes through a pipe is read from the standard input, which is called \"-\".";
@@ -548,7 +548,7 @@ private:
             line +=
                 ", \"message\": " + jsonText(outcome ? outcome.sentence : sentenceOf(outcome)) + ", \"warnings\": [";
             for (const auto& warning : outcome.warnings)
-                line += (&warning == &outcome.warnings.front() ? "" : ", ") + jsonText(warning);
+                line += (&warning == &outcome.warnings.front() ? "" : ", ") + jsonText(warning.sentence());
             std::cout << line + "]}\n" << std::flush;
             return;
         }
@@ -558,7 +558,7 @@ private:
             return;
         }
         for (const auto& warning : outcome.warnings)
-            complain(0, file.name + ": " + warning);
+            complain(0, file.name + ": " + warning.sentence());
         if (m_job.dryRun)
             std::cout << file.name + ": " + outcome.sentence + '\n' << std::flush;
         else if (file.announced)
