@@ -29,21 +29,33 @@ std::u16string reason(const std::system_error& error) {
     return platform::fromUtf8(error.code().message());
 }
 
-constexpr char16_t leftAsItIs[] = u". The file is left as it is.";
+void sayLeft(Failure& failure) {
+    failure.sentence += u". The file is left as it is.";
+    failure.details.push_back({Detail::Kind::left, {}});
+}
 
-/// Renames the file if it may be, and answers whether it did. Ends `sentence` with what became of the file.
-bool keepAside(const fs::path& file, bool mayBeRenamed, const std::u16string& shown, std::u16string& sentence) {
+/// Renames the file if it may be, and answers whether it did. Ends what `failure` says with what became of the file.
+bool keepAside(const fs::path& file, bool mayBeRenamed, bool isUnderstoodInPart, Failure& failure) {
+    auto& sentence = failure.sentence;
     std::u16string left = u"The file is left as it is";
     if (mayBeRenamed) {
         try {
             const auto aside = renameAside(targetOf(file), "damaged");
             sentence += u". The file is kept as " + quoted(aside) + u"; the supplied configurations take its place.";
+            failure.details.push_back({Detail::Kind::keptAside, platform::fromUtf8(aside.string())});
             return true;
         } catch (const std::system_error& error) {
             left = u"The file could not be renamed (" + reason(error) + u"), so that it is left as it is";
+            failure.details.push_back({Detail::Kind::notRenamed, reason(error)});
         }
     }
-    sentence += u". " + left + u"; " + shown + u", and changes are not saved.";
+    failure.details.push_back({Detail::Kind::left, {}});
+    failure.details.push_back(
+        {isUnderstoodInPart ? Detail::Kind::shownAsFarAsItGoes : Detail::Kind::suppliedShown, {}});
+    sentence += u". " + left +
+                (isUnderstoodInPart ? u"; its configurations are shown as far as they can be read"
+                                    : u"; the supplied configurations are shown") +
+                u", and changes are not saved.";
     return false;
 }
 
@@ -78,9 +90,8 @@ struct Store::Reading {
     /// The supplied ones where there is a problem, or what a newer version wrote, as far as it is understood.
     std::vector<std::shared_ptr<model::Configuration>> configurations;
     State state;
-    std::optional<Code> problem;
-    /// The beginning of a sentence about the problem; what became of the file has to follow.
-    std::u16string sentence;
+    /// Its sentence is only begun; what became of the file has to follow.
+    std::optional<Failure> problem;
     bool isUnderstoodInPart = false;
     /// Whether it is a file that was meant to hold configurations, which may be kept aside.
     bool mayBeRenamed = false;
@@ -104,10 +115,9 @@ Store::Reading Store::readFile() const {
         reading.state.baseBytes.emplace();
         return reading;
     };
-    const auto stopped = [&](Code code, std::u16string sentence, bool mayBeRenamed) {
+    const auto stopped = [&](Code code, std::u16string sentence, bool mayBeRenamed, std::vector<Detail> details = {}) {
         auto reading = supplied();
-        reading.problem = code;
-        reading.sentence = std::move(sentence);
+        reading.problem = Failure{code, std::move(sentence), m_file, std::move(details)};
         reading.mayBeRenamed = mayBeRenamed;
         return reading;
     };
@@ -119,7 +129,8 @@ Store::Reading Store::readFile() const {
         return stopped(Code::foreign,
                        quoted(m_file) + u" is not a file of configurations (it is " +
                            (fs::is_directory(status) ? u"a folder)" : u"no ordinary file)"),
-                       false);
+                       false,
+                       {{fs::is_directory(status) ? Detail::Kind::isFolder : Detail::Kind::isNoOrdinaryFile, {}}});
     FileContent content;
     try {
         content = store::readFile(m_file, m_mostBytes);
@@ -134,7 +145,8 @@ Store::Reading Store::readFile() const {
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
                            renamed);
-        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed);
+        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed,
+                       {{Detail::Kind::reason, reason(error)}});
     }
     const auto bytes = QByteArray::fromRawData(content.bytes.data(), static_cast<qsizetype>(content.bytes.size()));
     try {
@@ -147,7 +159,8 @@ Store::Reading Store::readFile() const {
         const auto why = u" (" + problem.text.toStdU16String() + u")";
         if (problem.code == Code::newer) {
             auto reading =
-                stopped(Code::newer, configurations + u" were written by a newer version of the program" + why, false);
+                stopped(Code::newer, configurations + u" were written by a newer version of the program" + why, false,
+                        problem.details);
             if (auto understood = readNewer(bytes)) {
                 reading.configurations = std::move(*understood);
                 reading.isUnderstoodInPart = true;
@@ -155,16 +168,19 @@ Store::Reading Store::readFile() const {
             return reading;
         }
         if (!isDefault && !looksLikeConfigurations(bytes))
-            return stopped(Code::foreign, quoted(m_file) + u" is not a file of configurations" + why, false);
-        return stopped(problem.code, configurations + u" cannot be understood" + why, true);
+            return stopped(Code::foreign, quoted(m_file) + u" is not a file of configurations" + why, false,
+                           problem.details);
+        return stopped(problem.code, configurations + u" cannot be understood" + why, true, problem.details);
     }
 }
 
 LoadResult Store::read() const {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, true, reading.problem.has_value()};
-    if (reading.problem)
-        result.messages.push_back({*reading.problem, reading.sentence + leftAsItIs, m_file});
+    if (reading.problem) {
+        sayLeft(*reading.problem);
+        result.messages.push_back(std::move(*reading.problem));
+    }
     return result;
 }
 
@@ -172,14 +188,12 @@ LoadResult Store::load(Damaged damaged) {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, false, reading.problem.has_value()};
     if (reading.problem) {
-        const std::u16string shown = reading.isUnderstoodInPart
-                                         ? u"its configurations are shown as far as they can be read"
-                                         : u"the supplied configurations are shown";
         if (damaged == Damaged::leave)
-            reading.sentence += leftAsItIs;
+            sayLeft(*reading.problem);
         reading.state.readOnly = result.readOnly =
-            damaged == Damaged::leave || !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
-        result.messages.push_back({*reading.problem, reading.sentence, m_file});
+            damaged == Damaged::leave ||
+            !keepAside(m_file, reading.mayBeRenamed, reading.isUnderstoodInPart, *reading.problem);
+        result.messages.push_back(*reading.problem);
     }
     // A store that is begun says so, for programs that still know one that was there before.
     if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() && m_state->versions > 0)
@@ -193,22 +207,24 @@ LoadResult Store::load(Damaged damaged) {
     return result;
 }
 
-Failure Store::failureAbout(Code code, std::u16string sentence) const {
-    return {code, std::move(sentence), m_file};
+Failure Store::failureAbout(Code code, std::u16string sentence, std::vector<Detail> details) const {
+    return {code, std::move(sentence), m_file, std::move(details)};
 }
 
 std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>()>& work) const {
     try {
         return work();
     } catch (const Problem& problem) {
-        return failureAbout(problem.code, problem.text.toStdU16String());
+        return failureAbout(problem.code, problem.text.toStdU16String(), problem.details);
     } catch (const Busy&) {
         return failureAbout(Code::busy, u"Another program has been writing the configurations in " + quoted(m_file) +
                                             u" for " + platform::fromUtf8(std::to_string(longestWait.count())) +
                                             u" seconds, and nothing was saved.");
     } catch (const std::system_error& error) {
-        return failureAbout(Code::unwritable, u"The configurations could not be saved in " + quoted(m_file) + u" (" +
-                                                  reason(error) + u").");
+        return failureAbout(Code::unwritable,
+                            u"The configurations could not be saved in " + quoted(m_file) + u" (" + reason(error) +
+                                u").",
+                            {{Detail::Kind::reason, reason(error)}});
     }
 }
 
@@ -255,23 +271,36 @@ bool decide(const std::vector<Contested>& contested, const Ask& ask, std::vector
     return true;
 }
 
-/// What to tell about what was joined. `here` and `there` are when the two sides did what they did: "here" and "by
-/// another program".
-std::vector<Notice> noticesOf(const Merged& merged, const std::u16string& here, const std::u16string& there) {
+std::u16string wordFor(Notice::Deleted where) {
+    switch (where) {
+    case Notice::Deleted::here:
+        return u"here";
+    case Notice::Deleted::byAnotherProgram:
+        return u"by another program";
+    case Notice::Deleted::beforeTheProgramEnded:
+        return u"before the program ended";
+    case Notice::Deleted::since:
+        return u"since";
+    }
+    return {};
+}
+
+/// What to tell about what was joined. `here` and `there` are where the two sides did what they did.
+std::vector<Notice> noticesOf(const Merged& merged, Notice::Deleted here, Notice::Deleted there) {
     const auto nameIn = [](const QJsonObject& form) { return form.value(key::name).toString().toStdU16String(); };
     std::vector<Notice> notices;
     for (const auto& [form, deletedHere, combined] : merged.outlived) {
-        const auto& deleted = deletedHere ? here : there;
-        const auto& used = deletedHere ? there : here;
+        const auto deleted = deletedHere ? here : there;
+        const auto used = wordFor(deletedHere ? there : here);
         const auto name = nameIn(form);
         const auto what =
             combined.isEmpty() ? u" and changed " + used : u" and put into “" + nameIn(combined) + u"” " + used;
         notices.push_back({combined.isEmpty() ? Notice::Kind::outlivedDeletion : Notice::Kind::outlivedDeletionByUse,
-                           name, nameIn(combined),
-                           u"“" + name + u"” was deleted " + deleted + what + u"; it was kept."});
+                           name, nameIn(combined), deleted,
+                           u"“" + name + u"” was deleted " + wordFor(deleted) + what + u"; it was kept."});
     }
     for (const auto& [form, combined] : merged.leftOut)
-        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined),
+        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined), here,
                            u"“" + nameIn(form) + u"” is no member of “" + nameIn(combined) +
                                u"”, since it is a combined configuration now."});
     return notices;
@@ -282,6 +311,13 @@ std::u16string namesOf(const std::vector<Contested>& contested) {
     for (const auto& about : contested)
         names += (names.empty() ? u"“" : u", “") + about.mine.value(key::name).toString().toStdU16String() + u"”";
     return names;
+}
+
+std::vector<Detail> concerned(const std::vector<Contested>& contested) {
+    std::vector<Detail> details;
+    for (const auto& about : contested)
+        details.push_back({Detail::Kind::concerns, about.mine.value(key::name).toString().toStdU16String()});
+    return details;
 }
 
 /// Takes what is unknown about `from` and its font runs over to `to` and its, in their order.
@@ -354,9 +390,11 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
     m_state->notices.clear();
     if (m_state->readOnly)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.");
-    const auto nothing = [&](Code code, const std::u16string& why) {
-        return failureAbout(code, u"Another program has written the configurations in " + quoted(m_file) + why +
-                                      u", and nothing was saved.");
+    const auto nothing = [&](Code code, const std::u16string& why, const std::vector<Detail>& details = {}) {
+        return failureAbout(code,
+                            u"Another program has written the configurations in " + quoted(m_file) + why +
+                                u", and nothing was saved.",
+                            details);
     };
     const auto attempt = [&](std::vector<Contested>& contested,
                              const std::vector<Decision>& decisions) -> std::optional<Failure> {
@@ -381,13 +419,13 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
                 return nothing(Code::changedElsewhere, {});
             auto theirs = readFile();
             if (theirs.problem)
-                return nothing(Code::changedElsewhere, u". " + theirs.sentence);
+                return nothing(Code::changedElsewhere, u". " + theirs.problem->sentence, theirs.problem->details);
             const auto theirForms = formsIn(*theirs.state.baseBytes);
             auto merged = merge(commonBase(theirForms), mine, theirForms, decisions);
             contested = std::move(merged.contested);
             if (!contested.empty())
                 return std::nullopt;
-            notices = noticesOf(merged, u"here", u"by another program");
+            notices = noticesOf(merged, Notice::Deleted::here, Notice::Deleted::byAnotherProgram);
             forms = std::move(merged.forms);
             isThere = isSame(forms, theirForms);
             seen = theirs.state.seen;
@@ -430,9 +468,10 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             if (contested.empty())
                 break;
             if (!decide(contested, ask, decisions))
-                return failureAbout(Code::contested, u"Another program has changed the configurations in " +
-                                                         quoted(m_file) + u", and " + namesOf(contested) +
-                                                         u" differently than here; nothing was saved.");
+                return failureAbout(Code::contested,
+                                    u"Another program has changed the configurations in " + quoted(m_file) + u", and " +
+                                        namesOf(contested) + u" differently than here; nothing was saved.",
+                                    concerned(contested));
         }
         dropJournal(m_state->journal);
         return std::nullopt;
@@ -507,7 +546,7 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
     return guarded([&]() -> std::optional<Failure> {
         auto journal = unsaved.claim ? readJournal(unsaved.journal) : std::nullopt;
         if (!journal)
-            return failureAbout(Code::unreadable, quoted(unsaved.journal) + u" cannot be read.");
+            return Failure{Code::unreadable, quoted(unsaved.journal) + u" cannot be read.", unsaved.journal};
         const auto current = formsOf(model, m_state->unknown);
         journal->fillUp(current);
         auto merged = merge(journal->before, journal->after, current, {});
@@ -515,10 +554,11 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
              merged = merge(journal->before, journal->after, current, decisions))
             if (!decide(merged.contested, ask, decisions))
                 return failureAbout(Code::contested,
-                                    namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
+                                    namesOf(merged.contested) + u" was changed since; what was not saved is kept.",
+                                    concerned(merged.contested));
         const Taken taken(bytesOf(merged.forms, static_cast<qsizetype>(m_mostBytes)));
         adopt(taken, merged.forms, current, model);
-        m_state->notices = noticesOf(merged, u"before the program ended", u"since");
+        m_state->notices = noticesOf(merged, Notice::Deleted::beforeTheProgramEnded, Notice::Deleted::since);
         if (auto failure = keepUnsaved(model))
             return failure;
         unsaved.claim->remove();

@@ -204,7 +204,8 @@ TEST_F(InPlace, AnotherHardLinkKeepsTheOldFileAndThatIsSaid) {
     const auto outcome = stamp("letter.pdf");
     ASSERT_TRUE(outcome);
     ASSERT_EQ(outcome.warnings.size(), 1U);
-    EXPECT_EQ(outcome.warnings[0], "The file has other names too (hard links), under which it is as it was.");
+    EXPECT_EQ(outcome.warnings[0].sentence(),
+              "The file has other names too (hard links), under which it is as it was.");
     EXPECT_EQ(readFile(folder / "other.pdf"), old);
     EXPECT_NE(readFile(folder / "letter.pdf"), old);
     EXPECT_TRUE(stamp("letter.pdf").warnings.empty()) << "now it is a file of its own";

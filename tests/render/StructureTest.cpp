@@ -210,7 +210,7 @@ TEST(PdfStructure, APageThatStandsTwiceInTheTreeGetsTheStampOfEachPlace) {
         std::vector<host::TitleToken>{std::u16string(u"%pageNumber%")}));
     const auto outcome = work.stamp();
     ASSERT_TRUE(outcome) << outcome.sentence;
-    EXPECT_TRUE(outcome.warnings.empty()) << outcome.warnings.front();
+    EXPECT_TRUE(outcome.warnings.empty()) << outcome.warnings.front().sentence();
     EXPECT_EQ(work.text(1), "1\n\n\f");
     EXPECT_EQ(work.text(2), "2\n\n\f");
 }
