@@ -79,6 +79,11 @@ public:
         qt::noteCancelTitle(m_bundle.localizedStringForKeyValueTable(u"Cancel", u"", u""));
         for (const auto& className : m_loader.unknownClasses())
             report("the class " + plain(className) + " is not known here; its views are left out");
+        const auto* kind = m_loader.kindOf(m_loader.classOf(root));
+        if (!kind || kind->role == NibKind::Role::cell) {
+            delete root;
+            return refuse("its outermost widget is no view");
+        }
         root->setWindowTitle(qt::toQt(localized(root->windowTitle())));
         m_named["owner"] = m_owner;
         const auto view = build(*root, nullptr, {m_owner, true});

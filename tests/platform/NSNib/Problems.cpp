@@ -32,6 +32,16 @@ TEST_F(NibProblems, AFileThatIsNoInterfaceIsReported) {
     onlyProblem("Broken.ui cannot be read");
 }
 
+TEST_F(NibProblems, AFileWhoseOutermostWidgetIsNoViewIsReported) {
+    write("Slider.ui", R"(<ui version="4.0"><class>view</class><widget class="QSlider" name="view">
+        <widget class="QPushButton" name="saveBtn"/></widget></ui>)");
+    const auto bundle = NSBundle::bundleWithPath(folder.path().toStdString());
+    contents = loadNibNamedOwner(*bundle, u"Slider", owner);
+    EXPECT_FALSE(contents.window);
+    EXPECT_TRUE(hasProblem("Slider.ui cannot be read: its outermost widget is no view"))
+        << ::testing::PrintToString(contents.problems);
+}
+
 TEST_F(NibProblems, AControlThatNobodyReachesIsReported) {
     loadFile({}, column({widget("QPushButton", "saveBtn")}));
     onlyProblem("saveBtn: Owner has no outlet saveBtn");
