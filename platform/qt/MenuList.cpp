@@ -210,20 +210,20 @@ bool MenuList::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched != m_view->viewport())
         return false;
-    const auto* const mouse = static_cast<const QMouseEvent*>(event);
+    const auto mouse = [event] { return static_cast<const QMouseEvent*>(event); };
     switch (event->type()) {
     case QEvent::MouseButtonPress:
         m_armed = true;
         return true;
     case QEvent::MouseMove:
-        if ((mouse->globalPosition().toPoint() - m_pressedAt).manhattanLength() > QApplication::startDragDistance())
+        if ((mouse()->globalPosition().toPoint() - m_pressedAt).manhattanLength() > QApplication::startDragDistance())
             m_armed = true;
-        if (const auto index = m_view->indexAt(mouse->position().toPoint()); m_armed && index.isValid())
+        if (const auto index = m_view->indexAt(mouse()->position().toPoint()); m_armed && index.isValid())
             m_view->setCurrentIndex(index);
         return true;
     case QEvent::MouseButtonRelease:
         if (std::exchange(m_armed, true))
-            choose(m_view->indexAt(mouse->position().toPoint()));
+            choose(m_view->indexAt(mouse()->position().toPoint()));
         return true;
     case QEvent::MouseButtonDblClick:
         return true;
