@@ -7,7 +7,7 @@
 
 Prints one line for each fault and exits with 1 if there is any:
 a table that is no strings file, a key given twice, a key that one language lacks or has beyond the English ones, an
-empty text, a text whose format specifiers are not those of its key in their order, a marked letter that is lost or
+empty text, a text whose format specifiers are not those of its key by order or number ("%2$@"), a marked letter that is lost or
 marked twice, an English text that is not its key, a text of an interface file or of a source that has no key, and a key
 that nothing uses. A text of an interface file that is not to be translated says so with notr.
 """
@@ -30,6 +30,13 @@ LITERALS = re.compile(r'u?' + QUOTED + r'(?:\s*u?' + QUOTED + r')*')
 LOOKED_UP = re.compile(r'\b(?:localized|text)\(\s*(?:QStringLiteral\(\s*)?(' + LITERALS.pattern + ')', re.S)
 
 
+def specifiers(text):
+    """Each with the number of what it stands for; a percent sign stands for nothing."""
+    found = [specifier for specifier in SPECIFIER.findall(text) if specifier != '%%']
+    return sorted((re.sub(r'\d+\$', '', specifier), int(re.sub(r'\D', '', specifier) or number))
+                  for number, specifier in enumerate(found, 1))
+
+
 def read_table(path, faults):
     text = path.read_text(encoding='utf-8')
     table = {}
@@ -49,7 +56,7 @@ def read_table(path, faults):
             faults.append(f'{path}: "{key}" stands twice')
         if not value:
             faults.append(f'{path}: "{key}" has an empty text')
-        if SPECIFIER.findall(key) != SPECIFIER.findall(value):
+        if specifiers(key) != specifiers(value):
             faults.append(f'{path}: "{value}" has not the format specifiers of "{key}"')
         if len(MARKED.findall(key)) != len(MARKED.findall(value)):
             faults.append(f'{path}: "{value}" has not as many marked letters as "{key}"')

@@ -12,7 +12,7 @@ import re
 import sys
 
 ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$', re.M)
-KEPT = re.compile(r'(%@|\(\*[^)]*\)|\\.|&.)')  # what is filled in, patterns of file names, escapes, shortcuts
+KEPT = re.compile(r'(%(?:\d\$)?@|\(\*[^)]*\)|\\.|&.)')  # what is filled in, patterns of file names, escapes, shortcuts
 ACCENTS = str.maketrans('aceghijlnorsuwyzACEGHIJLNORSUWYZ', 'àćéğĥîĵļñöŕšüŵýžÀĆÉĞĤÎĴĻÑÖŔŠÜŴÝŽ')
 
 

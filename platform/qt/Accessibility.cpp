@@ -22,15 +22,18 @@ namespace {
 class SpokenTitle {
 public:
     explicit SpokenTitle(const TokenEdit& edit) {
-        const auto characters = edit.spokenCharacters();
-        for (std::size_t i = 0; i < characters.size(); ++i) {
-            m_starts.push_back(static_cast<int>(m_text.size()));
-            const bool token = isToken(characters[i]);
-            if (token && !m_text.isEmpty() && !m_text.back().isSpace())
+        m_starts.reserve(static_cast<std::size_t>(edit.document()->characterCount()));
+        bool afterToken = false;
+        for (const auto& [text, isToken] : edit.spokenPieces()) {
+            if (afterToken && !isToken && !text[0].isSpace())
                 m_text += u' ';
-            m_text += characters[i];
-            if (token && i + 1 < characters.size() && !isToken(characters[i + 1]) && !characters[i + 1][0].isSpace())
+            const auto start = static_cast<int>(m_text.size());
+            if (isToken && !m_text.isEmpty() && !m_text.back().isSpace())
                 m_text += u' ';
+            m_text += text;
+            for (int i = 0; i < (isToken ? 1 : text.size()); ++i)
+                m_starts.push_back(start + i);
+            afterToken = isToken;
         }
         m_starts.push_back(static_cast<int>(m_text.size()));
     }
@@ -50,8 +53,6 @@ public:
     }
 
 private:
-    static bool isToken(const QString& spoken) { return spoken.size() != 1; }
-
     QString m_text;
     std::vector<int> m_starts; // of each character of the document, then of its end
 };

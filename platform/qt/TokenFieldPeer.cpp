@@ -87,7 +87,7 @@ public:
         QTextCharFormat format;
         format.setObjectType(tokenObject);
         format.setProperty(tokenKey, ++m_last);
-        m_tokens[m_last] = {object, titleOf(object)};
+        m_tokens[m_last] = measured(object, titleOf(object));
         return format;
     }
     const RepresentedObject& objectOf(const QTextFormat& format) const {
@@ -105,19 +105,24 @@ public:
     /// Answers whether a title is another one now.
     bool retitle() {
         bool changed = false;
-        for (auto& [key, token] : m_tokens) {
-            auto title = titleOf(token.object);
-            changed = changed || title != token.title;
-            token.title = std::move(title);
-        }
+        for (auto& [key, token] : m_tokens)
+            if (auto title = titleOf(token.object); title != token.title) {
+                token = measured(token.object, std::move(title));
+                changed = true;
+            }
         return changed;
+    }
+    /// Has the tokens in the font of the field as it is now.
+    void measure() {
+        for (auto& [key, token] : m_tokens)
+            token.size = tokenSize(token.title, m_edit.font());
     }
 
     QString titleOf(const QTextFormat& format) const { return m_tokens.at(format.intProperty(tokenKey)).title; }
 
     QSizeF intrinsicSize(QTextDocument*, int, const QTextFormat& format) override {
         // The document puts the object on the baseline; what is drawn below it has room by the height of lines.
-        const auto size = tokenSize(m_tokens.at(format.intProperty(tokenKey)).title, m_edit.font());
+        const auto& size = m_tokens.at(format.intProperty(tokenKey)).size;
         return {size.width(), size.height() - belowBaseline(m_edit.font())};
     }
     void drawObject(QPainter* painter, const QRectF& rect, QTextDocument*, int position,
@@ -143,8 +148,13 @@ private:
     struct Token {
         RepresentedObject object;
         QString title;
+        QSizeF size; // asked for at every layout, which is at every key
     };
 
+    Token measured(const RepresentedObject& object, QString title) const {
+        const auto size = tokenSize(title, m_edit.font());
+        return {object, std::move(title), size};
+    }
     QString titleOf(const RepresentedObject& object) const {
         const auto field = m_edit.m_field.lock();
         return field ? toQt(field->displayStringOf(object)).simplified() : QString();
@@ -200,6 +210,7 @@ TokenEdit::~TokenEdit() = default;
 
 void TokenEdit::setLineHeight() {
     constexpr double between = 3;
+    m_tokens->measure();
     QTextBlockFormat lines;
     lines.setLineHeight(tokenSize({}, font()).height() + between, QTextBlockFormat::MinimumHeight);
     QTextCursor all(document());
@@ -242,16 +253,19 @@ TokenText TokenEdit::content() const {
     return content;
 }
 
-std::vector<QString> TokenEdit::spokenCharacters() const {
-    std::vector<QString> spoken;
+std::vector<TokenEdit::Spoken> TokenEdit::spokenPieces() const {
+    std::vector<Spoken> spoken;
     for (auto block = document()->begin(); block.isValid(); block = block.next()) {
         if (block.blockNumber() > 0)
-            spoken.push_back(QStringLiteral("\n"));
+            spoken.push_back({QStringLiteral("\n"), false});
         for (auto it = block.begin(); !it.atEnd(); ++it) {
             const auto fragment = it.fragment();
-            for (const auto character : fragment.text())
-                spoken.push_back(isToken(fragment.charFormat()) ? m_tokens->titleOf(fragment.charFormat())
-                                                                : QString(character));
+            const auto format = fragment.charFormat();
+            if (isToken(format))
+                spoken.insert(spoken.end(), static_cast<std::size_t>(fragment.length()),
+                              {m_tokens->titleOf(format), true});
+            else
+                spoken.push_back({fragment.text(), false});
         }
     }
     return spoken;
@@ -568,15 +582,9 @@ void TokenEdit::insertFromMimeData(const QMimeData* source) {
 
 QMimeData* TokenEdit::createMimeDataFromSelection() const {
     // For the selection that the window system passes on; copies and drags are made by the field.
-    const auto range = selectedRange();
-    std::u16string text;
-    const auto selected = content().substring(range);
-    for (const auto& piece : selected.pieces())
-        if (const auto* own = std::get_if<std::u16string>(&piece.object))
-            text += *own;
-    auto mime = std::make_unique<QMimeData>();
-    mime->setText(toQt(text));
-    return mime.release();
+    std::u16string plainText;
+    const auto pasteboard = tell(m_field, &NSTokenField::selectedTexts, plainText);
+    return pasteboard ? mimeDataOf(*pasteboard, plainText).release() : new QMimeData;
 }
 
 // Menus

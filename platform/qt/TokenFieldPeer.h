@@ -36,8 +36,12 @@ public:
     void showRefusal(Refusal refusal);
     bool isRefused() const { return m_refused; }
 
-    /// What is read out for each character of the document: itself, or the title of the token that it stands for.
-    std::vector<QString> spokenCharacters() const;
+    /// What is read out: a run of the document's characters, or the title of the one token that a character stands for.
+    struct Spoken {
+        QString text;
+        bool isToken;
+    };
+    std::vector<Spoken> spokenPieces() const;
     /// Opens the menu of the button in the field.
     void openInsertMenu();
     /// Takes a change to the text that was not made by an event handled here.

@@ -164,7 +164,7 @@ void ExchangeCommands::exportTo(const store::Configurations& configurations, con
         return;
     const fs::path file = chosen.toStdString();
     std::error_code none;
-    if (fs::equivalent(file, m_session.file(), none)) {
+    if (fs::equivalent(file, m_session.file(), none) || fs::equivalent(file, store::Store::defaultPath(), none)) {
         m_window.warn(text(u"“%@” is the file that the configurations are kept in.", {chosen}));
         return;
     }

@@ -20,7 +20,7 @@ std::shared_ptr<platform::NSBundle> hostBundle();
 /// The program's own text in the user's language; the English one where there is no other.
 QString text(const char16_t* english);
 
-/// The same with `arguments` in the places of "%@", in their order.
+/// The same with `arguments` in the places of "%@", in their order, or of "%1$@", by their number.
 QString text(const char16_t* english, const std::vector<QString>& arguments);
 
 /// A number of things, as the user writes it.

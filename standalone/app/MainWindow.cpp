@@ -238,7 +238,7 @@ void MainWindow::inform(const std::vector<store::Notice>& notices) {
     constexpr std::size_t most = 10;
     QStringList sentences;
     for (std::size_t i = 0; i < std::min(most, notices.size()); ++i)
-        sentences.append(toQt(notices[i].sentence));
+        sentences.append(sentenceOf(notices[i]));
     if (notices.size() > most)
         sentences.append(QStringLiteral("…"));
     QMessageBox box(QMessageBox::Information, windowTitle(), sentences.join(u'\n'), QMessageBox::Ok, this);

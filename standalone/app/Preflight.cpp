@@ -61,7 +61,7 @@ Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::pat
         if (!outcome)
             remark(sentenceOf(outcome));
         for (const auto& warning : outcome.warnings) {
-            remark(QString::fromStdString(warning));
+            remark(sentenceOf(warning));
             found.warnings.push_back(warning);
         }
         found.stampable += outcome || canBeAskedFor(outcome.code) ? 1 : 0;

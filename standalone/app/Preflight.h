@@ -14,8 +14,8 @@ namespace app {
 struct Preflight {
     /// A line for each remark: the document and what there is to say about it.
     QStringList lines;
-    /// As the engine words them, to tell what was told already.
-    std::vector<std::string> warnings;
+    /// Of all of them, to tell what was told already.
+    std::vector<engine::Warning> warnings;
     /// How many documents can be stamped, if only after a question.
     std::size_t stampable = 0;
     bool cancelled = false;

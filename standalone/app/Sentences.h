@@ -15,8 +15,12 @@ QString sentenceOf(const engine::Outcome& outcome, bool triedPassword = false);
 /// What is wrong with a file of configurations, in the user's language, likewise.
 QString sentenceOf(const store::Failure& failure);
 
-/// The store's own sentence, for below the other one: it tells the reason and what became of the file. Empty where it
-/// is the same.
+/// For below it: what else there is to say, such as the reason, and what became of the file; a line each. Empty in
+/// English, where the sentence has it all.
 QString detailOf(const store::Failure& failure);
+
+/// What a person should hear about a document that was stamped, or of changes that were joined, in the user's language.
+QString sentenceOf(const engine::Warning& warning);
+QString sentenceOf(const store::Notice& notice);
 
 } // namespace app

@@ -10,6 +10,7 @@
 #include <Foundation/dispatch.h>
 
 #include <QImage>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <chrono>
@@ -92,11 +93,14 @@ void Session::saveChanges() {
 
 void Session::save() {
     // While a save asks, nothing that happens meanwhile begins another.
-    if (std::exchange(m_saving, true))
+    if (m_saving)
         return;
     m_mergedIn = false;
-    const auto failure = m_store.save(*m_model, m_ask);
-    m_saving = false;
+    const auto failure = [this] {
+        m_saving = true;
+        const QScopeGuard saved([this] { m_saving = false; });
+        return m_store.save(*m_model, m_ask);
+    }();
     m_saveFailed = failure.has_value();
     m_changed = m_changed && m_saveFailed;
     if (m_mergedIn) {

@@ -135,7 +135,7 @@ StampSummary stampDocument(QWidget* parent, const fs::path& input, const fs::pat
     return run(parent, {{input, output}}, configuration, false);
 }
 
-QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<std::string>& told) {
+QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<engine::Warning>& told) {
     const auto all = summary.done.size() + summary.failed.size();
     QStringList remarks;
     const auto remark = [&remarks](const engine::Outcome& outcome, const QString& sentence) {
@@ -149,7 +149,7 @@ QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vec
     for (const auto& outcome : summary.done)
         for (const auto& warning : outcome.warnings)
             if (std::find(told.begin(), told.end(), warning) == told.end())
-                remark(outcome, QString::fromStdString(warning));
+                remark(outcome, sentenceOf(warning));
     QString line;
     if (summary.cancelled)
         line = summary.all > 1 ? text(u"Cancelled: %@ of %@ documents were stamped.",

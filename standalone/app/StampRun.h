@@ -31,6 +31,6 @@ StampSummary stampDocument(QWidget* parent, const std::filesystem::path& input, 
 
 /// Says what became of them: in a dialog where something failed or is worth a remark, save those warnings that were
 /// told before. Answers the line for the status bar, which says where results are; empty where there is nothing to say.
-QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<std::string>& told = {});
+QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vector<engine::Warning>& told = {});
 
 } // namespace app

@@ -157,6 +157,8 @@ int exportConfigurations(const fs::path& store, const std::vector<std::string>& 
     std::error_code none;
     if (fs::equivalent(output, store, none))
         return complain(cannotWrite, output + ": That is the file the configurations come from.");
+    if (fs::equivalent(output, store::Store::defaultPath(), none))
+        return complain(cannotWrite, output + ": That is the file that the window's configurations are kept in.");
     return writeStore(output, *wanted, problem) ? done : complain(cannotWrite, problem);
 }
 

@@ -214,7 +214,7 @@ std::string sentenceOf(const engine::Outcome& outcome) {
     auto sentence = outcome.sentence;
     if (outcome.code == engine::Code::nothingToStamp)
         for (const auto& reason : outcome.warnings)
-            sentence += ' ' + reason;
+            sentence += ' ' + reason.sentence();
     std::error_code none;
     if (outcome.code == engine::Code::unreadable && fs::is_other(outcome.path, none))
         sentence += " What comes through a pipe is read from the standard input, which is called \"-\".";
@@ -594,7 +594,7 @@ private:
             line +=
                 ", \"message\": " + jsonText(outcome ? outcome.sentence : sentenceOf(outcome)) + ", \"warnings\": [";
             for (const auto& warning : outcome.warnings)
-                line += (&warning == &outcome.warnings.front() ? "" : ", ") + jsonText(warning);
+                line += (&warning == &outcome.warnings.front() ? "" : ", ") + jsonText(warning.sentence());
             std::cout << line + "]}\n" << std::flush;
             return;
         }
@@ -604,7 +604,7 @@ private:
             return;
         }
         for (const auto& warning : outcome.warnings)
-            complain(0, file.name + ": " + warning);
+            complain(0, file.name + ": " + warning.sentence());
         if (m_task == Task::list) {
             std::string text = outcome.stamps.empty() ? file.name + ": no stamps\n" : "";
             for (const auto& stamp : outcome.stamps)

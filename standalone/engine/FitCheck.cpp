@@ -9,11 +9,8 @@ constexpr double kTolerance = 0.01; // points
 
 } // namespace
 
-std::string namedPages(const std::set<std::size_t>& pages) {
-    auto text = "page " + std::to_string(*pages.begin());
-    if (pages.size() > 1)
-        text += " and " + std::to_string(pages.size() - 1) + (pages.size() == 2 ? " other" : " others");
-    return text;
+std::vector<std::string> argumentsFor(const std::set<std::size_t>& pages) {
+    return {std::to_string(*pages.begin()), std::to_string(pages.size() - 1)};
 }
 
 void FitCheck::look(std::size_t pageNumber, const Box& ink, const Matrix& placed, platform::NSSize page) {
@@ -29,13 +26,13 @@ void FitCheck::look(std::size_t pageNumber, const Box& ink, const Matrix& placed
 
 void FitCheck::tell(Report& report, bool misfits) const {
     if (!m_outside.empty())
-        report.sentences.insert("The stamp lies outside " + namedPages(m_outside) + ", where nobody sees it.");
+        report.warn(Warning::Kind::outsidePage, argumentsFor(m_outside));
     if (!misfits)
         return;
     if (!m_tooLarge.empty())
-        report.sentences.insert("The stamp is larger than " + namedPages(m_tooLarge) + ".");
+        report.warn(Warning::Kind::largerThanPage, argumentsFor(m_tooLarge));
     if (!m_beyond.empty())
-        report.sentences.insert("The stamp reaches beyond the edge of " + namedPages(m_beyond) + ".");
+        report.warn(Warning::Kind::beyondEdge, argumentsFor(m_beyond));
 }
 
 } // namespace engine

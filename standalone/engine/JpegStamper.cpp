@@ -506,7 +506,7 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     bool keepsCodes = false;
     auto result = patched(source, std::move(coefficients), file, patches, keepsCodes);
     if (source.info.err->num_warnings > 0)
-        report.sentences.insert("The picture is damaged; it was read as far as possible.");
+        report.warn(Warning::Kind::pictureDamaged);
     return result;
 }
 

@@ -254,11 +254,10 @@ private:
                     face = other.get();
                     m_held[face] = other;
                     if (m_report.namesFallbacks)
-                        m_report.sentences.insert("The font \"" + own->postScriptName() + "\" lacks the character " +
-                                                  named(codes) + "; it is taken from \"" + other->postScriptName() +
-                                                  "\".");
+                        m_report.warn(Warning::Kind::characterElsewhere,
+                                      {own->postScriptName(), named(codes), other->postScriptName()});
                 } else {
-                    m_report.sentences.insert("No font on this machine has the character " + named(codes) + ".");
+                    m_report.warn(Warning::Kind::characterMissing, {named(codes)});
                 }
             }
             for (auto i = begin; i < end; ++i)
@@ -501,8 +500,7 @@ Appearance readAppearance(const host::ImprinterConfiguration& configuration, Fac
             if (!style.face) {
                 style.face = faces.defaultFace();
                 if (style.face)
-                    report.sentences.insert("The font \"" + name + "\" is not on this machine; \"" +
-                                            style.face->postScriptName() + "\" is used instead.");
+                    report.warn(Warning::Kind::fontMissing, {name, style.face->postScriptName()});
             }
             appearance.styles.push_back(std::move(style));
         }
@@ -526,8 +524,7 @@ std::u16string resolveTitle(const Appearance& appearance, const Facts& facts, Re
         if (piece.placeholder) {
             const auto value = valueOf(piece.text, facts);
             if (!value)
-                report.sentences.insert("The placeholder \"" + platform::toUtf8(piece.text) +
-                                        "\" is unknown; it is stamped as it stands.");
+                report.warn(Warning::Kind::unknownPlaceholder, {platform::toUtf8(piece.text)});
             title += settable(value.value_or(piece.text));
         } else {
             title += piece.text;
@@ -544,7 +541,7 @@ std::shared_ptr<const Stamp> layOut(const Appearance& appearance, const std::u16
     if (blank)
         return nullptr;
     if (!appearance.styles.front().face) {
-        report.sentences.insert("This machine has no font that can be stamped.");
+        report.warn(Warning::Kind::noFont);
         return nullptr;
     }
 

@@ -80,9 +80,10 @@ void takeOver(const std::filesystem::path& from, const struct stat& status, int 
         mode &= ~070 | (mode & 07) << 3;
     if (!group || !owner)
         mode &= 0777;
-    // A file system without permissions is no reason to fail.
-    (void)!::fchmod(to, mode);
     copyAttributes(from, to);
+    // Last, since an access list brings the rights of a group with it. A file system without permissions is no reason
+    // to fail.
+    (void)!::fchmod(to, mode);
 }
 
 } // namespace

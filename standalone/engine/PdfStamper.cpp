@@ -305,7 +305,7 @@ public:
         std::size_t changed = 0;
         if (m_task == Task::stamp) {
             stamps = &press->finish();
-            m_report.sentences.insert(stamps->report().sentences.begin(), stamps->report().sentences.end());
+            m_report.warnings.insert(stamps->report().warnings.begin(), stamps->report().warnings.end());
             changed = stamps->stampedPages();
             if (changed == 0) {
                 const bool chosen = std::find(isChosen.begin(), isChosen.end(), true) != isChosen.end();
@@ -363,7 +363,7 @@ public:
 private:
     void tellOfDamage() {
         if (m_pdf.lacksPages || wasDamaged(m_pdf.document))
-            m_report.sentences.insert("The document was damaged; it was repaired as far as possible.");
+            m_report.warn(Warning::Kind::repaired);
     }
 
     void tellOfUnread(const ContentReader& reader, const std::vector<PageWriter::Page>& sources) {
@@ -372,8 +372,7 @@ private:
             if (sources[i].isRead && reader.content(sources[i].content).isUnread)
                 pages.insert(i + 1);
         if (!pages.empty())
-            m_report.sentences.insert("The content of " + namedPages(pages) +
-                                      " cannot be decoded; the stamp may not look as it should.");
+            m_report.warn(Warning::Kind::contentUnread, argumentsFor(pages));
     }
 
     void checkFit(StampPress& stamps, const std::vector<StampPlan>& plans,

@@ -6,7 +6,7 @@
 namespace engine {
 
 Failure nothingToStamp(bool chosen, bool listed, const Report& report, const std::string& otherwise) {
-    if (chosen && report.sentences.empty())
+    if (chosen && report.warnings.empty())
         return {Code::nothingToStamp, "The title is empty."};
     return {Code::nothingToStamp, listed && !chosen ? "The page list names no page of the file." : otherwise};
 }

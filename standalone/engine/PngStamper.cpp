@@ -235,7 +235,7 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
     const bool staysGrey = profile == "GRAY" && !image.hasAlphaChannel();
     if (staysGrey) {
         if (!grey)
-            report.sentences.insert("The picture has a colour profile of greys; the stamp was painted in greys.");
+            report.warn(Warning::Kind::paintedInGreys);
         if (!deep)
             image.convertTo(QImage::Format_Grayscale8);
     } else if (deep) {
@@ -268,7 +268,7 @@ std::string stampPng(std::string_view file, const PartsFor& partsFor, Report& re
     const auto freshChunks = chunksOf(fresh);
     const bool losesProfile = profile == "GRAY" && !staysGrey;
     if (losesProfile)
-        report.sentences.insert("The picture's colour profile is for greys only and was left out.");
+        report.warn(Warning::Kind::profileLeftOut);
     const bool sameColourType = freshChunks.front().data.substr(8, 2) == chunks.front().data.substr(8, 2);
     std::string result(kSignature);
     const auto addFresh = [&](std::string_view type) {

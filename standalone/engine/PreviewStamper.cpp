@@ -216,7 +216,7 @@ Outcome PreviewStamper::stampInto(bool sameName, const std::filesystem::path& sa
         outcome.sentence = "The preview cannot be written: " + error.code().message() + ".";
         outcome.path = m_state->folder;
     }
-    outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
+    outcome.warnings.assign(report.warnings.begin(), report.warnings.end());
     return outcome;
 }
 

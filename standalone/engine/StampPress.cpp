@@ -22,7 +22,7 @@ void StampPress::run(std::size_t pageCount) {
         paintAll(pageCount, contents);
     while (!m_stopped && !m_fonts.subset());
     for (const auto& name : m_fonts.outlinedFaces())
-        m_report.sentences.insert("The font \"" + name + "\" may not be embedded; its text is drawn as outlines.");
+        m_report.warn(Warning::Kind::notEmbeddable, {name});
     Flate flate(kSmallEffort);
     for (std::size_t i = 0; i < contents.size() && !m_stopped; ++i) {
         auto& content = contents[i];

@@ -169,7 +169,7 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
         const bool hasOtherNames = job.inPlace && before.hasOtherNames();
         outcome.pagesStamped = work(kind, report);
         if (hasOtherNames)
-            report.sentences.insert("The file has other names too (hard links), under which it is as it was.");
+            report.warn(Warning::Kind::otherNames);
         outcome.path = job.output;
     });
     // What looks damaged, or too short to be copied, may only have been half written.
@@ -182,7 +182,9 @@ Outcome outcomeOf(const StampJob& job, const Work& work) {
             outcome.path = job.input;
         }
     }
-    outcome.warnings.assign(report.sentences.begin(), report.sentences.end());
+    outcome.warnings.assign(report.warnings.begin(), report.warnings.end());
+    std::sort(outcome.warnings.begin(), outcome.warnings.end(),
+              [](const Warning& one, const Warning& other) { return one.sentence() < other.sentence(); });
     return outcome;
 }
 

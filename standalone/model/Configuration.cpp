@@ -199,6 +199,18 @@ void Configuration::deleteConfiguration(const Member& member) {
     changed();
 }
 
+void Configuration::setMembers(const std::vector<Member>& members) {
+    std::vector<Member> taken;
+    std::copy_if(members.begin(), members.end(), std::back_inserter(taken),
+                 [&](const Member& member) { return m_combined && member && !member->combinedConfiguration(); });
+    if (taken == m_members)
+        return;
+    aboutToChange();
+    m_members = std::move(taken);
+    m_handedOut = nullptr;
+    changed();
+}
+
 std::shared_ptr<host::ImprinterFont> Configuration::createFontToken() {
     return std::make_shared<FontRun>(self(), fontRunCount(m_values.titleTokens));
 }

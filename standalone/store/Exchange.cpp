@@ -38,16 +38,6 @@ bool saysTheSame(const model::Configuration& left, const model::Configuration& r
                       [](const Handed& one, const Handed& other) { return keyOf(*one) == keyOf(*other); });
 }
 
-void setMembers(model::Configuration& combined, const std::vector<Handed>& members) {
-    const auto former = membersOf(combined);
-    if (former == members)
-        return;
-    for (const auto& member : former)
-        combined.deleteConfiguration(member);
-    for (const auto& member : members)
-        combined.addConfiguration(member);
-}
-
 /// What is to be done, told before anything is changed.
 class Import {
 public:
@@ -85,7 +75,7 @@ public:
                 members.push_back(m_standsFor.at(member));
             if (to != from && !m_copies.contains(to))
                 to->setValuesOf(*from);
-            setMembers(*to, members);
+            to->setMembers(members);
             result.imported.push_back(to);
         }
         return result;

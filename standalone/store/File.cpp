@@ -372,11 +372,15 @@ void Turn::keep(Name former, const std::string& suffix, int versions) const {
     std::size_t done = 0;
     while (done < steps.size() && files::calls().rename(steps[done].first.c_str(), steps[done].second.c_str()) == 0)
         ++done;
-    if (done == steps.size())
-        ::chmod(versionOf(m_target, 1).c_str(), 0600);
-    else
+    struct stat kept {};
+    if (done == steps.size()) {
+        // What has a name elsewhere too is not for this program to close.
+        if (::lstat(versionOf(m_target, 1).c_str(), &kept) == 0 && kept.st_nlink == 1)
+            ::chmod(versionOf(m_target, 1).c_str(), 0600);
+    } else {
         while (done-- > 0)
             files::calls().rename(steps[done].second.c_str(), steps[done].first.c_str());
+    }
 }
 
 void Turn::finishKilled() const {
@@ -384,9 +388,10 @@ void Turn::finishKilled() const {
         Name former(path);
         try {
             constexpr auto most = std::numeric_limits<std::uintmax_t>::max();
-            // It was killed before the new file came into its place, or after.
-            if (std::error_code none; fs::exists(m_target, none) && !fs::equivalent(path, m_target, none) &&
-                                      readFile(path, most).bytes != readFile(m_target, most).bytes)
+            // It was killed before the new file came into its place, or after; that file may be gone since.
+            if (std::error_code none;
+                !fs::exists(m_target, none) ||
+                (!fs::equivalent(path, m_target, none) && readFile(path, most).bytes != readFile(m_target, most).bytes))
                 keep(std::move(former), path.string().substr(path.string().size() - pattern.size()), mostVersions);
         } catch (const std::system_error&) {
             former.release(); // the next one may be able to

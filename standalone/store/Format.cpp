@@ -95,7 +95,9 @@ struct Place {
     }
     [[noreturn]] void refuse(Code code, const QString& clause) const {
         const auto where = text();
-        throw Problem{code, where.isEmpty() ? clause : where + u' ' + clause};
+        if (where.isEmpty())
+            throw Problem{code, clause};
+        throw Problem{code, where + u' ' + clause, {{Detail::Kind::atPlace, where.toStdU16String()}}};
     }
 };
 
@@ -302,7 +304,9 @@ QJsonObject document(QByteArray bytes) {
     if (error.error != QJsonParseError::NoError) {
         const auto line =
             1 + std::count(bytes.begin(), bytes.begin() + std::min<qsizetype>(error.offset, bytes.size()), '\n');
-        throw Problem{Code::damaged, QStringLiteral("line %1: %2").arg(QString::number(line), error.errorString())};
+        throw Problem{Code::damaged,
+                      QStringLiteral("line %1: %2").arg(QString::number(line), error.errorString()),
+                      {{Detail::Kind::atLine, QString::number(line).toStdU16String()}}};
     }
     return document.object();
 }
@@ -363,12 +367,20 @@ public:
                 refuse(Code::unstorable, QStringLiteral("The identifier “%1”").arg(identifier),
                        QStringLiteral("is empty or another's"));
             written.order.push_back(key);
-            written.byIdentifier.emplace(key, object(configuration));
+            try {
+                written.byIdentifier.emplace(key, object(configuration));
+            } catch (Problem& problem) {
+                problem.details.push_back({Detail::Kind::concerns, shown(configuration->name())});
+                throw;
+            }
         }
         return written;
     }
 
 private:
+    /// Whatever a name holds, a message about it can be shown.
+    static std::u16string shown(const std::u16string& name) { return platform::fromUtf8(platform::toUtf8(name)); }
+
     QJsonObject start(const std::shared_ptr<platform::NSObject>& object) const {
         const auto found = m_unknown.objects.find(object);
         return found == m_unknown.objects.end() ? QJsonObject() : found->second;
@@ -376,8 +388,7 @@ private:
 
     QJsonObject object(const std::shared_ptr<host::ImprinterConfiguration>& configuration) const {
         const auto& c = *configuration;
-        // Whatever the name holds, the message about it can be shown.
-        const auto owner = toQString(platform::fromUtf8(platform::toUtf8(c.name())));
+        const auto owner = toQString(shown(c.name()));
         const auto the = [&owner](const char* what) {
             return QStringLiteral("The %1 of “%2”").arg(QLatin1String(what), owner);
         };
@@ -538,7 +549,9 @@ std::vector<std::shared_ptr<Configuration>> read(const QByteArray& bytes, Unknow
         throw Problem{Code::damaged, QStringLiteral("its format is not “%1”").arg(formatName)};
     const auto version = integer(object.take(key::version), {nullptr, key::version});
     if (version > formatVersion)
-        throw Problem{Code::newer, QStringLiteral("format %1").arg(version)};
+        throw Problem{Code::newer,
+                      QStringLiteral("format %1").arg(version),
+                      {{Detail::Kind::formatVersion, QString::number(version).toStdU16String()}}};
     if (version < formatVersion)
         throw Problem{Code::invalid, QStringLiteral("version %1 of the format never was").arg(version)};
     auto configurations = configurationsIn(object.take(key::configurations), {nullptr, key::configurations}, unknown);

@@ -21,6 +21,7 @@ struct Problem {
     Code code;
     /// A clause, to be built into a sentence, for what is read; a whole sentence for what is written.
     QString text;
+    std::vector<Detail> details{};
 };
 
 /// The keys of a file that this version of the program does not know, for the objects they belong to.

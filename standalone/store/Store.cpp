@@ -29,21 +29,33 @@ std::u16string reason(const std::system_error& error) {
     return platform::fromUtf8(error.code().message());
 }
 
-constexpr char16_t leftAsItIs[] = u". The file is left as it is.";
+void sayLeft(Failure& failure) {
+    failure.sentence += u". The file is left as it is.";
+    failure.details.push_back({Detail::Kind::left, {}});
+}
 
-/// Renames the file if it may be, and answers whether it did. Ends `sentence` with what became of the file.
-bool keepAside(const fs::path& file, bool mayBeRenamed, const std::u16string& shown, std::u16string& sentence) {
+/// Renames the file if it may be, and answers whether it did. Ends what `failure` says with what became of the file.
+bool keepAside(const fs::path& file, bool mayBeRenamed, bool isUnderstoodInPart, Failure& failure) {
+    auto& sentence = failure.sentence;
     std::u16string left = u"The file is left as it is";
     if (mayBeRenamed) {
         try {
             const auto aside = renameAside(targetOf(file), "damaged");
             sentence += u". The file is kept as " + quoted(aside) + u"; the supplied configurations take its place.";
+            failure.details.push_back({Detail::Kind::keptAside, platform::fromUtf8(aside.string())});
             return true;
         } catch (const std::system_error& error) {
             left = u"The file could not be renamed (" + reason(error) + u"), so that it is left as it is";
+            failure.details.push_back({Detail::Kind::notRenamed, reason(error)});
         }
     }
-    sentence += u". " + left + u"; " + shown + u", and changes are not saved.";
+    failure.details.push_back({Detail::Kind::left, {}});
+    failure.details.push_back(
+        {isUnderstoodInPart ? Detail::Kind::shownAsFarAsItGoes : Detail::Kind::suppliedShown, {}});
+    sentence += u". " + left +
+                (isUnderstoodInPart ? u"; its configurations are shown as far as they can be read"
+                                    : u"; the supplied configurations are shown") +
+                u", and changes are not saved.";
     return false;
 }
 
@@ -78,9 +90,8 @@ struct Store::Reading {
     /// The supplied ones where there is a problem, or what a newer version wrote, as far as it is understood.
     std::vector<std::shared_ptr<model::Configuration>> configurations;
     State state;
-    std::optional<Code> problem;
-    /// The beginning of a sentence about the problem; what became of the file has to follow.
-    std::u16string sentence;
+    /// Its sentence is only begun; what became of the file has to follow.
+    std::optional<Failure> problem;
     bool isUnderstoodInPart = false;
     /// Whether it is a file that was meant to hold configurations, which may be kept aside.
     bool mayBeRenamed = false;
@@ -104,10 +115,9 @@ Store::Reading Store::readFile() const {
         reading.state.baseBytes.emplace();
         return reading;
     };
-    const auto stopped = [&](Code code, std::u16string sentence, bool mayBeRenamed) {
+    const auto stopped = [&](Code code, std::u16string sentence, bool mayBeRenamed, std::vector<Detail> details = {}) {
         auto reading = supplied();
-        reading.problem = code;
-        reading.sentence = std::move(sentence);
+        reading.problem = Failure{code, std::move(sentence), m_file, std::move(details)};
         reading.mayBeRenamed = mayBeRenamed;
         return reading;
     };
@@ -119,7 +129,8 @@ Store::Reading Store::readFile() const {
         return stopped(Code::foreign,
                        quoted(m_file) + u" is not a file of configurations (it is " +
                            (fs::is_directory(status) ? u"a folder)" : u"no ordinary file)"),
-                       false);
+                       false,
+                       {{fs::is_directory(status) ? Detail::Kind::isFolder : Detail::Kind::isNoOrdinaryFile, {}}});
     FileContent content;
     try {
         content = store::readFile(m_file, m_mostBytes);
@@ -134,7 +145,8 @@ Store::Reading Store::readFile() const {
         if (error.code() == std::errc::file_too_large)
             return stopped(Code::tooLarge, configurations + u" are larger than a file of configurations may be",
                            renamed);
-        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed);
+        return stopped(Code::unreadable, configurations + u" cannot be read (" + reason(error) + u")", renamed,
+                       {{Detail::Kind::reason, reason(error)}});
     }
     const auto bytes = QByteArray::fromRawData(content.bytes.data(), static_cast<qsizetype>(content.bytes.size()));
     try {
@@ -147,7 +159,8 @@ Store::Reading Store::readFile() const {
         const auto why = u" (" + problem.text.toStdU16String() + u")";
         if (problem.code == Code::newer) {
             auto reading =
-                stopped(Code::newer, configurations + u" were written by a newer version of the program" + why, false);
+                stopped(Code::newer, configurations + u" were written by a newer version of the program" + why, false,
+                        problem.details);
             if (auto understood = readNewer(bytes)) {
                 reading.configurations = std::move(*understood);
                 reading.isUnderstoodInPart = true;
@@ -155,16 +168,19 @@ Store::Reading Store::readFile() const {
             return reading;
         }
         if (!isDefault && !looksLikeConfigurations(bytes))
-            return stopped(Code::foreign, quoted(m_file) + u" is not a file of configurations" + why, false);
-        return stopped(problem.code, configurations + u" cannot be understood" + why, true);
+            return stopped(Code::foreign, quoted(m_file) + u" is not a file of configurations" + why, false,
+                           problem.details);
+        return stopped(problem.code, configurations + u" cannot be understood" + why, true, problem.details);
     }
 }
 
 LoadResult Store::read() const {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, true, reading.problem.has_value()};
-    if (reading.problem)
-        result.messages.push_back({*reading.problem, reading.sentence + leftAsItIs, m_file});
+    if (reading.problem) {
+        sayLeft(*reading.problem);
+        result.messages.push_back(std::move(*reading.problem));
+    }
     return result;
 }
 
@@ -172,19 +188,15 @@ LoadResult Store::load(Damaged damaged) {
     auto reading = readFile();
     LoadResult result{std::move(reading.configurations), {}, false, reading.problem.has_value()};
     if (reading.problem) {
-        const std::u16string shown = reading.isUnderstoodInPart
-                                         ? u"its configurations are shown as far as they can be read"
-                                         : u"the supplied configurations are shown";
         if (damaged == Damaged::leave)
-            reading.sentence += leftAsItIs;
+            sayLeft(*reading.problem);
         reading.state.readOnly = result.readOnly =
-            damaged == Damaged::leave || !keepAside(m_file, reading.mayBeRenamed, shown, reading.sentence);
-        result.messages.push_back({*reading.problem, reading.sentence, m_file});
+            damaged == Damaged::leave ||
+            !keepAside(m_file, reading.mayBeRenamed, reading.isUnderstoodInPart, *reading.problem);
+        result.messages.push_back(*reading.problem);
     }
-    // A file that is begun anew says so, for programs that still know the one that was there before.
-    std::error_code none;
-    if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() &&
-        (reading.problem || fs::exists(previousVersion(1), none)))
+    // A store that is begun says so, for programs that still know one that was there before.
+    if (reading.state.baseBytes && reading.state.baseBytes->isEmpty() && m_state->versions > 0)
         reading.state.unknown.document[key::lineage] = QUuid::createUuid().toString(QUuid::WithoutBraces);
     reading.state.versions = m_state->versions;
     reading.state.journal = std::move(m_state->journal);
@@ -195,22 +207,24 @@ LoadResult Store::load(Damaged damaged) {
     return result;
 }
 
-Failure Store::failureAbout(Code code, std::u16string sentence) const {
-    return {code, std::move(sentence), m_file};
+Failure Store::failureAbout(Code code, std::u16string sentence, std::vector<Detail> details) const {
+    return {code, std::move(sentence), m_file, std::move(details)};
 }
 
 std::optional<Failure> Store::guarded(const std::function<std::optional<Failure>()>& work) const {
     try {
         return work();
     } catch (const Problem& problem) {
-        return failureAbout(problem.code, problem.text.toStdU16String());
+        return failureAbout(problem.code, problem.text.toStdU16String(), problem.details);
     } catch (const Busy&) {
         return failureAbout(Code::busy, u"Another program has been writing the configurations in " + quoted(m_file) +
                                             u" for " + platform::fromUtf8(std::to_string(longestWait.count())) +
                                             u" seconds, and nothing was saved.");
     } catch (const std::system_error& error) {
-        return failureAbout(Code::unwritable, u"The configurations could not be saved in " + quoted(m_file) + u" (" +
-                                                  reason(error) + u").");
+        return failureAbout(Code::unwritable,
+                            u"The configurations could not be saved in " + quoted(m_file) + u" (" + reason(error) +
+                                u").",
+                            {{Detail::Kind::reason, reason(error)}});
     }
 }
 
@@ -257,23 +271,36 @@ bool decide(const std::vector<Contested>& contested, const Ask& ask, std::vector
     return true;
 }
 
-/// What to tell about what was joined. `here` and `there` are when the two sides did what they did: "here" and "by
-/// another program".
-std::vector<Notice> noticesOf(const Merged& merged, const std::u16string& here, const std::u16string& there) {
+std::u16string wordFor(Notice::Deleted where) {
+    switch (where) {
+    case Notice::Deleted::here:
+        return u"here";
+    case Notice::Deleted::byAnotherProgram:
+        return u"by another program";
+    case Notice::Deleted::beforeTheProgramEnded:
+        return u"before the program ended";
+    case Notice::Deleted::since:
+        return u"since";
+    }
+    return {};
+}
+
+/// What to tell about what was joined. `here` and `there` are where the two sides did what they did.
+std::vector<Notice> noticesOf(const Merged& merged, Notice::Deleted here, Notice::Deleted there) {
     const auto nameIn = [](const QJsonObject& form) { return form.value(key::name).toString().toStdU16String(); };
     std::vector<Notice> notices;
     for (const auto& [form, deletedHere, combined] : merged.outlived) {
-        const auto& deleted = deletedHere ? here : there;
-        const auto& used = deletedHere ? there : here;
+        const auto deleted = deletedHere ? here : there;
+        const auto used = wordFor(deletedHere ? there : here);
         const auto name = nameIn(form);
         const auto what =
             combined.isEmpty() ? u" and changed " + used : u" and put into “" + nameIn(combined) + u"” " + used;
         notices.push_back({combined.isEmpty() ? Notice::Kind::outlivedDeletion : Notice::Kind::outlivedDeletionByUse,
-                           name, nameIn(combined),
-                           u"“" + name + u"” was deleted " + deleted + what + u"; it was kept."});
+                           name, nameIn(combined), deleted,
+                           u"“" + name + u"” was deleted " + wordFor(deleted) + what + u"; it was kept."});
     }
     for (const auto& [form, combined] : merged.leftOut)
-        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined),
+        notices.push_back({Notice::Kind::leftOut, nameIn(form), nameIn(combined), here,
                            u"“" + nameIn(form) + u"” is no member of “" + nameIn(combined) +
                                u"”, since it is a combined configuration now."});
     return notices;
@@ -284,6 +311,13 @@ std::u16string namesOf(const std::vector<Contested>& contested) {
     for (const auto& about : contested)
         names += (names.empty() ? u"“" : u", “") + about.mine.value(key::name).toString().toStdU16String() + u"”";
     return names;
+}
+
+std::vector<Detail> concerned(const std::vector<Contested>& contested) {
+    std::vector<Detail> details;
+    for (const auto& about : contested)
+        details.push_back({Detail::Kind::concerns, about.mine.value(key::name).toString().toStdU16String()});
+    return details;
 }
 
 /// Takes what is unknown about `from` and its font runs over to `to` and its, in their order.
@@ -305,9 +339,17 @@ void moveUnknown(UnknownKeys& unknown, const UnknownKeys& found, const std::shar
 
 } // namespace
 
-void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model) {
-    UnknownKeys found;
-    const auto read = store::read(bytesOf(forms, static_cast<qsizetype>(m_mostBytes)), found);
+/// Configurations that are to be taken over, read before anything is changed, since reading may fail.
+struct Store::Taken {
+    explicit Taken(const QByteArray& bytes) : list(store::read(bytes, unknown)) {}
+
+    UnknownKeys unknown;
+    std::vector<std::shared_ptr<model::Configuration>> list;
+};
+
+void Store::adopt(const Taken& taken, const Forms& forms, const Forms& former, model::ImprinterModel& model) {
+    const auto& found = taken.unknown;
+    const auto& read = taken.list;
     m_state->unknown.document = found.document;
 
     // Whoever shows a configuration knows it by its object, which therefore stays, and takes over what has changed.
@@ -333,13 +375,7 @@ void Store::adopt(const Forms& forms, const Forms& former, model::ImprinterModel
             std::vector<std::shared_ptr<host::ImprinterConfiguration>> members;
             for (const auto& member : *read[i]->configurations())
                 members.push_back(kept.at(member));
-            if (*list[i]->configurations() != members) {
-                const auto present_ = *list[i]->configurations();
-                for (const auto& member : present_)
-                    list[i]->deleteConfiguration(member);
-                for (const auto& member : members)
-                    list[i]->addConfiguration(member);
-            }
+            list[i]->setMembers(members);
         }
         const auto was = former.byIdentifier.find(identifier);
         if (list[i] != read[i] &&
@@ -354,64 +390,74 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
     m_state->notices.clear();
     if (m_state->readOnly)
         return failureAbout(Code::readOnly, quoted(m_file) + u" is left as it is, and nothing was saved.");
-    const auto nothing = [&](Code code, const std::u16string& why) {
-        return failureAbout(code, u"Another program has written the configurations in " + quoted(m_file) + why +
-                                      u", and nothing was saved.");
+    const auto nothing = [&](Code code, const std::u16string& why, const std::vector<Detail>& details = {}) {
+        return failureAbout(code,
+                            u"Another program has written the configurations in " + quoted(m_file) + why +
+                                u", and nothing was saved.",
+                            details);
     };
     const auto attempt = [&](std::vector<Contested>& contested,
                              const std::vector<Decision>& decisions) -> std::optional<Failure> {
         const auto mine = formsOf(model, m_state->unknown);
-        Turn turn(m_file, m_state->onWait);
-        const auto state = turn.state();
+        std::optional<Turn> turn(std::in_place, m_file, m_state->onWait);
+        const auto state = turn->state();
         auto forms = mine;
         std::vector<Notice> notices;
         bool isThere = state && state == m_state->seen && isSame(mine, base());
         if (isThere && m_state->unsynced) {
             auto failure = guarded([&] {
-                turn.confirm();
+                turn->confirm();
                 return std::nullopt;
             });
             m_state->unsynced = failure.has_value();
             return failure;
         }
         auto seen = m_state->seen;
+        QByteArray bytes = m_state->baseBytes.value_or(QByteArray()); // of the file that is there, if that is to stay
         if (state && state != m_state->seen) {
             if (!m_state->baseBytes)
                 return nothing(Code::changedElsewhere, {});
             auto theirs = readFile();
             if (theirs.problem)
-                return nothing(Code::changedElsewhere, u". " + theirs.sentence);
+                return nothing(Code::changedElsewhere, u". " + theirs.problem->sentence, theirs.problem->details);
             const auto theirForms = formsIn(*theirs.state.baseBytes);
             auto merged = merge(commonBase(theirForms), mine, theirForms, decisions);
             contested = std::move(merged.contested);
             if (!contested.empty())
                 return std::nullopt;
-            notices = noticesOf(merged, u"here", u"by another program");
+            notices = noticesOf(merged, Notice::Deleted::here, Notice::Deleted::byAnotherProgram);
             forms = std::move(merged.forms);
             isThere = isSame(forms, theirForms);
             seen = theirs.state.seen;
-            if (isThere)
+            if (isThere) {
                 forms = theirForms;
+                bytes = *theirs.state.baseBytes;
+            }
         }
+        if (!isThere)
+            bytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
+        std::optional<Taken> taken;
+        if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
+            taken.emplace(bytes);
         std::optional<Failure> failure;
         if (!isThere) {
-            const auto bytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
             const auto before = seen;
             failure = guarded([&] {
-                turn.replace({bytes.data(), static_cast<std::size_t>(bytes.size())}, seen, m_state->versions);
+                turn->replace({bytes.data(), static_cast<std::size_t>(bytes.size())}, seen, m_state->versions);
                 return std::nullopt;
             });
             // The new file may be in its place though the disk has not confirmed it.
             if (failure && seen == before)
                 return failure;
         }
+        turn.reset();
         m_state->seen = seen;
         m_state->unsynced = failure.has_value();
         m_state->notices = std::move(notices);
-        if (forms.byIdentifier != mine.byIdentifier || forms.order != mine.order)
-            adopt(forms, mine, model);
-        m_state->baseBytes = bytesOf(forms, static_cast<qsizetype>(m_mostBytes));
-        m_state->base = std::move(forms);
+        m_state->baseBytes = bytes;
+        m_state->base = forms;
+        if (taken)
+            adopt(*taken, forms, mine, model);
         return failure;
     };
     return guarded([&]() -> std::optional<Failure> {
@@ -422,9 +468,10 @@ std::optional<Failure> Store::save(model::ImprinterModel& model, const Ask& ask)
             if (contested.empty())
                 break;
             if (!decide(contested, ask, decisions))
-                return failureAbout(Code::contested, u"Another program has changed the configurations in " +
-                                                         quoted(m_file) + u", and " + namesOf(contested) +
-                                                         u" differently than here; nothing was saved.");
+                return failureAbout(Code::contested,
+                                    u"Another program has changed the configurations in " + quoted(m_file) + u", and " +
+                                        namesOf(contested) + u" differently than here; nothing was saved.",
+                                    concerned(contested));
         }
         dropJournal(m_state->journal);
         return std::nullopt;
@@ -499,7 +546,7 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
     return guarded([&]() -> std::optional<Failure> {
         auto journal = unsaved.claim ? readJournal(unsaved.journal) : std::nullopt;
         if (!journal)
-            return failureAbout(Code::unreadable, quoted(unsaved.journal) + u" cannot be read.");
+            return Failure{Code::unreadable, quoted(unsaved.journal) + u" cannot be read.", unsaved.journal};
         const auto current = formsOf(model, m_state->unknown);
         journal->fillUp(current);
         auto merged = merge(journal->before, journal->after, current, {});
@@ -507,9 +554,11 @@ std::optional<Failure> Store::takeOver(const Unsaved& unsaved, model::ImprinterM
              merged = merge(journal->before, journal->after, current, decisions))
             if (!decide(merged.contested, ask, decisions))
                 return failureAbout(Code::contested,
-                                    namesOf(merged.contested) + u" was changed since; what was not saved is kept.");
-        adopt(merged.forms, current, model);
-        m_state->notices = noticesOf(merged, u"before the program ended", u"since");
+                                    namesOf(merged.contested) + u" was changed since; what was not saved is kept.",
+                                    concerned(merged.contested));
+        const Taken taken(bytesOf(merged.forms, static_cast<qsizetype>(m_mostBytes)));
+        adopt(taken, merged.forms, current, model);
+        m_state->notices = noticesOf(merged, Notice::Deleted::beforeTheProgramEnded, Notice::Deleted::since);
         if (auto failure = keepUnsaved(model))
             return failure;
         unsaved.claim->remove();

@@ -95,7 +95,7 @@ TEST_F(TitleField, OffersOnlyWhatTheEngineFillsIn) {
         appearance.pieces.push_back({placeholder, true, 0});
         engine::Report report;
         const auto title = engine::resolveTitle(appearance, facts, report);
-        EXPECT_TRUE(report.sentences.empty());
+        EXPECT_TRUE(report.warnings.empty());
         EXPECT_EQ(title.find(u'%'), std::u16string::npos);
         EXPECT_NE(title, std::u16string(1, u'\0'));
     }

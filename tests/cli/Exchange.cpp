@@ -130,6 +130,18 @@ TEST_F(Exchange, WhatCannotBeImportedChangesNothing) {
     EXPECT_EQ(imprinter("export --output a.json/x.json Received").status, 3);
 }
 
+TEST_F(Exchange, NoExportTakesThePlaceOfTheWindowsConfigurations) {
+    ASSERT_EQ(imprinter("export --output mine.json").status, 0);
+    ASSERT_EQ(imprinter("import mine.json").status, 0);
+    const auto store = folder / "data/imprinter/configurations.json";
+    const auto before = readFile(store);
+    ASSERT_NE(before, "");
+    const auto run = imprinter("--store mine.json export --output " + quoted(store));
+    EXPECT_EQ(run.status, 3) << run.output;
+    EXPECT_NE(run.output.find("configurations.json"), std::string::npos) << run.output;
+    EXPECT_EQ(readFile(store), before);
+}
+
 TEST_F(Exchange, APreviewIsThePictureThatStampingTheSampleGives) {
     ASSERT_TRUE(render::white(400, 300).save((folder / "page.png").c_str()));
     ASSERT_EQ(imprinter("preview --configuration Received --output preview.png page.png").status, 0);

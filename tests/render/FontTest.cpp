@@ -42,8 +42,8 @@ struct Stamped {
 TEST(Fonts, AnInstanceOfAVariableFileIsEmbeddedWithItsOwnShapes) {
     const Stamped regular(u"TestAxis-Regular", "axis.ttf");
     const Stamped black(u"Test-Axis", "axis.ttf");
-    EXPECT_TRUE(regular.outcome.warnings.empty()) << regular.outcome.warnings.front();
-    EXPECT_TRUE(black.outcome.warnings.empty()) << black.outcome.warnings.front();
+    EXPECT_TRUE(regular.outcome.warnings.empty()) << regular.outcome.warnings.front().sentence();
+    EXPECT_TRUE(black.outcome.warnings.empty()) << black.outcome.warnings.front().sentence();
     EXPECT_EQ(run("pdftotext " + quoted(black.out()) + " -").output, "aaa\n\n\f");
     EXPECT_NE(run("pdffonts " + quoted(black.out())).output.find("yes yes yes"), std::string::npos);
     // Boxes begin at 50 and end at 250 or 550 of 1000 units, 600 apart.
@@ -54,7 +54,7 @@ TEST(Fonts, AnInstanceOfAVariableFileIsEmbeddedWithItsOwnShapes) {
 TEST(Fonts, AFaceThatMayNotBeEmbeddedIsDrawnAsOutlinesAndReported) {
     const Stamped result(u"TestRestricted-Regular", "restricted.ttf");
     ASSERT_EQ(result.outcome.warnings.size(), 1U);
-    EXPECT_NE(result.outcome.warnings.front().find("TestRestricted-Regular"), std::string::npos);
+    EXPECT_NE(result.outcome.warnings.front().sentence().find("TestRestricted-Regular"), std::string::npos);
     EXPECT_EQ(run("pdffonts " + quoted(result.out())).output.find("TestRestricted"), std::string::npos);
     EXPECT_NEAR(result.ink.width(), (2 * 600 + 200) * 0.04, 1.5);
     EXPECT_NEAR(result.ink.height(), 700 * 0.04, 1.5);

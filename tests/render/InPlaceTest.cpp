@@ -46,8 +46,9 @@ protected:
     Folder folder;
 };
 
-/// An access list as the system keeps it: the owner may read and write, one more user may read, nobody else may.
-std::string accessList() {
+/// An access list as the system keeps it: the owner may read and write, `user` and the group what is said, nobody else
+/// anything.
+std::string accessList(uid_t user = someUser, unsigned ofUser = 4, unsigned ofGroup = 0) {
     std::string list("\x02\0\0\0", 4);
     const auto entry = [&](unsigned tag, unsigned rights, unsigned id) {
         for (const auto& [value, bytes] : {std::pair(tag, 2), std::pair(rights, 2), std::pair(id, 4)})
@@ -55,9 +56,9 @@ std::string accessList() {
                 list += static_cast<char>(value >> (8 * byte) & 0xFF);
     };
     entry(0x01, 6, 0xFFFFFFFF);
-    entry(0x02, 4, someUser);
-    entry(0x04, 0, 0xFFFFFFFF);
-    entry(0x10, 4, 0xFFFFFFFF);
+    entry(0x02, ofUser, user);
+    entry(0x04, ofGroup, 0xFFFFFFFF);
+    entry(0x10, ofUser | ofGroup, 0xFFFFFFFF);
     entry(0x20, 0, 0xFFFFFFFF);
     return list;
 }
@@ -164,6 +165,29 @@ TEST_F(InPlace, AFileKeepsItsAccessList) {
     EXPECT_EQ(statusOf("letter.pdf").st_mode, mode);
 }
 
+TEST_F(InPlace, AnAccessListGivesAnotherGroupNoMoreThanEverybodyHas) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the administrator gives files away";
+    const auto path = folder / "letter.pdf";
+    constexpr uid_t nobody = 65534;
+    const auto list = accessList(nobody, 6, 6);
+    if (::setxattr(path.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "the file system has none";
+    ASSERT_EQ(::chown(path.c_str(), someUser, someGroup), 0);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+    const auto child = ::fork();
+    if (child == 0) {
+        const bool changed = ::setgid(nobody) == 0 && ::setuid(nobody) == 0;
+        ::_exit(changed && stamp("letter.pdf") ? 0 : 1);
+    }
+    int status = 1;
+    ::waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0);
+    const auto after = statusOf("letter.pdf");
+    ASSERT_NE(after.st_gid, someGroup);
+    EXPECT_EQ(after.st_mode & 0077, 0U);
+}
+
 TEST_F(InPlace, ASymbolicLinkStaysAndItsFileIsReplaced) {
     fs::create_directory(folder / "elsewhere");
     fs::rename(folder / "letter.pdf", folder / "elsewhere" / "letter.pdf");
@@ -180,7 +204,8 @@ TEST_F(InPlace, AnotherHardLinkKeepsTheOldFileAndThatIsSaid) {
     const auto outcome = stamp("letter.pdf");
     ASSERT_TRUE(outcome);
     ASSERT_EQ(outcome.warnings.size(), 1U);
-    EXPECT_EQ(outcome.warnings[0], "The file has other names too (hard links), under which it is as it was.");
+    EXPECT_EQ(outcome.warnings[0].sentence(),
+              "The file has other names too (hard links), under which it is as it was.");
     EXPECT_EQ(readFile(folder / "other.pdf"), old);
     EXPECT_NE(readFile(folder / "letter.pdf"), old);
     EXPECT_TRUE(stamp("letter.pdf").warnings.empty()) << "now it is a file of its own";

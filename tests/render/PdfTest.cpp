@@ -58,7 +58,7 @@ TEST(PdfDocuments, CompactFontsStayCompact) {
     const auto with = configuration(u"");
     with->setTitle({fontRun(u"NimbusSans-Regular", 14), std::u16string(u"Fluffy office AVATAR")});
     const Stamped result(document(1, kPage, kGreyCorner), {with});
-    EXPECT_TRUE(result.outcome.warnings.empty()) << result.outcome.warnings.front();
+    EXPECT_TRUE(result.outcome.warnings.empty()) << result.outcome.warnings.front().sentence();
     EXPECT_EQ(result.text(), "Fluffy office AVATAR");
     const auto fonts = run("pdffonts " + quoted(result.out())).output;
     EXPECT_NE(fonts.find("CID Type 0C       Identity-H       yes yes yes"), std::string::npos) << fonts;
@@ -198,7 +198,7 @@ TEST(PdfDocuments, PlaceholdersFollowThePage) {
     EXPECT_EQ(result.text(1), "Page 1 of 3: in %colour%");
     EXPECT_EQ(result.text(3), "Page 3 of 3: in %colour%");
     ASSERT_EQ(result.outcome.warnings.size(), 1U);
-    EXPECT_NE(result.outcome.warnings.front().find("%colour%"), std::string::npos);
+    EXPECT_NE(result.outcome.warnings.front().sentence().find("%colour%"), std::string::npos);
     EXPECT_EQ(result.outcome.pagesStamped, 3U);
 }
 
@@ -255,7 +255,7 @@ TEST(PdfDocuments, LigaturesMarksAndOtherScriptsAreReadBackExactly) {
         const auto with = configuration(u"");
         with->setTitle({fontRun(platform::fromUtf8(row.face), 14), row.text});
         const Stamped result(document(1, kPage, kGreyCorner), {with});
-        EXPECT_TRUE(result.outcome.warnings.empty()) << result.outcome.warnings.front();
+        EXPECT_TRUE(result.outcome.warnings.empty()) << result.outcome.warnings.front().sentence();
         std::string found = result.text();
         // The reader puts embedding marks around right-to-left lines.
         for (const char* mark : {"\u202a", "\u202b", "\u202c"})
@@ -281,7 +281,7 @@ TEST(PdfDocuments, AFontTheMachineLacksIsReplacedAndReported) {
     const Stamped result(document(1, kPage, kGreyCorner), {with});
     EXPECT_EQ(result.text(), "Replaced");
     ASSERT_EQ(result.outcome.warnings.size(), 1U);
-    EXPECT_NE(result.outcome.warnings.front().find("NoSuchFace-Bold"), std::string::npos);
+    EXPECT_NE(result.outcome.warnings.front().sentence().find("NoSuchFace-Bold"), std::string::npos);
 }
 
 TEST(PdfDocuments, WhateverStateTheContentLeavesTheStampStandsTheSameAndThePageToo) {

@@ -255,7 +255,7 @@ TEST(Replacing, WorksBehindContentThatCannotBeDecodedAndSaysSo) {
             const auto outcome = engine::stampFile(task);
             ASSERT_TRUE(outcome) << outcome.sentence;
             EXPECT_EQ(std::count(outcome.warnings.begin(), outcome.warnings.end(),
-                                 "The content of page 1 cannot be decoded; the stamp may not look as it should."),
+                                 engine::Warning{engine::Warning::Kind::contentUnread, {"1", "0"}}),
                       1);
             EXPECT_EQ(textOf(folder / "in.pdf"), "One\n\n\f");
         }

@@ -100,7 +100,7 @@ std::vector<std::string> readBack(double degrees, const std::string& beside = {}
     const auto outcome = engine::stampFile(job(folder / "in.pdf", folder / "out.pdf", configurations));
     EXPECT_TRUE(outcome) << outcome.sentence;
     for (const auto& warning : outcome.warnings)
-        ADD_FAILURE() << warning;
+        ADD_FAILURE() << warning.sentence();
     const auto text = run("pdftotext -q -enc UTF-8 " + quoted(folder / "out.pdf") + " -").output;
     std::vector<std::string> pages;
     for (std::size_t at = 0, end = 0; (end = text.find('\f', at)) != std::string::npos; at = end + 1)
@@ -202,7 +202,8 @@ TEST(Scripts, AFontThatMayNotBeEmbeddedIsDrawnAsOutlinesAndStillRead) {
     platform::FontSource::setCurrent(nullptr);
     ASSERT_TRUE(outcome) << outcome.sentence;
     ASSERT_EQ(outcome.warnings.size(), 1U);
-    EXPECT_EQ(outcome.warnings.front(), "The font \"ForbidSans\" may not be embedded; its text is drawn as outlines.");
+    EXPECT_EQ(outcome.warnings.front().sentence(),
+              "The font \"ForbidSans\" may not be embedded; its text is drawn as outlines.");
     EXPECT_EQ(run("pdffonts " + quoted(folder / "out.pdf")).output.find("ForbidSans"), std::string::npos);
     EXPECT_GT(differingArea(shownPage(folder / "in.pdf"), shownPage(folder / "out.pdf")).width(), 60);
     EXPECT_EQ(withoutMarks(run("pdftotext " + quoted(folder / "out.pdf") + " -").output), "Secret  letters");

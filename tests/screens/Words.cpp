@@ -25,6 +25,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <fstream>
 #include <set>
 
 using namespace platform;
@@ -148,18 +149,110 @@ TEST_F(Words, WhatFailsIsSaidInTheLanguage) {
     outcome.path = "/nowhere/letter.pdf";
     EXPECT_EQ(app::sentenceOf(outcome), app::text(u"The file does not exist."));
 
-    for (const auto code : {store::Code::unreadable, store::Code::damaged, store::Code::foreign, store::Code::invalid,
-                            store::Code::newer, store::Code::tooLarge, store::Code::unstorable, store::Code::readOnly,
-                            store::Code::changedElsewhere, store::Code::contested, store::Code::unwritable}) {
-        const store::Failure failure{code, u"English, by the store.", "/some/file.json"};
+    for (const auto code :
+         {store::Code::unreadable, store::Code::damaged, store::Code::foreign, store::Code::invalid, store::Code::newer,
+          store::Code::tooLarge, store::Code::unstorable, store::Code::readOnly, store::Code::changedElsewhere,
+          store::Code::contested, store::Code::unwritable, store::Code::busy}) {
+        const store::Failure failure{
+            code, u"English, by the store.", "/some/file.json", {{store::Detail::Kind::keptAside, u"/some/else"}}};
         EXPECT_TRUE(isLocal(app::sentenceOf(failure))) << static_cast<int>(code);
-        // Elsewhere the file is named, and what the store says stands below.
+        // Elsewhere the file is named, and what else there is to say stands below.
         if (language() != "en") {
             EXPECT_TRUE(app::sentenceOf(failure).contains("/some/file.json"));
-            EXPECT_EQ(app::detailOf(failure), "English, by the store.");
+            EXPECT_TRUE(app::detailOf(failure).contains("/some/else"));
+            EXPECT_TRUE(isLocal(app::detailOf(failure)));
         } else {
             EXPECT_TRUE(app::detailOf(failure).isEmpty());
         }
+    }
+}
+
+TEST_F(Words, EveryKindOfRemarkIsSaidInTheLanguage) {
+    // In another one than English nothing of the English sentence is looked at; what is in none of the tables would be
+    // found by the check of the tables.
+    const auto expectLocal = [](const QString& said, const QString& english, const std::string& which) {
+        EXPECT_FALSE(said.isEmpty()) << which;
+        EXPECT_EQ(said == english, language() == "en") << which << ' ' << said.toStdString();
+        EXPECT_FALSE(said.contains(u'%')) << which << ' ' << said.toStdString();
+    };
+    for (std::size_t kind = 0; kind < engine::Warning::kinds; ++kind) {
+        const engine::Warning warning{static_cast<engine::Warning::Kind>(kind), {"3", "4", "5"}};
+        ASSERT_FALSE(warning.sentence().empty()) << kind;
+        expectLocal(app::sentenceOf(warning), QString::fromStdString(warning.sentence()),
+                    "warning " + std::to_string(kind));
+    }
+    using Deleted = store::Notice::Deleted;
+    std::set<QString> notices;
+    for (const auto kind : {store::Notice::Kind::outlivedDeletion, store::Notice::Kind::outlivedDeletionByUse,
+                            store::Notice::Kind::leftOut})
+        for (const auto deleted :
+             {Deleted::here, Deleted::byAnotherProgram, Deleted::beforeTheProgramEnded, Deleted::since}) {
+            const auto said = app::sentenceOf(store::Notice{kind, u"Inner", u"Outer", deleted, u"English"});
+            expectLocal(said, "English", "notice");
+            notices.insert(said);
+        }
+    EXPECT_EQ(notices.size(), language() == "en" ? 1U : 9U);
+    std::set<QString> details;
+    for (std::size_t kind = 0; kind < store::Detail::kinds; ++kind) {
+        const store::Failure failure{
+            store::Code::damaged, u"English", "/file", {{static_cast<store::Detail::Kind>(kind), u"7"}}};
+        const auto said = app::detailOf(failure);
+        EXPECT_EQ(said.isEmpty(), language() == "en") << kind;
+        details.insert(said);
+    }
+    EXPECT_EQ(details.size(), language() == "en" ? 1U : store::Detail::kinds);
+}
+
+TEST_F(Words, RemarksFollowTheOrderOfWordsOfTheLanguage) {
+    const engine::Warning character{engine::Warning::Kind::characterElsewhere, {"Serif", "U+3042", "Gothic"}};
+    const engine::Warning pages{engine::Warning::Kind::beyondEdge, {"3", "1200"}};
+    const store::Notice notice{store::Notice::Kind::leftOut, u"A", u"B", store::Notice::Deleted::here, u"English"};
+    const std::map<std::string, std::vector<QString>> said{
+        {"en",
+         {"The font \"Serif\" lacks the character U+3042; it is taken from \"Gothic\".",
+          "The stamp reaches beyond the edge of page 3 and 1200 others.", "English"}},
+        {"de",
+         {"In der Schrift „Serif“ fehlt das Zeichen U+3042; es wird aus „Gothic“ genommen.",
+          "Der Stempel ragt über den Rand der Seite hinaus (Seite 3 und 1.200 weitere).",
+          "„A“ gehört nicht zu „B“, denn sie ist jetzt selbst eine kombinierte Konfiguration."}},
+        {"ja",
+         {"文字 U+3042 はフォント「Serif」にないため、「Gothic」の文字を使います。",
+          "スタンプがページの端からはみ出しています（ページ 3 ほか 1,200 ページ）。",
+          "「A」は組み合わせた設定になったため、「B」には含まれません。"}}};
+    if (!said.contains(language()))
+        GTEST_SKIP() << "shown in three languages";
+    EXPECT_EQ((std::vector<QString>{app::sentenceOf(character), app::sentenceOf(pages), app::sentenceOf(notice)}),
+              said.at(language()));
+}
+
+TEST_F(Words, ADamagedFileIsToldOfInTheLanguage) {
+    const auto file = folder / "configurations.json";
+    std::ofstream(file) << "{\"format\": \"imprinter-configurations\",\n\"version\": 1,\n\"configurations\": [7]}";
+    session = std::make_unique<app::Session>(file);
+    ASSERT_EQ(session->messages().size(), 1U);
+    const auto& failure = session->messages().front();
+    EXPECT_EQ(failure.code, store::Code::invalid);
+    const auto name = QString::fromStdString(file.string());
+    QString aside;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path() != file)
+            aside = QString::fromStdString(entry.path().string());
+    if (language() == "de") {
+        EXPECT_EQ(app::sentenceOf(failure).toStdString(),
+                  QString::fromUtf8("Die Konfigurationen in „%1“ sind beschädigt.").arg(name).toStdString());
+        EXPECT_EQ(app::detailOf(failure).toStdString(),
+                  QString::fromUtf8("Der Fehler steht bei „configurations[0]“.\nDie Datei wird als „%1“ aufgehoben; an "
+                                    "ihre Stelle treten die mitgelieferten Konfigurationen.")
+                      .arg(aside)
+                      .toStdString());
+    } else if (language() == "ja") {
+        EXPECT_EQ(app::detailOf(failure).toStdString(),
+                  QString::fromUtf8("誤りは「configurations[0]」にあります。\nファイルは「%1」"
+                                    "として残され、付属の設定が代わりに使われます。")
+                      .arg(aside)
+                      .toStdString());
+    } else if (language() == "en") {
+        EXPECT_TRUE(app::sentenceOf(failure).contains("configurations[0] is not an object"));
     }
 }
 

@@ -32,6 +32,8 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMouseEvent>
+#include <QPointer>
 #include <QTableView>
 #include <QTest>
 #include <QTextEdit>
@@ -235,6 +237,11 @@ public:
     std::size_t acts() const { return m_acts; }
 
 private:
+    struct Known {
+        std::map<std::string, std::set<std::size_t>> values; // of each property
+        std::size_t last = 0;                                // act after which it was there
+    };
+
     fs::path store() const { return m_folder / "configurations.json"; }
     unsigned pick(std::size_t below) { return below == 0 ? 0 : static_cast<unsigned>(m_random() % below); }
     bool chance(unsigned oneIn) { return pick(oneIn) == 0; }
@@ -246,7 +253,10 @@ private:
     }
 
     Account now() { return accountOf(m_session->model().configurations()); }
-    void expectAccount() { compare(now(), "the model"); }
+    void expectAccount() {
+        compare(now(), "the model");
+        remember(m_account);
+    }
     void compare(const Account& found, const std::string& where) {
         if (found.size() != m_account.size())
             fail(where + " has " + std::to_string(found.size()) + " configurations, not " +
@@ -257,6 +267,39 @@ private:
                     fail(where + ": row " + std::to_string(i) + ", " + name + " is " +
                          (at == found[i].end() ? "missing" : at->second) + ", not " + value);
     }
+
+    /// What configurations were, for as long as undoing may bring it back.
+    void remember(const Account& account) {
+        constexpr std::size_t undoable = 5000; // acts; a hundred steps are far fewer
+        for (const auto& properties : account) {
+            auto& known = m_known[properties.at("identifier")];
+            known.last = m_acts;
+            for (const auto& [name, value] : properties)
+                if (!isTyped(name))
+                    known.values[name].insert(std::hash<std::string>()(value));
+        }
+        std::erase_if(m_known, [&](const auto& known) { return known.second.last + undoable < m_acts; });
+    }
+    /// Takes over what the window has undone or done again: each configuration is there once and as it had been at some
+    /// time, but for what was typed, which is undone in smaller steps than acts are.
+    void concedeFormer() {
+        const auto found = now();
+        Names identifiers;
+        for (const auto& properties : found) {
+            const auto& identifier = properties.at("identifier");
+            if (!identifiers.insert(identifier).second)
+                fail("there are two configurations " + identifier);
+            const auto known = m_known.find(identifier);
+            if (known == m_known.end())
+                fail("what was undone brought a configuration that never was: " + properties.at("name"));
+            for (const auto& [name, value] : properties)
+                if (!isTyped(name) && !known->second.values[name].contains(std::hash<std::string>()(value)))
+                    fail("what was undone gave " + properties.at("name") + " a " + name +
+                         " that it never had: " + value);
+        }
+        m_account = found;
+    }
+    static bool isTyped(const std::string& name) { return location().contains(name) || appearance().contains(name); }
 
     // What may have changed
 
@@ -453,10 +496,11 @@ private:
     void undo(QTextEdit& editor, bool again) {
         const auto* document = editor.document();
         const bool ofTitle = again ? document->isRedoAvailable() : document->isUndoAvailable();
+        remember(now());
         QTest::keyClick(&editor, Qt::Key_Z,
                         again ? Qt::ControlModifier | Qt::ShiftModifier : Qt::KeyboardModifiers(Qt::ControlModifier));
         if (!ofTitle)
-            m_account = now();
+            concedeFormer();
     }
     void typeTitle() {
         auto* editor = title();
@@ -849,12 +893,19 @@ private:
         auto* inside = m_window->centralWidget();
         const QPoint at(static_cast<int>(pick(static_cast<std::size_t>(inside->width()))),
                         static_cast<int>(pick(static_cast<std::size_t>(inside->height()))));
-        if (auto* hit = inside->childAt(at)) {
+        if (const QPointer<QWidget> hit = inside->childAt(at)) {
             const auto button = chance(5) ? Qt::RightButton : Qt::LeftButton;
-            if (chance(4))
-                QTest::mouseDClick(hit, button, {}, hit->mapFrom(inside, at));
-            else
-                QTest::mouseClick(hit, button, {}, hit->mapFrom(inside, at));
+            const auto place = hit->mapFrom(inside, at);
+            const bool twice = chance(4);
+            QTest::mouseClick(hit, button, {}, place);
+            remember(now());
+            if (twice && hit) {
+                QMouseEvent second(QEvent::MouseButtonDblClick, place, hit->mapToGlobal(place), button, button, {});
+                QApplication::sendEvent(hit, &second);
+                if (hit)
+                    QTest::mouseRelease(hit, button, {}, place);
+                remember(now());
+            }
             if (chance(3) && QApplication::focusWidget())
                 QTest::keyClick(QApplication::focusWidget(), chance(2) ? Qt::Key_Return : Qt::Key_Tab);
         }
@@ -929,7 +980,8 @@ private:
     std::unique_ptr<app::Session> m_session;
     std::unique_ptr<app::MainWindow> m_window;
     Account m_account;
-    std::optional<bool> m_agreed; // to the last alert
+    std::map<std::string, Known> m_known; // by identifier
+    std::optional<bool> m_agreed;         // to the last alert
     const char16_t* m_answer = u"";
     int m_asked = 0;
     std::string m_said; // by the last message

@@ -66,6 +66,7 @@ EXPECTED = [
     (source('auto label = text(u"Never " u"heard of");'), ['More.cpp: "Never heard of" is no key']),
     (replaced('es', '"Usuario"', '""'), ['"User" has an empty text']),
     (replaced('nl', '"Lettertype %@"', '"Lettertype"'), ['"Lettertype" has not the format specifiers of "Font %@"']),
+    (replaced('ja', '「%1$@」にないため、「%3$@」', '「%1$@」にないため、「%1$@」'), ['has not the format specifiers of']),
     (replaced('ja', '"終了(&Q)"', '"終了"'), ['"終了" has not as many marked letters as "&Quit"']),
     (replaced('ar', '"User" =', '"User"'), ['neither an entry nor a comment']),
     (appended('de', '"User" = "Benutzerin";'), ['"User" stands twice']),

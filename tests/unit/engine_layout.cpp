@@ -127,8 +127,8 @@ TEST(Layout, PlaceholdersAreWholeTokensOnly) {
                                         std::u16string(u"%"), std::u16string(u"%%"), std::u16string(u"%nobody%")}),
                     facts);
     EXPECT_EQ(laid.text(), u"7 x%pageNumber%%%%%nobody%");
-    ASSERT_EQ(laid.report.sentences.size(), 1U);
-    EXPECT_NE(laid.report.sentences.begin()->find("%nobody%"), std::string::npos);
+    ASSERT_EQ(laid.report.warnings.size(), 1U);
+    EXPECT_NE(laid.report.warnings.begin()->sentence().find("%nobody%"), std::string::npos);
 }
 
 TEST(Layout, ThePlaceholdersOfTheRunAreFilledIn) {
@@ -144,7 +144,7 @@ TEST(Layout, ThePlaceholdersOfTheRunAreFilledIn) {
                             std::u16string(u"%date%"), std::u16string(u"|"), std::u16string(u"%time%")}),
         facts);
     EXPECT_EQ(laid.text(), u"12|Letter A|Ada|29.2.2024|18:05");
-    EXPECT_TRUE(laid.report.sentences.empty());
+    EXPECT_TRUE(laid.report.warnings.empty());
 }
 
 TEST(Layout, RightToLeftTextRunsFromTheRight) {
@@ -167,14 +167,14 @@ TEST(Layout, AMissingCharacterComesFromAnotherFaceOnItsOwn) {
     EXPECT_EQ(runs[0].face->postScriptName(), "NimbusSans-Regular");
     EXPECT_NE(runs[1].face->postScriptName(), "NimbusSans-Regular");
     EXPECT_NE(runs[1].glyphs[0].glyph, 0U);
-    EXPECT_TRUE(laid.report.sentences.empty());
+    EXPECT_TRUE(laid.report.warnings.empty());
 }
 
 TEST(Layout, ACharacterNoFaceHasIsDrawnAsTheMissingGlyphAndReported) {
     const Laid laid(PlainConfiguration({std::u16string(u"a\U000FFFF0b")}));
     ASSERT_TRUE(laid.stamp);
-    ASSERT_EQ(laid.report.sentences.size(), 1U);
-    EXPECT_NE(laid.report.sentences.begin()->find("U+FFFF0"), std::string::npos);
+    ASSERT_EQ(laid.report.warnings.size(), 1U);
+    EXPECT_NE(laid.report.warnings.begin()->sentence().find("U+FFFF0"), std::string::npos);
     ASSERT_EQ(laid.runs().size(), 3U);
     EXPECT_EQ(laid.runs()[1].glyphs[0].glyph, 0U);
 }

@@ -11,7 +11,7 @@ target_link_libraries(unit_store_orders PRIVATE store Qt6::Core GTest::gtest_mai
 add_test(NAME Unit.unit_store_orders COMMAND unit_store_orders)
 set_tests_properties(Unit.unit_store_orders PROPERTIES LABELS unit)
 
-add_executable(unit_store store_damage.cpp store_defaults.cpp store_exchange.cpp store_faults.cpp store_merging.cpp store_round_trip.cpp store_saving.cpp store_support.cpp)
+add_executable(unit_store store_defaults.cpp store_exchange.cpp store_merging.cpp store_round_trip.cpp store_support.cpp)
 target_compile_definitions(unit_store PRIVATE FORMAT_DOCUMENT="${PROJECT_SOURCE_DIR}/docs/file-format.md")
 target_link_libraries(unit_store PRIVATE files store GTest::gtest_main)
 add_test(NAME Unit.unit_store COMMAND unit_store)

@@ -2,6 +2,7 @@
 #include "model_title.h"
 
 #include <model/Configuration.h>
+#include <model/ImprinterModel.h>
 
 #include <gtest/gtest.h>
 
@@ -188,6 +189,30 @@ TEST(CombinedConfiguration, LeavesAMemberListAlreadyHandedOutAsItWas) {
     combined->addConfiguration(Configuration::make(false));
     EXPECT_EQ(before->size(), 0u);
     EXPECT_EQ(platform::count(combined->configurations()), 1u);
+}
+
+TEST(CombinedConfiguration, GetsAllMembersAtOnceAsOneChange) {
+    model::ImprinterModel model;
+    const auto combined = Configuration::make(true);
+    model.setConfigurations({combined});
+    int changes = 0;
+    model.setOnChange([&](const auto&) { ++changes; });
+    std::vector<std::shared_ptr<host::ImprinterConfiguration>> members;
+    for (int i = 0; i < 100; ++i)
+        members.push_back(Configuration::make(false));
+    members.push_back(members.front());
+    auto sent = members;
+    sent.insert(sent.begin() + 1, {nullptr, Configuration::make(true)});
+    combined->setMembers(sent);
+    EXPECT_EQ(*combined->configurations(), members) << "as appending one by one would have it";
+    EXPECT_EQ(changes, 1);
+    combined->setMembers(members);
+    EXPECT_EQ(changes, 1);
+    combined->setMembers({});
+    EXPECT_EQ(combined->configurations()->size(), 0u);
+    const auto ordinary = Configuration::make(false);
+    ordinary->setMembers(members);
+    EXPECT_FALSE(ordinary->configurations());
 }
 
 TEST(CombinedConfiguration, HoldsInMemoryWhatThePaneSendsWhenItIsLeft) {

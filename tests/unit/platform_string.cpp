@@ -255,6 +255,10 @@ TEST(Format, ReplacesPlaceholdersInOrder) {
     } table[] = {
         {"none", u"plain", {}, u"plain"},
         {"one", u"Delete %@?", {u"A"}, u"Delete A?"},
+        {"numbered", u"%2$@ before %1$@", {u"A", u"B"}, u"B before A"},
+        {"numbered twice", u"%1$@ and %1$@", {u"A"}, u"A and A"},
+        {"number of none", u"[%2$@]", {u"A"}, u"[]"},
+        {"no number", u"%1$ %0$@", {u"A"}, u"%1$ %0$@"},
         {"two", u"%@%@", {u"A", u"B"}, u"AB"},
         {"percent sign", u"100 %% of %@", {u"A"}, u"100 % of A"},
         {"escaped placeholder", u"%%@", {u"A"}, u"%@"},

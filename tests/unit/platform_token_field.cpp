@@ -409,6 +409,30 @@ TEST_F(TokenFieldPasteboard, IsLeftAloneByAnEmptySelection) {
     EXPECT_EQ(delegate->log, Log());
 }
 
+TEST_F(TokenFieldPasteboard, OffersTheTextsOfASelectionThatNobodyCopied) {
+    set({u"abc", stone, u"#t", u"d"});
+    caretAt(1, 4);
+    std::u16string plain;
+    const auto offered = field->selectedTexts(plain);
+    EXPECT_EQ(*offered->readObjects(), (std::vector<std::u16string>{u"bc", u"#t"}));
+    EXPECT_EQ(plain, u"bc#t");
+    EXPECT_EQ(delegate->log, Log());
+    field->userPastes(offered);
+    EXPECT_EQ(value(), (Elements{u"abc", u"#t", u"d"})) << "a token stays one";
+}
+
+TEST_F(TokenFieldPasteboard, BringsNothingThatCannotBeShown) {
+    set({u"ab"});
+    caretAt(1);
+    editor->copied->writeObjects({u"1\uFFFC2\u00073\t4\u00855\x7F"});
+    field->userPastes(editor->copied);
+    EXPECT_EQ(value(), Elements{u"a123\t4\n5b"});
+    editor->copied->clearContents();
+    editor->copied->writeObjects({u"\uFFFC\u0001"});
+    field->userPastes(editor->copied);
+    EXPECT_EQ(value(), Elements{u"a123\t4\n5b"});
+}
+
 TEST_F(TokenFieldPasteboard, IsPastedInThePlaceOfTheSelectionAsOneChange) {
     delegate->reading = listOf({u"x", stone, u"y"});
     set({u"abcd"});

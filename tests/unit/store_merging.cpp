@@ -424,7 +424,8 @@ TEST_F(Merging, KeepsKeysThatThisVersionDoesNotKnowFromEitherSide) {
 TEST_F(Merging, WithAFileThatWasBegunAnewTakesNothingAwayThatItLacks) {
     put(documentOf(R"({"uniqueID": "a", "name": "A"}, {"uniqueID": "b", "name": "B"})"));
     Program longOpen(file);
-    for (const bool damaged : {true, false}) {
+    // The first time there is no former version of the file yet.
+    for (const bool damaged : {false, true, false}) {
         if (damaged)
             put(R"({"format": "imprinter-configurations", )");
         else
@@ -438,6 +439,27 @@ TEST_F(Merging, WithAFileThatWasBegunAnewTakesNothingAwayThatItLacks) {
         const auto names = " " + Program(file).names() + " ";
         for (const auto* name : {" A ", " B ", " Begun "})
             EXPECT_NE(names.find(name), std::string::npos) << names;
+    }
+}
+
+TEST_F(Merging, WithWhatFitsAsItIsButNotAsItWouldBeWrittenLosesNothing) {
+    // Written without spaces theirs may be read, but not written again.
+    std::string theirs;
+    for (int i = 0; i < 400; ++i)
+        theirs += std::string(i ? "," : "") + R"({"uniqueID":"t)" + std::to_string(i) + R"(","name":"T"})";
+    theirs = R"({"format":"imprinter-configurations","version":1,"configurations":[)" + theirs + "]}";
+    store::Store small(file, theirs.size() + 1000);
+    model::ImprinterModel model;
+    model.setConfigurations(small.load().configurations);
+    put(theirs);
+    EXPECT_EQ(sentenceOf(small.save(model)), "") << "nothing was changed here";
+    EXPECT_EQ(platform::count(model.configurations()), 400u);
+    for (const char16_t* name : {u"changed", u"changed again"}) {
+        (*model.configurations())[0]->setName(name);
+        const auto failure = small.save(model);
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->code, Code::tooLarge);
+        EXPECT_EQ(content(), theirs);
     }
 }
 

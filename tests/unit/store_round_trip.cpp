@@ -199,12 +199,14 @@ TEST_F(RoundTrip, KeepsEveryBitOfAnyConfiguration) {
         ASSERT_EQ(show(*result.configurations[i]), show(*written[i])) << "configuration " << i;
 }
 
-TEST_F(RoundTrip, WritesTheSameBytesAgain) {
+TEST_F(RoundTrip, WritesTheSameBytesAgainToBeGivenAway) {
     store::Store store(file);
+    store.keepNoVersions();
     store.load();
     ASSERT_EQ(sentenceOf(store.save(*modelOf(Generator().configurations(50)))), "");
     const auto first = content();
     store::Store again(folder / "again.json");
+    again.keepNoVersions();
     again.load();
     ASSERT_EQ(sentenceOf(again.save(*modelOf(store.load().configurations))), "");
     EXPECT_EQ(readAll(again.file()), first);
@@ -291,9 +293,10 @@ TEST_F(RoundTrip, ReadsTheExampleOfTheDocumentation) {
     ASSERT_EQ(namesOf(result.configurations), (std::vector<std::string>{"Page of Pages", "Numbered twice"}));
     EXPECT_EQ(result.configurations[1]->configurations()->at(0), result.configurations[0]);
     EXPECT_EQ(runAt(*result.configurations[0], 0)->fontSize(), 10);
-    // The example has every key that is written, and no other.
+    // The example has every key of a file that is given away, and no other.
     const auto example = content();
     store::Store again(folder / "again.json");
+    again.keepNoVersions();
     again.load();
     ASSERT_EQ(sentenceOf(again.save(*modelOf(result.configurations))), "");
     const auto squeezed = [](std::string text) {
@@ -312,10 +315,10 @@ TEST_F(RoundTrip, GivesMissingKeysTheValuesOfANewConfiguration) {
     EXPECT_EQ(show(*loaded[1]), show(*Configuration::makeWithID(u"b", true)));
 }
 
-TEST_F(RoundTrip, LoadsTwoThousandConfigurations) {
+TEST_F(RoundTrip, LoadsHundredsOfConfigurations) {
     const auto supplied = store::suppliedConfigurations();
     Configurations many;
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 500; ++i) {
         many.push_back(supplied[static_cast<std::size_t>(i) % 3]->copy());
         many.back()->setName(platform::fromUtf8("Configuration " + std::to_string(i)));
     }
@@ -329,8 +332,8 @@ TEST_F(RoundTrip, LoadsTwoThousandConfigurations) {
     ASSERT_EQ(sentenceOf(store.save(*model)), "");
     const auto loaded = store::Store(file).load().configurations;
     ASSERT_EQ(loaded.size(), many.size());
-    EXPECT_EQ(show(*loaded[1711]), show(*many[1711]));
-    EXPECT_EQ(platform::count(loaded.back()->configurations()), 2000u);
+    EXPECT_EQ(show(*loaded[411]), show(*many[411]));
+    EXPECT_EQ(platform::count(loaded.back()->configurations()), 500u);
 }
 
 } // namespace

@@ -25,11 +25,19 @@ std::u16string withPlainLineBreaks(const std::u16string& text) {
     plain.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool pair = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
-        const bool isBreak = text[i] == u'\r' || text[i] == u'\u2029' || text[i] == u'\uFDD0' || text[i] == u'\uFDD1';
+        const bool isBreak = text[i] == u'\r' || text[i] == u'\u0085' || text[i] == u'\u2029' || text[i] == u'\uFDD0' ||
+                             text[i] == u'\uFDD1';
         if (!pair)
             plain += isBreak ? u'\n' : text[i];
     }
     return plain;
+}
+
+/// What no keyboard brings and no stamp shows: control characters but tabulator and line break, and the sign that
+/// stands for a token in the editor.
+bool isNoText(char16_t unit) {
+    return unit == u'\uFFFC' || (unit < u' ' && unit != u'\n' && unit != u'\t') ||
+           (unit >= u'\u007F' && unit <= u'\u009F');
 }
 
 std::u16string plainTextOf(const TokenText& content) {
@@ -414,6 +422,19 @@ NSArray<RepresentedObject> NSTokenField::read(const std::shared_ptr<NSPasteboard
     return listOf(std::move(texts));
 }
 
+std::shared_ptr<NSPasteboard> NSTokenField::selectedTexts(std::u16string& plainText) const {
+    const auto selected = m_content.substring(selection());
+    plainText = plainTextOf(selected);
+    std::vector<std::u16string> items;
+    for (const auto& piece : selected.pieces())
+        if (const auto* text = std::get_if<std::u16string>(&piece.object))
+            items.push_back(*text);
+    auto pasteboard = std::make_shared<NSPasteboard>();
+    pasteboard->clearContents();
+    pasteboard->writeObjects(items);
+    return pasteboard;
+}
+
 void NSTokenField::userCopies() {
     const UserAct act;
     const auto selected = m_content.substring(selection());
@@ -477,7 +498,8 @@ bool NSTokenField::takeFrom(const std::shared_ptr<NSPasteboard>& pasteboard, NSR
     if (count(objects) == 0)
         return false;
     const auto before = m_content.substring({0, replaced.location});
-    const auto inserted = contentOf(shouldAdd(objects, before.pieces().size()));
+    auto inserted = contentOf(shouldAdd(objects, before.pieces().size()));
+    inserted.removeCharacters(isNoText);
     if (inserted.length() == 0)
         return false;
 

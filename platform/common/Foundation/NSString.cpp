@@ -179,17 +179,22 @@ bool hasSuffix(std::u16string_view text, std::u16string_view suffix) {
 std::u16string stringWithFormat(std::u16string_view format, const std::vector<std::u16string>& arguments) {
     std::u16string out;
     std::size_t next = 0;
+    const auto unit = [&](std::size_t at) { return at < format.size() ? format[at] : u'\0'; };
     for (std::size_t at = 0; at < format.size(); ++at) {
-        const char16_t following = at + 1 < format.size() ? format[at + 1] : u'\0';
-        if (format[at] != u'%' || (following != u'@' && following != u'%')) {
+        const char16_t following = unit(at + 1);
+        const bool numbered = following >= u'1' && following <= u'9' && unit(at + 2) == u'$' && unit(at + 3) == u'@';
+        if (format[at] != u'%' || (following != u'@' && following != u'%' && !numbered)) {
             out.push_back(format[at]);
             continue;
         }
-        ++at;
+        const std::size_t index = numbered ? static_cast<std::size_t>(following - u'1') : next;
+        at += numbered ? 3 : 1;
         if (following == u'%')
             out.push_back(u'%');
-        else if (next < arguments.size())
-            out += arguments[next++];
+        else if (index < arguments.size())
+            out += arguments[index];
+        if (following == u'@')
+            ++next;
     }
     return out;
 }

@@ -114,6 +114,9 @@ public:
     virtual void userUndid(const TokenText& text);
     /// Backspace, or Delete, without a selection. Answers whether that selected a token; if not, the editor deletes.
     bool userSelectsTokenToDelete(bool forward);
+    /// The texts of the selection, one item each, and all of them as `plainText`: what the window system offers of a
+    /// selection that nobody copied, so that the delegate hears nothing of it. Never null.
+    std::shared_ptr<NSPasteboard> selectedTexts(std::u16string& plainText) const;
     void userCuts();
     void userCopies();
     /// Puts what is on the pasteboard in the place of the selection.

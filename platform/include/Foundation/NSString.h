@@ -39,7 +39,8 @@ bool hasSuffix(std::u16string_view text, std::u16string_view suffix);
 /// -1, 0 or 1 after folding case by Unicode. A missing receiver answers 0 whatever it is compared with.
 int caseInsensitiveCompare(std::optional<std::u16string_view> text, std::u16string_view other);
 
-/// `format` with each "%@" replaced by the next of `arguments`, and "%%" by "%".
+/// `format` with each "%@" replaced by the next of `arguments`, "%2$@" by the second of them, up to the ninth, and "%%"
+/// by "%".
 std::u16string stringWithFormat(std::u16string_view format, const std::vector<std::u16string>& arguments);
 
 } // namespace platform

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <engine/Stamp.h>
+#include <engine/Warning.h>
 #include <host/ImprinterConfiguration.h>
 
 #include <map>
@@ -20,12 +21,16 @@ struct Facts {
     std::u16string time; ///< Likewise.
 };
 
-/// What a person should hear about a run that worked all the same; each sentence once.
+/// What a person should hear about a run that worked all the same; each once.
 struct Report {
-    std::set<std::string> sentences; ///< UTF-8
+    std::set<Warning> warnings;
     /// Whether to tell of characters that come from another font than their run's; nobody needs to hear of them who
     /// sees the result.
     bool namesFallbacks = false;
+
+    void warn(Warning::Kind kind, std::vector<std::string> arguments = {}) {
+        warnings.insert({kind, std::move(arguments)});
+    }
 };
 
 /// The style of text between two font runs.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <engine/Warning.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -40,9 +42,9 @@ struct FoundStamp {
 /// How a run ended. Texts are UTF-8.
 struct Outcome {
     Code code = Code::ok;
-    std::string sentence;              ///< For people; says what went wrong, or what was done.
-    std::filesystem::path path;        ///< The file concerned: the output where all went well.
-    std::vector<std::string> warnings; ///< Sentences for people about a run that worked.
+    std::string sentence;          ///< For people; says what went wrong, or what was done.
+    std::filesystem::path path;    ///< The file concerned: the output where all went well.
+    std::vector<Warning> warnings; ///< By their English sentences.
     std::size_t pagesStamped = 0;
     std::vector<FoundStamp> stamps = {}; ///< Where they were asked for.
 

@@ -69,6 +69,8 @@ public:
     void addConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& member) override;
     /// Afterwards it is no member, however often it was appended.
     void deleteConfiguration(const std::shared_ptr<host::ImprinterConfiguration>& member) override;
+    /// All members at once, as appending each to none would put them; one change, or none where they are the same.
+    void setMembers(const std::vector<std::shared_ptr<host::ImprinterConfiguration>>& members);
 
     /// Numbered as the last run of the title as it stands, so that its name is a new one.
     std::shared_ptr<host::ImprinterFont> createFontToken() override;

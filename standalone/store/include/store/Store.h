@@ -29,11 +29,36 @@ enum class Code {
     busy,             ///< another program has been writing it for too long
 };
 
+/// What there is to say about a failure beside its code.
+struct Detail {
+    enum class Kind {
+        reason,             ///< what the system says
+        isFolder,           ///< none
+        isNoOrdinaryFile,   ///< none
+        atLine,             ///< the number of the line of the file
+        atPlace,            ///< the place in the file, as "configurations[3].name"
+        formatVersion,      ///< the number of the version
+        concerns,           ///< the name of a configuration
+        left,               ///< none
+        keptAside,          ///< the path of the file now
+        notRenamed,         ///< what the system says
+        suppliedShown,      ///< none; they are shown, and changes are not saved
+        shownAsFarAsItGoes, ///< none; the same about what was understood
+    };
+    /// How many kinds there are.
+    static constexpr std::size_t kinds = static_cast<std::size_t>(Kind::shownAsFarAsItGoes) + 1;
+
+    Kind kind;
+    std::u16string argument; ///< What stands behind the kind.
+};
+
 struct Failure {
     Code code;
     /// For people, complete, in English.
     std::u16string sentence;
     std::filesystem::path file;
+    /// What the sentence says beside the code, for those who say it in another language.
+    std::vector<Detail> details{};
 };
 
 struct LoadResult {
@@ -75,9 +100,13 @@ struct Notice {
         outlivedDeletionByUse, ///< it was deleted on one side, and stays since the other put it into a combined one
         leftOut,               ///< it is no member of a combined one, since it is combined itself now
     };
+    /// Where, or when, something was deleted that stays; what makes it stay is of the opposite.
+    enum class Deleted { here, byAnotherProgram, beforeTheProgramEnded, since };
+
     Kind kind;
     std::u16string configuration; ///< its name
     std::u16string combined;      ///< the name of the combined one; empty where there is none
+    Deleted deleted = Deleted::here;
     /// For people, complete, in English.
     std::u16string sentence;
 };
@@ -144,7 +173,7 @@ public:
     void setOnWait(std::function<void()> tell);
     /// About the last `save` or `takeOver` that did something.
     const std::vector<Notice>& notices() const;
-    /// Keeps no former files: for one that is written to be given away.
+    /// Keeps no former files, and no mark of where the file began: for one that is written to be given away.
     void keepNoVersions();
 
     /// Keeps what the model has and the file has not in a journal beside the file, for the case that the program ends
@@ -164,15 +193,16 @@ public:
 private:
     struct State;
     struct Reading;
+    struct Taken;
 
     Reading readFile() const;
-    Failure failureAbout(Code code, std::u16string sentence) const;
+    Failure failureAbout(Code code, std::u16string sentence, std::vector<Detail> details = {}) const;
     std::optional<Failure> guarded(const std::function<std::optional<Failure>()>& work) const;
     const Forms& base() const;
     /// What `theirs` and this program's configurations come from: where theirs is in a file that was begun anew, since
     /// the one that was loaded was gone or damaged, only what both have. What they lack was not deleted then.
     Forms commonBase(const Forms& theirs) const;
-    void adopt(const Forms& forms, const Forms& former, model::ImprinterModel& model);
+    void adopt(const Taken& taken, const Forms& forms, const Forms& former, model::ImprinterModel& model);
     std::filesystem::path m_file;
     std::uintmax_t m_mostBytes;
     std::unique_ptr<State> m_state;

@@ -185,6 +185,24 @@ TEST_F(FaultsOfVersions, WhatAKilledProgramDidNotComeToKeepTheNextSaveKeeps) {
     std::filesystem::create_hard_link(file, folder / ".configurations.json.former-aB3xY9");
     save(u"very last"); // before the file came into its place
     EXPECT_EQ(all(), "very last last next killed again");
+    leave("killed once more");
+    std::filesystem::remove(file); // or was kept aside since
+    save(u"begun");
+    EXPECT_EQ(all(), "begun killed once more last next");
+}
+
+TEST_F(FaultsOfVersions, AFileThatHasAnotherNameTooKeepsItsPermissions) {
+    prepare();
+    std::filesystem::create_hard_link(file, data / "backup.json");
+    std::filesystem::permissions(file, std::filesystem::perms(0644));
+    store::Store store(file);
+    const auto model = modelOf(store.load().configurations);
+    model->configurations()->front()->setName(u"after");
+    ASSERT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_EQ(std::filesystem::status(data / "backup.json").permissions(), std::filesystem::perms(0644));
+    model->configurations()->front()->setName(u"later");
+    ASSERT_EQ(sentenceOf(store.save(*model)), "");
+    EXPECT_EQ(std::filesystem::status(store.previousVersion(1)).permissions(), std::filesystem::perms(0600));
 }
 
 TEST_F(FaultsOfVersions, WithoutHardLinksTheyAreCopied) {
