@@ -98,13 +98,11 @@ void findSignatures(QPDFObjectHandle annotations, Signatures& found) {
     }
 }
 
-/// Whether a document may be signed at all. What a signature covers is said by offsets in the file, so that the
-/// signature itself is never compressed.
+/// Whether a document may be signed at all. A signature says by offsets in the file what it covers, so that it is never
+/// compressed itself. Fields that nobody signed do not have that, and are many in forms.
 bool mayBeSigned(std::string_view bytes) {
-    const auto has = [bytes](std::string_view word) {
-        return ::memmem(bytes.data(), bytes.size(), word.data(), word.size()) != nullptr;
-    };
-    return has("/Sig") || has("/ByteRange");
+    constexpr std::string_view covered = "/ByteRange";
+    return ::memmem(bytes.data(), bytes.size(), covered.data(), covered.size()) != nullptr;
 }
 
 /// A document that is read from a file.

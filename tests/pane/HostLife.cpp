@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The stand-alone host around the real pane: what opening, selecting, closing and failing to save do.
 
+#include "../support/Environment.h"
 #include "../support/MemoryDefaults.h"
 
 #include "HostBundle.h"
@@ -41,21 +42,6 @@ using namespace platform;
 namespace fs = std::filesystem;
 
 namespace {
-
-/// A variable of the environment, as long as it lives.
-class Environment {
-public:
-    Environment(const char* name, const std::string& value) : m_name(name), m_former(qgetenv(name)) {
-        qputenv(name, value.c_str());
-    }
-    ~Environment() { m_former.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_former); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    const char* m_name;
-    QByteArray m_former;
-};
 
 class HostLife : public ::testing::Test {
 protected:
@@ -713,7 +699,7 @@ TEST_F(HostLife, AnAbsurdRotationDoesNotKeepTheRestFromBeingStored) {
 }
 
 TEST_F(HostLife, WithoutAFolderForPreviewsThereIsNoneAndEverythingElseWorks) {
-    const Environment closed("XDG_RUNTIME_DIR", "/proc"); // nobody makes folders there
+    const support::Environment closed("XDG_RUNTIME_DIR", "/proc"); // nobody makes folders there
     open(folder / "configurations.json");
     session->allowPreviews();
     window->pane().table()->userSelects(NSIndexSet(2), 2);

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "../support/Environment.h"
+
 #include <Foundation/NSBundle.h>
 
 #include <gtest/gtest.h>
@@ -11,36 +13,14 @@ namespace {
 using namespace platform;
 namespace fs = std::filesystem;
 
-/// The locale's environment, put back afterwards.
-class Environment {
-public:
-    Environment() {
-        for (const auto* name : names) {
-            const char* value = std::getenv(name);
-            m_former.push_back(value ? std::optional<std::string>(value) : std::nullopt);
-            unsetenv(name);
-        }
-    }
-    ~Environment() {
-        for (std::size_t i = 0; i < m_former.size(); ++i)
-            set(names[i], m_former[i]);
-    }
-    static void set(const char* name, const std::optional<std::string>& value) {
-        if (value)
-            setenv(name, value->c_str(), 1);
-        else
-            unsetenv(name);
-    }
-    static constexpr const char* names[] = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
-
-private:
-    std::vector<std::optional<std::string>> m_former;
-};
+constexpr const char* localeVariables[] = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
 
 /// A folder to put a bundle together in.
 class Bundles : public testing::Test {
 protected:
     Bundles() {
+        for (const auto* name : localeVariables)
+            environment.set(name, std::nullopt);
         std::string pattern = testing::TempDir() + "bundle-XXXXXX";
         path = fs::path(mkdtemp(pattern.data())) / "Sample.prefPane";
         fs::create_directories(path);
@@ -59,7 +39,7 @@ protected:
         write(fs::path(language + ".lproj") / (name + ".strings"), content);
     }
 
-    Environment environment;
+    support::Environment environment;
     fs::path path;
 };
 
@@ -139,9 +119,9 @@ TEST_F(Bundles, ChooseTheFirstOfTheUsersLanguagesThatTheyHave) {
     for (const auto* folder : {"en.lproj", "ja.lproj", "de.lproj", "pt-BR.lproj", "zh-Hans.lproj"})
         fs::create_directory(path / folder);
     for (const auto& row : table) {
-        for (const auto* name : Environment::names) {
+        for (const auto* name : localeVariables) {
             const auto value = row.variables.find(name);
-            Environment::set(name, value == row.variables.end() ? std::nullopt : std::optional(value->second));
+            environment.set(name, value == row.variables.end() ? std::nullopt : std::optional(value->second));
         }
         EXPECT_EQ(NSBundle::bundleWithPath(path)->preferredLocalization(), row.expected) << row.row;
     }
@@ -185,7 +165,7 @@ TEST_F(Bundles, TranslateKeys) {
 }
 
 TEST_F(Bundles, DoNotMixLanguagesByKey) {
-    Environment::set("LANG", "de_DE.UTF-8");
+    environment.set("LANG", "de_DE.UTF-8");
     writeInformation();
     writeTable("en", "a = english; b = english;");
     writeTable("de", "a = deutsch;");

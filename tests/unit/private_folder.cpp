@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "../support/Environment.h"
+
 #include <files/Calls.h>
 #include <files/PrivateFolder.h>
 
@@ -26,17 +28,9 @@ protected:
         const bool hasMemory = access(memory.c_str(), W_OK | X_OK) == 0;
         std::string name = ((hasMemory ? memory : fs::temp_directory_path()) / "folders-XXXXXX").string();
         parent = mkdtemp(name.data());
-        if (const char* before = std::getenv("XDG_RUNTIME_DIR"))
-            m_before = before;
-        setenv("XDG_RUNTIME_DIR", parent.c_str(), 1);
+        environment.set("XDG_RUNTIME_DIR", parent.string());
     }
-    ~PrivateFolders() override {
-        if (m_before.empty())
-            unsetenv("XDG_RUNTIME_DIR");
-        else
-            setenv("XDG_RUNTIME_DIR", m_before.c_str(), 1);
-        fs::remove_all(parent);
-    }
+    ~PrivateFolders() override { fs::remove_all(parent); }
 
     /// A program that has a folder with a file in it and waits to be killed. Answers the folder.
     fs::path startProgram(pid_t& child) {
@@ -82,10 +76,8 @@ protected:
         fs::last_write_time(path, fs::file_time_type::clock::now() - hours);
     }
 
+    support::Environment environment;
     fs::path parent;
-
-private:
-    std::string m_before;
 };
 
 /// On a file system that has no locks.
@@ -237,18 +229,16 @@ TEST_F(PrivateFoldersWithoutLocks, OfAnotherMachineAreLeftAloneForAMonth) {
 }
 
 TEST_F(PrivateFolders, WithoutARuntimeFolderAreMadeAmongTheTemporaryFiles) {
-    setenv("XDG_RUNTIME_DIR", (parent / "missing").c_str(), 1);
-    setenv("TMPDIR", parent.c_str(), 1);
+    environment.set("XDG_RUNTIME_DIR", (parent / "missing").string());
+    environment.set("TMPDIR", parent.string());
     {
         const PrivateFolder folder;
         EXPECT_EQ(folder.path().parent_path(), parent);
     }
-    unsetenv("TMPDIR");
 }
 
 TEST_F(PrivateFolders, WhereNoneCanBeMadeSaySo) {
-    setenv("XDG_RUNTIME_DIR", (parent / "missing").c_str(), 1);
-    setenv("TMPDIR", (parent / "missing").c_str(), 1);
+    environment.set("XDG_RUNTIME_DIR", (parent / "missing").string());
+    environment.set("TMPDIR", (parent / "missing").string());
     EXPECT_THROW(PrivateFolder(), std::system_error);
-    unsetenv("TMPDIR");
 }

@@ -13,14 +13,15 @@ std::string titleText(const host::ImprinterConfiguration& configuration) {
 }
 
 TEST(DefaultPath, LiesInTheDataFolderThatTheEnvironmentNames) {
-    const Environment data("XDG_DATA_HOME", "/data/of/somebody");
+    const support::Environment data("XDG_DATA_HOME", "/data/of/somebody");
     EXPECT_EQ(store::Store::defaultPath(), "/data/of/somebody/imprinter/configurations.json");
 }
 
 TEST(DefaultPath, LiesInTheHomeFolderWhereNoAbsoluteDataFolderIsNamed) {
-    const Environment home("HOME", "/home/of/somebody");
-    for (const char* value : {static_cast<const char*>(nullptr), "", "relative/folder"}) {
-        const Environment data("XDG_DATA_HOME", value);
+    const support::Environment home("HOME", "/home/of/somebody");
+    for (const auto& value : {std::optional<std::string>(), std::optional<std::string>(""),
+                              std::optional<std::string>("relative/folder")}) {
+        const support::Environment data("XDG_DATA_HOME", value);
         EXPECT_EQ(store::Store::defaultPath(), "/home/of/somebody/.local/share/imprinter/configurations.json");
     }
 }

@@ -14,16 +14,6 @@ namespace fs = std::filesystem;
 
 const std::vector<std::string> suppliedNames{"Received", "Page of Pages", "Confidential"};
 
-Environment::Environment(const char* name, const char* value) : m_name(name) {
-    if (const char* old = std::getenv(name))
-        m_old = old;
-    value ? ::setenv(name, value, 1) : ::unsetenv(name);
-}
-
-Environment::~Environment() {
-    m_old ? ::setenv(m_name, m_old->c_str(), 1) : ::unsetenv(m_name);
-}
-
 StoreTest::StoreTest() {
     // In memory where that is possible, so that no test waits for a disk.
     const fs::path memory("/dev/shm");
@@ -32,7 +22,7 @@ StoreTest::StoreTest() {
     if (!::mkdtemp(name.data()))
         throw std::runtime_error("no folder for the test");
     data = name;
-    m_environment.emplace("XDG_DATA_HOME", data.c_str());
+    m_environment.set("XDG_DATA_HOME", data.string());
     folder = data / "imprinter";
     fs::create_directory(folder);
     file = folder / "configurations.json";

@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "../support/Environment.h"
+
 #include <store/Store.h>
 
 #include <gtest/gtest.h>
 
 using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
-
-/// Sets a variable of the environment until it goes.
-class Environment {
-public:
-    Environment(const char* name, const char* value);
-    ~Environment();
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    const char* m_name;
-    std::optional<std::string> m_old;
-};
 
 /// A test with a data folder of its own, which goes with it; the store's file has its default path there.
 class StoreTest : public testing::Test {
@@ -37,7 +26,7 @@ protected:
     std::filesystem::path file;
 
 private:
-    std::optional<Environment> m_environment;
+    support::Environment m_environment;
 };
 
 /// A document of version 1 with these configurations, each a JSON object.
