@@ -78,6 +78,7 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
         job.input = input;
         job.output = output;
         job.inPlace = inPlace;
+        job.mayReplace = inPlace;
         job.configurations = {configuration};
         job.firstNumber = nextNumber;
         job.progress = [&](std::size_t pages, std::size_t all) {

@@ -552,6 +552,7 @@ private:
         job.input = file.input;
         job.output = file.output;
         job.inPlace = file.inPlace;
+        job.mayReplace = !file.announced;
         job.firstNumber = m_firstNumbers[number];
         if (file.name == "standard input")
             job.recordName = u"standard input";

@@ -54,6 +54,11 @@ void copyAttributes(const std::filesystem::path& from, int to) {
     }
 }
 
+bool isSomething(const std::filesystem::path& path) {
+    std::error_code none;
+    return std::filesystem::exists(std::filesystem::symlink_status(path, none));
+}
+
 /// Removes the file that a killed program left under this name, and answers whether it did.
 bool removeLeft(const std::string& name) {
     // For writing if it may be, without which network file systems lock nothing.
@@ -88,7 +93,8 @@ void takeOver(const std::filesystem::path& from, const struct stat& status, int 
 
 } // namespace
 
-OutputFile::OutputFile(const std::filesystem::path& target, mode_t inputMode) {
+OutputFile::OutputFile(const std::filesystem::path& target, mode_t inputMode, Existing existing)
+    : m_existing(existing) {
     std::error_code none;
     m_target = std::filesystem::canonical(target, none);
     if (none)
@@ -138,6 +144,8 @@ void OutputFile::giveName() {
     // A name that is free is taken at once; what has it is replaced by way of another.
     if (link(m_target))
         return;
+    if (m_existing == Existing::kept)
+        throw std::system_error(EEXIST, std::generic_category());
     // Always the same one, so that what a killed program left there is found again; its owner holds a lock on it.
     files::calls().lock(m_descriptor, LOCK_EX | LOCK_NB);
     const auto usual = hidden(".stamping");
@@ -232,8 +240,19 @@ void OutputFile::commit(bool durable) {
         fail();
     if (m_aside.empty())
         giveName();
-    if (!m_aside.empty() && files::calls().rename(m_aside.c_str(), m_target.c_str()) != 0)
-        fail();
+    if (!m_aside.empty()) {
+        int renamed = -1;
+        if (m_existing == Existing::kept) {
+            renamed = files::calls().rename(m_aside.c_str(), m_target.c_str(), RENAME_NOREPLACE);
+            // Some file systems cannot rename without replacing, and leave a small gap.
+            if (renamed != 0 && errno != EINVAL && errno != ENOSYS)
+                fail();
+            if (renamed != 0 && isSomething(m_target))
+                throw std::system_error(EEXIST, std::generic_category());
+        }
+        if (renamed != 0 && files::calls().rename(m_aside.c_str(), m_target.c_str()) != 0)
+            fail();
+    }
     m_aside.clear();
     // The file is whole and in its place, whatever closing it says.
     close();

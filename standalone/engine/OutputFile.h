@@ -10,6 +10,9 @@
 
 namespace engine {
 
+/// What becomes of a file that has the name already.
+enum class Existing { replaced, kept };
+
 /// A file written aside, in the folder of its final place, without a name or under one that nobody else uses; it takes
 /// its place when it is whole and on the disk. Without `commit` nothing of it remains; where the file system knows
 /// files without a name, not even when the program is killed, but for the moment in which it changes places with the
@@ -21,7 +24,9 @@ public:
     /// What replaces a file gets its permissions, its owner and group as far as this user may give them, its access
     /// list and its extended attributes. A new file can be read by nobody who could not read the one it is made from,
     /// whose permissions are `inputMode`.
-    explicit OutputFile(const std::filesystem::path& target, mode_t inputMode = 0666);
+    /// With `Existing::kept` nothing is replaced: `commit` throws what file_exists stands for.
+    explicit OutputFile(const std::filesystem::path& target, mode_t inputMode = 0666,
+                        Existing existing = Existing::replaced);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -45,6 +50,7 @@ private:
     std::filesystem::path m_target;
     std::filesystem::path m_aside; ///< Empty as long as the file has no name.
     std::string m_buffer;
+    Existing m_existing;
     int m_descriptor = -1;
 };
 

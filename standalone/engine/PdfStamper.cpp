@@ -388,6 +388,8 @@ private:
         fit.tell(m_report, m_job.dryRun);
     }
 
+    Existing existing() const { return m_job.mayReplace ? Existing::replaced : Existing::kept; }
+
     /// Whether the file is continued instead of being written anew; asked when all of it has been read.
     bool mayUpdate() {
         if (m_job.saving == Saving::rewrite && !m_isSigned)
@@ -409,7 +411,7 @@ private:
 
     template <class Write>
     void update(const Write& write) {
-        OutputFile output(m_job.output, m_pdf.file.state().mode());
+        OutputFile output(m_job.output, m_pdf.file.state().mode(), existing());
         PdfUpdate objects(m_pdf.document, m_pdf.file.bytes(), m_pdf.file.descriptor(), output);
         objects.requireVersion("1.4");
         write(objects, 1.0);
@@ -421,7 +423,7 @@ private:
     void rewrite(const Write& write) {
         PdfRewrite objects(m_pdf.document);
         write(objects, 0.6);
-        OutputFile output(m_job.output, m_pdf.file.state().mode());
+        OutputFile output(m_job.output, m_pdf.file.state().mode(), existing());
         try {
             // The writer replaces the entry of a repaired trailer, but adds none.
             m_pdf.document.getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));

@@ -101,7 +101,7 @@ std::size_t stampPicture(const StampJob& job, Kind kind, Report& report) {
     fit.tell(report, job.dryRun);
     if (job.dryRun)
         return pages;
-    OutputFile output(job.output, input->mode());
+    OutputFile output(job.output, input->mode(), job.mayReplace ? Existing::replaced : Existing::kept);
     output.write(stamped);
     input->expectAt(job.input);
     output.commit();

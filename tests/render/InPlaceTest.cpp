@@ -295,6 +295,48 @@ TEST_F(InPlace, WhatAnotherProgramIsAboutToPutInPlaceIsLeftToIt) {
     ::close(owner);
 }
 
+/// A file system that knows no files without a name, as long as it lives.
+class NamedFilesOnly final : public files::Calls {
+public:
+    NamedFilesOnly() { files::setCalls(this); }
+    ~NamedFilesOnly() override { files::setCalls(nullptr); }
+    NamedFilesOnly(const NamedFilesOnly&) = delete;
+    NamedFilesOnly& operator=(const NamedFilesOnly&) = delete;
+
+    int open(const char* path, int flags, mode_t mode) override {
+        if ((flags & O_TMPFILE) != O_TMPFILE)
+            return Calls::open(path, flags, mode);
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+};
+
+TEST_F(InPlace, ANameThatWasFreeAndIsTakenMeanwhileIsLeftToWhoeverTookIt) {
+    const auto names = folder.names();
+    const auto stampBeside = [&](const std::string& name) {
+        auto task = job(folder / name, folder / ("new-" + name), {configuration(u"Stamped")});
+        task.mayReplace = false;
+        task.progress = [&](std::size_t, std::size_t) {
+            writeFile(task.output, "of another program");
+            return true;
+        };
+        const auto outcome = engine::stampFile(task);
+        EXPECT_EQ(outcome.code, Code::unwritable) << outcome.sentence;
+        EXPECT_NE(outcome.sentence.find("File exists"), std::string::npos) << outcome.sentence;
+        EXPECT_EQ(outcome.path, task.output);
+        EXPECT_EQ(readFile(task.output), "of another program");
+        fs::remove(task.output);
+        task.progress = {};
+        EXPECT_TRUE(engine::stampFile(task));
+        fs::remove(task.output);
+        EXPECT_EQ(folder.names(), names) << "nothing is left behind";
+    };
+    stampBeside("letter.pdf");
+    stampBeside("page.png");
+    const NamedFilesOnly calls;
+    stampBeside("letter.pdf");
+}
+
 TEST_F(InPlace, ALinkInItsWayIsNeitherFollowedNorRemoved) {
     writeFile(folder / "precious", "precious");
     fs::create_symlink("precious", folder / ".letter.pdf.stamping");

@@ -46,7 +46,9 @@ struct StampJob {
 
     std::string password; ///< The user's or owner's, for encrypted documents: as the document has it, or in UTF-8.
     bool inPlace = false; ///< Output and input may be one file.
-    bool force = false;   ///< Replace a file that is write-protected too.
+    bool mayReplace =
+        true;           ///< NO for a name that was chosen since nothing had it: whoever takes it meanwhile keeps it.
+    bool force = false; ///< Replace a file that is write-protected too.
     /// Stamp signed documents too, by an incremental update, which leaves valid what was signed.
     bool allowSigned = false;
     Saving saving = Saving::automatic;      ///< Documents only.
