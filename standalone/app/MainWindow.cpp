@@ -438,10 +438,10 @@ bool MainWindow::stampFiles(const QStringList& files, bool asksWhereTo) {
     std::vector<std::filesystem::path> inputs;
     for (const auto& file : files)
         inputs.emplace_back(file.toStdString());
-    const auto found = checkDocuments(this, inputs, configuration);
+    const bool inPlace = !duplicates(*configuration);
+    const auto found = checkDocuments(this, inputs, configuration, inPlace);
     if (!goesOn(this, found))
         return false;
-    const bool inPlace = !duplicates(*configuration);
     if (inPlace &&
         QMessageBox::question(this, windowTitle(),
                               inputs.size() == 1

@@ -27,7 +27,7 @@ bool canBeAskedFor(engine::Code code) {
 } // namespace
 
 Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
-                         const std::shared_ptr<host::ImprinterConfiguration>& configuration) {
+                         const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace) {
     Preflight found;
     QProgressDialog progress(parent);
     progress.setObjectName(QStringLiteral("stamping"));
@@ -44,8 +44,11 @@ Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::pat
         progress.setLabelText(name);
         progress.setValue(before);
         engine::StampJob job;
-        job.input = job.output = input;
-        job.inPlace = job.dryRun = true;
+        job.input = input;
+        job.dryRun = true;
+        job.inPlace = inPlace;
+        if (inPlace)
+            job.output = input;
         job.configurations = {configuration};
         job.progress = [&](std::size_t pages, std::size_t all) {
             progress.setValue(before + static_cast<int>(pages * (steps - 1) / std::max<std::size_t>(all, 1)));

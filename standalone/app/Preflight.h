@@ -21,10 +21,10 @@ struct Preflight {
     bool cancelled = false;
 };
 
-/// Tries what would come of stamping these documents, and writes nothing. A dialog over `parent` shows how far it is,
-/// and cancels.
+/// Tries what would come of stamping these documents, or with `inPlace` their originals, and writes nothing. A dialog
+/// over `parent` shows how far it is, and cancels.
 Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
-                         const std::shared_ptr<host::ImprinterConfiguration>& configuration);
+                         const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace);
 
 /// Shows what was found in one list, where there is anything, and asks whether to go on.
 bool goesOn(QWidget* parent, const Preflight& found);

@@ -135,6 +135,19 @@ TEST_F(Stamping, FromTheMenuStampsTheOriginalWhereTheConfigurationSaysSo) {
     EXPECT_FALSE(is("a-stamped.pdf"));
 }
 
+TEST_F(Stamping, AWriteProtectedDocumentIsCopiedAndItsOriginalLeftAsItIs) {
+    fs::permissions(path("a.pdf"), fs::perms(0444));
+    answering({}, [&] { drop({"a.pdf"}); });
+    EXPECT_TRUE(is("a-stamped.pdf"));
+
+    at(1)->setDuplicateRecord(static_cast<host::NSInteger>(host::DuplicateRecord::inPlace));
+    const auto before = contents("a.pdf");
+    QStringList lines;
+    answering({inList(QDialogButtonBox::RejectRole, &lines)}, [&] { drop({"a.pdf", "b.pdf"}); });
+    EXPECT_EQ(lines, QStringList{"a.pdf: The file is write-protected."});
+    EXPECT_EQ(contents("a.pdf"), before);
+}
+
 TEST_F(Stamping, RemembersTheDocumentsStampedLastAndStampsThemAgain) {
     EXPECT_FALSE(recent().menuAction()->isEnabled());
     drop({"a.pdf", "b.pdf"});
