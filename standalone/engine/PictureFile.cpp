@@ -48,7 +48,7 @@ std::pair<double, double> exifResolution(std::string_view tiff) {
 void checkSize(long long width, long long height) {
     if (width <= 0 || height <= 0)
         throw Failure(Code::damaged, "The picture has no pixels.");
-    if (width * height > kLargestPicture)
+    if (width > kLargestPicture / height) // a product may be more than a number can hold
         throw Failure(Code::tooLarge, "The picture has more than 100 million pixels.");
 }
 

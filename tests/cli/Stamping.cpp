@@ -451,9 +451,13 @@ TEST_F(Stamping, APictureOfTenThousandMillionPixelsIsOneLineAndWritesNothing) {
     std::string jpeg("\xff\xd8\xff\xc0\0\x11\x08\xff\xff\xff\xff\x03\x01\x11\0\x02\x11\0\x03\x11\0\xff\xda\0\x0c\x03"
                      "\x01\0\x02\0\x03\0\0\x3f\0",
                      35);
+    // And sides whose product is more than a number of 64 bits holds.
+    auto huge = png;
+    huge.replace(16, 8, 8, '\xff');
     writeFile(folder / "large.png", png);
     writeFile(folder / "large.jpg", jpeg);
-    for (const std::string name : {"large.png", "large.jpg"}) {
+    writeFile(folder / "huge.png", huge);
+    for (const std::string name : {"large.png", "large.jpg", "huge.png"}) {
         const auto before = files();
         const auto run = imprinter("stamp --configuration Received --output out " + name);
         EXPECT_EQ(run.status, 2);
