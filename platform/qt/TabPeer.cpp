@@ -51,12 +51,17 @@ AskingTabWidget::AskingTabWidget(QWidget* parent) : QTabWidget(parent), m_bar(ne
 
 void AskingTabWidget::keyPressEvent(QKeyEvent* event) {
     const bool control = event->modifiers() & Qt::ControlModifier;
-    if (control && event->key() == Qt::Key_Tab)
-        m_bar->wantNext(1);
-    else if (control && event->key() == Qt::Key_Backtab)
-        m_bar->wantNext(-1);
-    else
+    if (!control || (event->key() != Qt::Key_Tab && event->key() != Qt::Key_Backtab)) {
         event->ignore();
+        return;
+    }
+    const QPointer<AskingTabBar> bar(m_bar);
+    const auto* left = currentWidget();
+    const bool wasInside = left && left->isAncestorOf(window()->focusWidget());
+    bar->wantNext(event->key() == Qt::Key_Tab ? 1 : -1);
+    // Otherwise the focus would be wherever the order of keys goes on behind what is hidden now.
+    if (bar && wasInside && currentWidget() != left)
+        bar->setFocus(Qt::ShortcutFocusReason);
 }
 
 namespace {

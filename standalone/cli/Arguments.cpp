@@ -98,7 +98,16 @@ std::optional<Arguments> sortArguments(const std::vector<std::string>& arguments
     return sorted;
 }
 
+bool isLost(const std::filesystem::path& store) {
+    std::error_code none;
+    return store != store::Store::defaultPath() && !std::filesystem::exists(store, none);
+}
+
 std::optional<Configurations> readStore(const std::filesystem::path& file) {
+    if (isLost(file)) {
+        complain(0, file.string() + ": There is no such file of configurations; `import` makes one");
+        return std::nullopt;
+    }
     auto result = store::Store(file).read();
     for (const auto& message : result.messages)
         complain(0, toUtf8(message.sentence));

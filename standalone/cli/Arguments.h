@@ -39,6 +39,10 @@ bool takesValue(const std::string& option);
 
 using Configurations = std::vector<std::shared_ptr<model::Configuration>>;
 
+/// Whether this is a file of configurations that somebody named, and that is not there. Where the usual one is not
+/// there yet, it has the supplied configurations.
+bool isLost(const std::filesystem::path& store);
+
 /// None, after having said why, where the supplied configurations would stand in for those of the file.
 std::optional<Configurations> readStore(const std::filesystem::path& file);
 

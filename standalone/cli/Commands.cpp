@@ -105,7 +105,7 @@ bool nameAStore(const std::vector<std::string>& arguments) {
 }
 
 bool isUsable(const fs::path& store) {
-    return readStore(store).has_value();
+    return isLost(store) || readStore(store).has_value();
 }
 
 Command commandCalled(const std::string& name) {
@@ -178,7 +178,12 @@ int importConfigurations(const fs::path& store, const std::vector<std::string>& 
     own.setOnWait([&] { complain(0, store.string() + ": waiting for another program that is writing it"); });
     tellOfUnsaved(own);
     auto result = std::move(present.configurations);
-    const auto whatIsThere = sorted->has("--replace") ? store::Present::replace : store::Present::leave;
+    std::error_code none;
+    // Supplied configurations that nobody has kept yet are not in the way of anybody's own.
+    const bool isBegun = !fs::exists(store, none);
+    if (isLost(store))
+        result.clear();
+    const auto whatIsThere = sorted->has("--replace") || isBegun ? store::Present::replace : store::Present::leave;
     std::size_t imported = 0;
     for (const auto& file : sorted->files) {
         const auto read = store::Store(file).read();

@@ -325,7 +325,8 @@ public:
         }
         if (m_task == Task::list || m_arguments.has("--stamp")) {
             // Without a store stamps are called by their identifiers.
-            m_known = readStore(m_store).value_or(Configurations());
+            if (!isLost(m_store))
+                m_known = readStore(m_store).value_or(Configurations());
             for (const auto& name : m_arguments.values("--stamp"))
                 removeStampCalled(name);
         }

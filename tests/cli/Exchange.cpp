@@ -26,6 +26,35 @@ TEST_F(Exchange, WhatIsExportedCanBeImportedElsewhere) {
     EXPECT_EQ(imprinter("--store other.json export").status, 0);
 }
 
+TEST_F(Exchange, AStoreThatIsNotThereIsNamedAndMadeByAnImportOnly) {
+    writeFile(folder / "own.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
+        {"uniqueID": "own", "name": "Own", "titleTokens": ["own"]}]})");
+    letter();
+    for (const std::string command : {"list", "show Received", "export", "stamp --configuration Received letter.pdf",
+                                      "preview --configuration Received --output a.png"}) {
+        const auto before = files();
+        const auto run = imprinter("--store tpyo.json " + command);
+        EXPECT_EQ(run.status, 4) << command;
+        EXPECT_EQ(run.output, "imprinter: tpyo.json: There is no such file of configurations; `import` makes one\n");
+        EXPECT_EQ(files(), before);
+    }
+    EXPECT_EQ(imprinter("--store new.json import own.json").status, 0);
+    EXPECT_EQ(imprinter("--store new.json list").output, "Own\n");
+}
+
+TEST_F(Exchange, SuppliedConfigurationsThatNobodyKeptGiveWayToImportedOnes) {
+    ASSERT_EQ(imprinter("export --output sent.json Received").status, 0);
+    auto sent = readFile(folder / "sent.json");
+    const auto at = sent.find("\"rotation\": ");
+    ASSERT_NE(at, std::string::npos);
+    sent.replace(at, sent.find_first_of(",\n", at) - at, "\"rotation\": 45");
+    writeFile(folder / "sent.json", sent);
+    const auto run = imprinter("import sent.json");
+    EXPECT_EQ(run.output, "1 configuration was imported\n");
+    EXPECT_NE(imprinter("show Received").output.find("\"rotation\": 45"), std::string::npos);
+    EXPECT_EQ(imprinter("list").output, "Received\nPage of Pages\nConfidential\n");
+}
+
 TEST_F(Exchange, WhatIsThereAlreadyIsReplacedOnlyWhenToldSo) {
     writeFile(folder / "a.json", R"({"format": "imprinter-configurations", "version": 1, "configurations": [
         {"uniqueID": "1", "name": "Old", "titleTokens": ["old"]},

@@ -116,6 +116,14 @@ TEST_F(TabViewTest, ControlTabInAFieldOfThePageAsksToo) {
     EXPECT_EQ(tabWidget->currentIndex(), 0);
 }
 
+TEST_F(TabViewTest, ControlTabInAFieldOfThePageLeavesTheFocusWithTheTabs) {
+    showTabs();
+    shown("field")->setFocus();
+    QTest::keyClick(shown("field"), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(tabWidget->currentIndex(), 1);
+    EXPECT_EQ(tabWidget->window()->focusWidget(), tabWidget->tabBar());
+}
+
 TEST_F(TabViewTest, LeavingAPageCommitsAnEditOnItAfterTheDelegateAgreed) {
     showTabs();
     view<NSTextField>("field")->setDelegate(owner);
