@@ -3,8 +3,8 @@
 
 #include "../support/MemoryDefaults.h"
 
+#include "../support/ProgramWindow.h"
 #include "HostBundle.h"
-#include "MainWindow.h"
 #include "SettingsDialog.h"
 #include "Signals.h"
 
@@ -74,10 +74,8 @@ protected:
 
     void open(const fs::path& store) {
         session = std::make_unique<app::Session>(store);
-        std::string error;
-        auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-        ASSERT_TRUE(pane) << error;
-        window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+        window = testing_support::makeWindow(*session);
+        ASSERT_TRUE(window);
         window->show();
         QApplication::processEvents();
     }
@@ -488,10 +486,8 @@ TEST_F(HostLife, WhatAnotherProgramSavedIsShownAfterASave) {
 
 TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {
     session = std::make_unique<app::Session>(folder / "configurations.json");
-    std::string error;
-    auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-    ASSERT_TRUE(pane) << error;
-    window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+    window = testing_support::makeWindow(*session);
+    ASSERT_TRUE(window);
     auto& model = session->model();
     const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
     const auto preview = [&] { return model.imprintFileAtURLWithIndex(sample, current(), 0); };
