@@ -34,7 +34,17 @@ keep() {
     convert "$work/$1/$2.png" -strip -dither None -colors 256 -define png:compression-level=9 "PNG8:$images/$3.png"
 }
 
+# sheet NAME   all that is asked, told or chosen over the window on one picture
+sheet() {
+    montage "$work/$1"/{preflight,import,unsaved,progress,menu-edit,menu-sample}.png -tile 2x -geometry +8+8 \
+        -background grey "$work/$1/screens.png"
+}
+
 draw light en_US
+sheet light
+keep light screens screens
+keep light preflight preflight
+keep light menu-sample sample
 keep light pane-appearance appearance
 keep light pane-location location
 keep light pane-combined combined
@@ -45,16 +55,30 @@ keep light settings settings
 draw dark en_US IMPRINTER_LOOK=dark
 keep dark pane-appearance appearance-dark
 keep dark pane-location location-dark
+sheet dark
+keep dark screens screens-dark
 draw contrast en_US IMPRINTER_LOOK=contrast
 keep contrast pane-appearance appearance-contrast
+sheet contrast
+keep contrast screens screens-contrast
 draw de de_DE
 keep de pane-appearance appearance-de
+sheet de
+keep de screens screens-de
 draw ja ja_JP
 keep ja pane-location location-ja
+sheet ja
+keep ja screens screens-ja
 draw ar ar_EG
 keep ar pane-appearance appearance-ar
+sheet ar
+keep ar screens screens-ar
 draw larger en_US QT_SCALE_FACTOR=1.5
 keep larger pane-appearance appearance-150
+sheet larger
+keep larger screens screens-150
 draw large en_US QT_SCALE_FACTOR=2
 keep large pane-appearance appearance-200
+sheet large
+keep large screens screens-200
 du -bc "$images"/*.png | sort -n

@@ -11,6 +11,8 @@
 #include <QAbstractScrollArea>
 #include <QContextMenuEvent>
 
+#include <algorithm>
+
 namespace platform::qt {
 
 ShownMenu::ShownMenu(const NSMenu& menu, QWidget& parent) : m_menu(new QMenu(&parent)) {
@@ -54,6 +56,13 @@ QAction* ShownMenu::lineOf(const std::shared_ptr<NSMenuItem>& item) const {
         if (shown == item)
             return line;
     return nullptr;
+}
+
+QAction* ShownMenu::firstLine() const {
+    const auto lines = m_menu->actions();
+    const auto first = std::find_if(lines.begin(), lines.end(),
+                                    [](const auto* line) { return line->isEnabled() && !line->isSeparator(); });
+    return first == lines.end() ? nullptr : *first;
 }
 
 std::shared_ptr<NSMenuItem> ShownMenu::run(const QPoint& place, QAction* under) {

@@ -21,6 +21,8 @@ public:
     bool isEmpty() const { return m_menu->isEmpty(); }
     /// The line of an item, or null.
     QAction* lineOf(const std::shared_ptr<NSMenuItem>& item) const;
+    /// The first line that can be chosen, or null.
+    QAction* firstLine() const;
 
     /// Shows it until it is closed, with `under` at the place given if there is one. Answers the item chosen, or null;
     /// then the menu must not be used any more.

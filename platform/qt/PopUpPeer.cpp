@@ -56,7 +56,7 @@ void PopUpWidget::paintEvent(QPaintEvent* event) {
     m_sample->draw(painter, place.adjusted(facePadding, 0, -facePadding, 0));
 }
 
-std::shared_ptr<NSMenuItem> PopUpWidget::runMenu(const NSPopUpButton& button, const NSMenu& menu) {
+std::shared_ptr<NSMenuItem> PopUpWidget::runMenu(const NSPopUpButton& button, const NSMenu& menu, bool byKey) {
     if (!button.pullsDown() && isShownAsList(menu)) {
         const QPointer<MenuList> list(new MenuList(menu, button.selectedItem(), *this));
         auto chosen = list->run();
@@ -67,15 +67,22 @@ std::shared_ptr<NSMenuItem> PopUpWidget::runMenu(const NSPopUpButton& button, co
     if (shown.isEmpty())
         return nullptr;
     shown.widget().setMinimumWidth(button.pullsDown() ? 0 : width());
-    if (button.pullsDown())
+    if (button.pullsDown()) {
+        if (byKey) // whoever has no pointer sees where the next key goes
+            shown.widget().setActiveAction(shown.firstLine());
         return shown.run(mapToGlobal(rect().bottomLeft()));
+    }
     auto* selected = shown.lineOf(button.selectedItem());
     shown.widget().setActiveAction(selected);
     return shown.run(mapToGlobal(rect().topLeft()), selected);
 }
 
 void PopUpWidget::showPopup() {
-    enter([this] {
+    showPopup(false);
+}
+
+void PopUpWidget::showPopup(bool byKey) {
+    enter([this, byKey] {
         const auto button = m_button.lock();
         if (!button || m_open)
             return;
@@ -87,7 +94,7 @@ void PopUpWidget::showPopup() {
                 self->m_open = false;
         });
         const auto menu = button->userOpens();
-        const auto chosen = menu && self ? runMenu(*button, *menu) : nullptr;
+        const auto chosen = menu && self ? runMenu(*button, *menu, byKey) : nullptr;
         if (self)
             m_open = false;
         if (menu)
@@ -101,7 +108,7 @@ void PopUpWidget::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Down:
     case Qt::Key_Space:
     case Qt::Key_F4:
-        showPopup();
+        showPopup(true);
         break;
     default:
         event->ignore();

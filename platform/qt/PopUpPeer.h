@@ -30,7 +30,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    std::shared_ptr<NSMenuItem> runMenu(const NSPopUpButton& button, const NSMenu& menu);
+    void showPopup(bool byKey);
+    std::shared_ptr<NSMenuItem> runMenu(const NSPopUpButton& button, const NSMenu& menu, bool byKey);
 
     std::weak_ptr<NSPopUpButton> m_button;
     std::shared_ptr<const NSMenuItem> m_face;   // with an attributed title; null where the title is drawn as usual

@@ -27,10 +27,6 @@ QString filter() {
     return text(u"Configurations (*.json)");
 }
 
-QString quotable(const fs::path& file) {
-    return QString::fromStdString(file.string());
-}
-
 store::Configurations own(const host::ConfigurationArray& handed) {
     store::Configurations list;
     for (const auto& configuration : *handed)
@@ -80,7 +76,7 @@ void ExchangeCommands::import() {
 std::optional<std::size_t> ExchangeCommands::importFile(const fs::path& file) {
     std::error_code none;
     if (!fs::exists(file, none)) {
-        m_window.warn(text(u"There is no file “%@”.", {quotable(file)}));
+        m_window.warn(text(u"There is no file “%@”.", {shown(file)}));
         return 0;
     }
     const auto read = store::Store(file).read();
@@ -101,11 +97,11 @@ std::optional<std::size_t> ExchangeCommands::importFile(const fs::path& file) {
     const auto joined = store::importInto(list, read.configurations, present);
     if (joined.nested) {
         m_window.warn(text(u"Nothing was imported from “%@”: “%@” would contain “%@”, which is combined itself.",
-                           {quotable(file), toQt(joined.nested->outer), toQt(joined.nested->inner)}));
+                           {shown(file), toQt(joined.nested->outer), toQt(joined.nested->inner)}));
         return 0;
     }
     if (joined.imported.empty()) {
-        m_window.statusBar()->showMessage(text(u"There is nothing new in “%@”.", {quotable(file)}), 10000);
+        m_window.statusBar()->showMessage(text(u"There is nothing new in “%@”.", {shown(file)}), 10000);
         return 0;
     }
     m_session.model().setConfigurations(std::move(list));
@@ -115,10 +111,9 @@ std::optional<std::size_t> ExchangeCommands::importFile(const fs::path& file) {
 
 std::optional<store::Present> askAboutPresent(QWidget& parent, const fs::path& file,
                                               const std::vector<std::u16string>& names) {
-    QMessageBox box(
-        QMessageBox::Question, parent.window()->windowTitle(),
-        text(u"Some of the configurations in “%@” are here already and say something else:", {quotable(file)}),
-        QMessageBox::Cancel, &parent);
+    QMessageBox box(QMessageBox::Question, parent.window()->windowTitle(),
+                    text(u"Some of the configurations in “%@” are here already and say something else:", {shown(file)}),
+                    QMessageBox::Cancel, &parent);
     box.setTextFormat(Qt::PlainText);
     QStringList lines;
     for (const auto& name : names)

@@ -33,4 +33,8 @@ QString toQt(const std::u16string& text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+QString shown(const std::filesystem::path& path) {
+    return QString::fromStdString(path.string());
+}
+
 } // namespace app

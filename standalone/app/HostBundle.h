@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,5 +28,8 @@ QString text(const char16_t* english, const std::vector<QString>& arguments);
 QString written(std::size_t number);
 
 QString toQt(const std::u16string& text);
+
+/// A path as a user reads it.
+QString shown(const std::filesystem::path& path);
 
 } // namespace app

@@ -5,6 +5,7 @@
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
 #include "PageListHelp.h"
+#include "PaneArea.h"
 #include "Preflight.h"
 #include "PreviewDrag.h"
 #include "Questions.h"
@@ -22,12 +23,13 @@
 #include <PlatformQt/Bridge.h>
 #include <engine/Naming.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDateTime>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
@@ -48,13 +50,9 @@ using namespace platform;
 
 namespace {
 
-QString fromPath(const std::filesystem::path& path) {
-    return QString::fromStdString(path.string());
-}
-
 /// "letter-stamped.pdf" beside "letter.pdf", as several documents are named.
 QString suggestedOutput(const QString& input) {
-    return fromPath(engine::nameOfDuplicate(input.toStdString(), "-stamped", {}));
+    return shown(engine::nameOfDuplicate(input.toStdString(), "-stamped", {}));
 }
 
 /// The files on this machine that a drag carries.
@@ -64,17 +62,6 @@ QStringList filesOf(const QMimeData& mime) {
         if (url.isLocalFile())
             files.append(url.toLocalFile());
     return files;
-}
-
-/// How much of it there is, and of when.
-QString whatIsUnsaved(const store::Unsaved& unsaved) {
-    const QFileInfo journal(fromPath(unsaved.journal));
-    const auto when = QLocale().toString(journal.lastModified(), QLocale::ShortFormat);
-    if (unsaved.configurations == 0)
-        return text(u"Their order was changed, last on %@.", {when});
-    return unsaved.configurations == 1
-               ? text(u"One configuration was changed, last on %@.", {when})
-               : text(u"%@ configurations were changed, last on %@.", {written(unsaved.configurations), when});
 }
 
 } // namespace
@@ -153,7 +140,9 @@ void MainWindow::showPane() {
     m_hint = new EmptyHint([this] { runGuarded([this] { m_pane->perform(u"addConfiguration:"); }); }, whole);
     layout->addWidget(m_hint);
     layout->addWidget(widgetOf(*m_pane->view()), 1);
-    setCentralWidget(whole);
+    m_area = new PaneArea(whole);
+    setCentralWidget(m_area);
+    shareRoom();
     showHint();
     m_pane->didShow();
 }
@@ -161,6 +150,24 @@ void MainWindow::showPane() {
 void MainWindow::helpInPane() {
     if (auto* pages = findChild<QLineEdit*>(QStringLiteral("customOccurance")))
         new PageListHelp(*pages);
+    // Where the editor of a combined configuration disables a button over rows that are selected still, they look as if
+    // there were more to do with them.
+    auto& pane = m_pane->pane();
+    for (const auto& [name, rows] :
+         {std::pair("addBtn", u"allConfigsTableView"), std::pair("removeBtn", u"combinedTableView")}) {
+        auto* button = findChild<QAbstractButton*>(QString::fromLatin1(name));
+        const auto* outlet = pane.classTable()->outlet(rows);
+        const auto beside = outlet ? std::dynamic_pointer_cast<NSTableView>(outlet->object(pane)) : nullptr;
+        if (!button || !beside)
+            continue;
+        const auto deselect = [button, table = std::weak_ptr(beside)] {
+            if (!button->isEnabled())
+                tell(table, &NSTableView::selectRowIndexesByExtendingSelection, NSIndexSet(), false);
+        };
+        // When the pane is done.
+        connect(
+            button, &QAbstractButton::clicked, this, [deselect] { runGuarded(deselect); }, Qt::QueuedConnection);
+    }
     const auto table = m_pane->table();
     auto* list = table ? widgetOf(*table) : nullptr;
     if (!list)
@@ -173,6 +180,27 @@ void MainWindow::helpInPane() {
                 m_pane->perform(u"deleteConfiguration:");
         });
     });
+}
+
+void MainWindow::fitInto(QSize room) {
+    m_room = room;
+    shareRoom();
+    resize(sizeHint().boundedTo(room));
+}
+
+void MainWindow::shareRoom() {
+    // The line for messages comes only when there is one.
+    const int others = menuBar()->sizeHint().height() + QStatusBar().sizeHint().height();
+    const auto* contents = m_area->widget();
+    auto* grid = qobject_cast<QGridLayout*>(widgetOf(*m_pane->view())->layout());
+    // What the pane has beyond its need makes it look even from page to page; it can do without.
+    if (grid && contents->minimumSizeHint().height() + others > m_room.height())
+        for (int row = 0; row < grid->rowCount(); ++row)
+            grid->setRowMinimumHeight(row, 0);
+    if (grid && contents->minimumSizeHint().width() > m_room.width())
+        for (int column = 0; column < grid->columnCount(); ++column)
+            grid->setColumnMinimumWidth(column, 0);
+    m_area->setRoom(m_room - QSize(0, others));
 }
 
 void MainWindow::hidePane() {
@@ -278,23 +306,13 @@ bool MainWindow::closesWithoutSaving() {
 
 void MainWindow::offerUnsaved() {
     for (const auto& unsaved : m_session.unsaved()) {
-        QMessageBox box(QMessageBox::Question, windowTitle(),
-                        text(u"Imprinter ended before changes were saved. Take them over?"), QMessageBox::NoButton,
-                        this);
-        box.setTextFormat(Qt::PlainText);
-        box.setInformativeText(whatIsUnsaved(unsaved));
-        QAbstractButton* take = box.addButton(text(u"&Take Over"), QMessageBox::AcceptRole);
-        QAbstractButton* discard = box.addButton(text(u"&Discard"), QMessageBox::DestructiveRole);
-        box.addButton(text(u"&Later"), QMessageBox::RejectRole);
-        box.setDefaultButton(qobject_cast<QPushButton*>(take));
-        fitButtons(box);
-        box.exec();
-        if (box.clickedButton() == take) {
+        const auto answer = askAboutUnsaved(*this, unsaved);
+        if (answer == Unsaved::takeOver) {
             const auto failure = m_session.takeOver(unsaved);
             refreshPane();
             if (failure)
                 warn(*failure);
-        } else if (box.clickedButton() == discard) {
+        } else if (answer == Unsaved::discard) {
             m_session.discard(unsaved);
         }
     }
@@ -424,9 +442,7 @@ bool MainWindow::duplicates(const host::ImprinterConfiguration& configuration) {
 void MainWindow::stampDocument() {
     if (!chosenConfiguration())
         return;
-    stampFiles(QFileDialog::getOpenFileNames(this, text(u"Stamp Document"), {},
-                                             text(u"Documents and pictures (*.pdf *.png *.jpg *.jpeg *.tif *.tiff)")),
-               true);
+    stampFiles(QFileDialog::getOpenFileNames(this, text(u"Stamp Document"), {}, documentFilter()), true);
 }
 
 bool MainWindow::stampFiles(const QStringList& files, bool asksWhereTo) {
@@ -461,7 +477,7 @@ bool MainWindow::stampFiles(const QStringList& files, bool asksWhereTo) {
                              : app::stampDocument(this, inputs.front(), output.toStdString(), configuration);
     QStringList stamped;
     for (const auto& input : summary.inputs)
-        stamped.append(fromPath(input));
+        stamped.append(shown(input));
     m_recent->add(stamped);
     statusBar()->showMessage(tellSummary(this, summary, found.warnings), 10000);
     return true;
@@ -481,11 +497,11 @@ void MainWindow::offerDocuments(const std::vector<std::filesystem::path>& docume
         return;
     QStringList files;
     for (const auto& document : documents)
-        files.append(fromPath(document));
+        files.append(shown(document));
     const bool one = files.size() == 1;
     const auto number = QLocale().toString(static_cast<qlonglong>(files.size()));
     constexpr int widest = 240; // the tool tip has the whole name
-    const auto name = fontMetrics().elidedText(fromPath(documents.front().filename()), Qt::ElideMiddle, widest);
+    const auto name = fontMetrics().elidedText(shown(documents.front().filename()), Qt::ElideMiddle, widest);
     const auto what = one ? name : number;
     const auto title = one ? text(u"Stamp “%@”") : text(u"Stamp %@ Documents");
     auto* button =

@@ -12,6 +12,7 @@
 namespace app {
 
 class EmptyHint;
+class PaneArea;
 class RecentDocuments;
 
 /// The window that shows the pane, and the program's menus.
@@ -45,6 +46,10 @@ public:
     /// Undoes what was done last to the configurations, or does it again, and shows what that changed.
     void undo(bool again);
 
+    /// Makes the window as large as it likes to be, and lets it be as small as `room`, its frame left out; there the
+    /// pane is scrolled.
+    void fitInto(QSize room);
+
     /// Once the window was painted: what had to wait for that.
     void afterFirstPaint();
 
@@ -75,6 +80,8 @@ private:
     bool stampFiles(const QStringList& files, bool asksWhereTo = false);
     void editSettings();
     void showPane();
+    /// Tells the pane's place how much of the window's room is left for it.
+    void shareRoom();
     /// What the window adds to the pane's own controls.
     void helpInPane();
     /// Takes the pane's view out of the window.
@@ -94,6 +101,8 @@ private:
     OrderPalette* m_order;
     RecentDocuments* m_recent;
     QPointer<EmptyHint> m_hint; // in the window while the pane is
+    QPointer<PaneArea> m_area;  // likewise
+    QSize m_room{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
     platform::NSNotificationCenter::Token m_selectionObserver;
     QTimer m_listSettles;
     QTimer m_titleSettles;

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Pictures.h"
 
+#include "DocumentsProgress.h"
+#include "ExchangeCommands.h"
 #include "HostBundle.h"
 #include "MainWindow.h"
+#include "Preflight.h"
+#include "Questions.h"
 #include "SamplePdf.h"
+#include "Sentences.h"
 #include "SettingsDialog.h"
 
 #include <AppKit/NSAlert.h>
@@ -15,6 +20,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QMenuBar>
 #include <QPainter>
 #include <QTimer>
 
@@ -43,7 +49,28 @@ bool written(bool success, const fs::path& file) {
 
 bool grab(QWidget& window, const fs::path& file) {
     QApplication::processEvents();
-    return written(window.grab().save(QString::fromStdString(file.string())), file);
+    return written(window.grab().save(shown(file)), file);
+}
+
+/// Windows as they stand on the screen, the later ones above.
+QPixmap together(const std::vector<QWidget*>& windows) {
+    QRect whole;
+    for (const auto* window : windows)
+        whole = whole.united(window->geometry());
+    const auto scale = windows.front()->devicePixelRatioF();
+    QPixmap all(whole.size() * scale);
+    all.setDevicePixelRatio(scale);
+    all.fill(Qt::transparent);
+    QPainter painter(&all);
+    for (auto* window : windows) {
+        const auto place = window->geometry().translated(-whole.topLeft());
+        painter.drawPixmap(place.topLeft(), window->grab());
+        if (window != windows.front() && window->windowType() != Qt::Popup) {
+            painter.setPen(window->palette().color(QPalette::Mid)); // the frame that a desktop would draw
+            painter.drawRect(place.adjusted(-1, -1, 0, 0));
+        }
+    }
+    return all;
 }
 
 /// A picture of each tab of the editor, then of the pages that take its place.
@@ -86,18 +113,108 @@ bool grabPreview(MainWindow& window, const fs::path& file) {
     if (!preview)
         return written(false, file);
     QApplication::processEvents(); // it has just been given its size
-    const auto picture = window.grab();
-    const auto whole = window.geometry().united(preview->geometry());
-    QPixmap both(whole.size() * picture.devicePixelRatio());
-    both.setDevicePixelRatio(picture.devicePixelRatio());
-    both.fill(Qt::transparent);
-    QPainter painter(&both);
-    painter.drawPixmap(window.geometry().topLeft() - whole.topLeft(), picture);
-    painter.drawPixmap(preview->geometry().topLeft() - whole.topLeft(), preview->grab());
-    painter.end();
+    const auto both = together({&window, preview});
     preview->close();
     QApplication::processEvents();
-    return written(both.save(QString::fromStdString(file.string())), file);
+    return written(both.save(shown(file)), file);
+}
+
+/// The window with a menu open, and a menu in that one where `inner` names it; both by their places.
+bool grabMenu(MainWindow& window, int menu, const QString& inner, const fs::path& file) {
+    window.move(0, 0);
+    QApplication::processEvents();
+    auto* title = window.menuBar()->actions().at(menu);
+    const auto place = window.menuBar()->actionGeometry(title);
+    const auto below = window.layoutDirection() == Qt::RightToLeft
+                           ? place.bottomRight() - QPoint(title->menu()->sizeHint().width(), 0)
+                           : place.bottomLeft();
+    title->menu()->popup(window.menuBar()->mapToGlobal(below));
+    QApplication::processEvents();
+    std::vector<QWidget*> widgets{&window, title->menu()};
+    for (auto* action : title->menu()->actions())
+        if (!inner.isEmpty() && action->menu() && action->text() == inner) {
+            title->menu()->setActiveAction(action);
+            action->menu()->popup(title->menu()->mapToGlobal(title->menu()->actionGeometry(action).topRight()));
+            QApplication::processEvents();
+            widgets.push_back(action->menu());
+        }
+    const auto all = together(widgets);
+    for (auto widget = widgets.rbegin(); *widget != &window; ++widget)
+        (*widget)->close();
+    QApplication::processEvents();
+    return written(all.save(shown(file)), file);
+}
+
+/// The window with a dialog that `ask` opens, which is then closed.
+bool grabQuestion(MainWindow& window, const fs::path& file, const std::function<void()>& ask) {
+    QPixmap both;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        poll.stop();
+        QApplication::processEvents();
+        dialog->move(window.geometry().center() - dialog->rect().center());
+        both = together({&window, dialog});
+        dialog->reject();
+    });
+    poll.start(1);
+    ask();
+    return written(both.save(shown(file)), file);
+}
+
+/// Of what is asked and told over the window. Nothing is stamped, imported or taken over.
+bool grabQuestions(MainWindow& window, Session& session, const fs::path& folder) {
+    const auto name = session.model().configurations()->front()->name();
+    bool all = grabQuestion(window, folder / "preflight.png", [&] {
+        Preflight found;
+        found.stampable = 2;
+        const auto remark = [&](const QString& document, const QString& sentence) {
+            found.lines.append(document + QStringLiteral(": ") + sentence);
+        };
+        engine::Outcome locked;
+        locked.code = engine::Code::encrypted;
+        locked.sentence = "The document needs a password.";
+        remark(QStringLiteral("contract.pdf"), sentenceOf(locked));
+        remark(QStringLiteral("letter.pdf"),
+               sentenceOf(engine::Warning{engine::Warning::Kind::beyondEdge, {"3", "4"}}));
+        remark(QStringLiteral("scan.tif"),
+               sentenceOf(engine::Warning{engine::Warning::Kind::characterElsewhere,
+                                          {"DejaVuSans-Bold", "U+5370", "NotoSansCJKjp-Bold"}}));
+        goesOn(&window, found);
+    });
+    all = grabQuestion(window, folder / "import.png",
+                       [&] { askAboutPresent(window, "office/configurations.json", {name}); }) &&
+          all;
+    all = grabQuestion(window, folder / "unsaved.png",
+                       [&] {
+                           store::Unsaved unsaved;
+                           unsaved.journal = folder / "pane-location.png"; // of just now
+                           unsaved.configurations = 2;
+                           askAboutUnsaved(window, unsaved);
+                       }) &&
+          all;
+    DocumentsProgress progress(&window, text(u"Stamp Document"), 3);
+    progress.begin("contract.pdf");
+    progress.begin("letter.pdf");
+    progress.goesOn(30, 100);
+    progress.show();
+    QApplication::processEvents();
+    progress.move(window.geometry().center() - progress.rect().center());
+    return written(together({&window, &progress}).save(shown(folder / "progress.png")), folder / "progress.png") && all;
+}
+
+/// The menus that work on what was done, and on the sample.
+bool grabMenus(MainWindow& window, Session& session, const fs::path& folder) {
+    const auto first = session.model().configurations()->front();
+    const auto degrees = first->rotation();
+    first->setRotation(30);
+    session.history().endStep();
+    const bool undo = grabMenu(window, 1, {}, folder / "menu-edit.png");
+    window.undo(false);
+    first->setRotation(degrees);
+    return grabMenu(window, 0, text(u"Sample &Document"), folder / "menu-sample.png") && undo;
 }
 
 /// Of the palette of the order and of the settings, which stand beside the window.
@@ -174,6 +291,8 @@ bool leavePictures(MainWindow& window, Session& session, const fs::path& folder)
     bool all = grabPages(window, session, folder);
     all = grabPreview(window, folder / "window-preview.png") && all;
     all = grabOthers(window, folder) && all;
+    all = grabQuestions(window, session, folder) && all;
+    all = grabMenus(window, session, folder) && all;
 
     const auto sample = files::samplePage();
     const auto plain = folder / "sample.pdf";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Preflight.h"
 
+#include "DocumentsProgress.h"
 #include "HostBundle.h"
 #include "Sentences.h"
 
@@ -9,15 +10,12 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QListWidget>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 namespace app {
 
 namespace {
-
-constexpr int steps = 1000; // of one document
 
 /// Whether a question on the way can still have the document stamped.
 bool canBeAskedFor(engine::Code code) {
@@ -29,20 +27,10 @@ bool canBeAskedFor(engine::Code code) {
 Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::path>& inputs,
                          const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace) {
     Preflight found;
-    QProgressDialog progress(parent);
-    progress.setObjectName(QStringLiteral("stamping"));
-    progress.setWindowTitle(text(u"Check Documents"));
-    progress.setCancelButtonText(text(u"Cancel"));
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(300);
-    progress.setAutoClose(false);
-    progress.setAutoReset(false);
-    progress.setRange(0, static_cast<int>(inputs.size()) * steps);
-    int before = 0;
+    DocumentsProgress progress(parent, text(u"Check Documents"), inputs.size());
     for (const auto& input : inputs) {
-        const auto name = QString::fromStdString(input.filename().string());
-        progress.setLabelText(name);
-        progress.setValue(before);
+        const auto name = shown(input.filename());
+        progress.begin(input);
         engine::StampJob job;
         job.input = input;
         job.dryRun = true;
@@ -50,10 +38,7 @@ Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::pat
         if (inPlace)
             job.output = input;
         job.configurations = {configuration};
-        job.progress = [&](std::size_t pages, std::size_t all) {
-            progress.setValue(before + static_cast<int>(pages * (steps - 1) / std::max<std::size_t>(all, 1)));
-            return !progress.wasCanceled();
-        };
+        job.progress = [&](std::size_t pages, std::size_t all) { return progress.goesOn(pages, all); };
         const auto outcome = engine::stampFile(job);
         found.cancelled = progress.wasCanceled();
         if (found.cancelled)
@@ -68,7 +53,6 @@ Preflight checkDocuments(QWidget* parent, const std::vector<std::filesystem::pat
             found.warnings.push_back(warning);
         }
         found.stampable += outcome || canBeAskedFor(outcome.code) ? 1 : 0;
-        before += steps;
     }
     return found;
 }
@@ -87,6 +71,7 @@ bool goesOn(QWidget* parent, const Preflight& found) {
     list->setObjectName(QStringLiteral("remarks"));
     list->setAccessibleName(label->text());
     list->setWordWrap(true);
+    list->setSpacing(2); // where one remark ends and the next begins
     list->setSelectionMode(QAbstractItemView::NoSelection);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->addItems(found.lines);

@@ -3,10 +3,13 @@
 
 #include "HostBundle.h"
 #include "MainWindow.h"
+#include "Questions.h"
 
 #include <Foundation/NSException.h>
 
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
 #include <QMenu>
 #include <QStatusBar>
 
@@ -57,11 +60,21 @@ void SampleCommands::choose() {
     auto* sample = m_session.sample();
     if (!sample || !m_window.pane().commitEditing())
         return;
-    const auto file = QFileDialog::getOpenFileName(&m_window, text(u"Choose a Sample Document"), {},
-                                                   text(u"PDF documents and pictures (*.pdf *.png *.jpg *.jpeg)"));
+    const auto title = text(u"Choose a Sample Document");
+    const auto file = QFileDialog::getOpenFileName(&m_window, title, {}, documentFilter());
     if (file.isEmpty())
         return;
-    if (const auto problem = sample->choose(file.toStdString()))
+    auto problem = sample->choose(file.toStdString());
+    while (problem && sample->lacksPassword()) {
+        bool given = false;
+        const auto password = QInputDialog::getText(
+            &m_window, title, text(u"Password for %@:", {QFileInfo(file).fileName()}) + u'\n' + *problem,
+            QLineEdit::Password, {}, &given);
+        if (!given)
+            return;
+        problem = sample->choose(file.toStdString(), password.toStdString());
+    }
+    if (problem)
         m_window.warn(text(u"“%@” cannot be the sample: %@", {file, *problem}));
     else
         m_window.refreshPane();
@@ -89,8 +102,8 @@ void SampleCommands::tell() {
     const auto* sample = m_session.sample();
     if (!sample || !sample->isChosen())
         return;
-    const std::vector<QString> facts{QString::fromStdString(sample->file().filename().string()),
-                                     written(sample->page()), written(sample->pageCount())};
+    const std::vector<QString> facts{shown(sample->file().filename()), written(sample->page()),
+                                     written(sample->pageCount())};
     m_window.statusBar()->showMessage(m_session.isSampleStamped()
                                           ? text(u"Sample: %@, page %@ of %@", facts)
                                           : text(u"Sample: %@, page %@ of %@, which is not stamped", facts),

@@ -9,13 +9,18 @@
 #include <QImageReader>
 #include <QProcess>
 
+#include <engine/Stamper.h>
+#include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+#include <qpdf/QUtil.hh>
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 
 namespace app {
 
@@ -53,6 +58,45 @@ std::pair<double, double> shownSizeOf(QPDFPageObjectHelper page) {
     return {width, height};
 }
 
+bool isTiff(const fs::path& file) {
+    std::string head(4, '\0');
+    std::ifstream(file, std::ios::binary).read(head.data(), static_cast<std::streamsize>(head.size()));
+    return head == std::string("II*\0", 4) || head == std::string("MM\0*", 4) || head == std::string("II+\0", 4) ||
+           head == std::string("MM\0+", 4);
+}
+
+/// Reads a document. Older ciphers know a password as bytes of an encoding that depends on who set it.
+void open(QPDF& document, const fs::path& file, const std::string& password) {
+    document.setSuppressWarnings(true);
+    const auto encodings =
+        password.empty() ? std::vector<std::string>{{}} : QUtil::possible_repaired_encodings(password);
+    for (const auto& encoded : encodings) {
+        try {
+            return document.processFile(file.c_str(), encoded.c_str());
+        } catch (const QPDFExc& problem) {
+            if (problem.getErrorCode() != qpdf_e_password || &encoded == &encodings.back())
+                throw;
+        }
+    }
+}
+
+/// A document of that page alone, which everybody can read; null where it cannot be made.
+std::shared_ptr<Buffer> decryptedPage(const fs::path& file, const std::string& password, std::size_t index) {
+    try {
+        QPDF whole;
+        open(whole, file, password);
+        QPDF alone;
+        alone.emptyPDF();
+        QPDFPageDocumentHelper(alone).addPage(QPDFPageDocumentHelper(whole).getAllPages().at(index), false);
+        QPDFWriter writer(alone);
+        writer.setOutputMemory();
+        writer.write();
+        return writer.getBufferSharedPointer();
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 SampleDocument::SampleDocument(fs::path folder) : m_folder(std::move(folder)) {}
@@ -68,44 +112,53 @@ void SampleDocument::dropPicture() {
     m_picture.clear();
 }
 
-std::optional<QString> SampleDocument::read(const fs::path& file, std::vector<Page>& pages) const {
+std::optional<QString> SampleDocument::read(const fs::path& file, const std::string& password,
+                                            std::vector<Page>& pages) {
+    m_lacksPassword = false;
     std::error_code error;
     if (!fs::exists(file, error))
         return text(u"The file does not exist.");
     if (!fs::is_regular_file(file, error))
         return text(u"The file cannot be read.");
-    QImageReader reader(QString::fromStdString(file.string()));
+    QImageReader reader(shown(file));
     reader.setDecideFormatFromContent(true);
     if (const auto format = reader.format(); format == "png" || format == "jpeg") {
         pages = {{}};
         return std::nullopt;
     }
+    if (isTiff(file)) {
+        engine::StampJob job;
+        job.input = file;
+        pages.resize(engine::countPages(job));
+        return pages.empty() ? std::optional(text(u"The file is damaged.")) : std::nullopt;
+    }
     try {
         QPDF document;
-        document.setSuppressWarnings(true);
-        document.processFile(file.c_str());
+        open(document, file, password);
         for (const auto& page : QPDFPageDocumentHelper(document).getAllPages()) {
             const auto [width, height] = shownSizeOf(page);
             pages.push_back({width, height});
         }
         return pages.empty() ? std::optional(text(u"The file is damaged.")) : std::nullopt;
     } catch (const QPDFExc& problem) {
-        if (problem.getErrorCode() == qpdf_e_password)
-            return text(u"The document needs a password.");
-        return text(u"Only PDF documents and PNG and JPEG pictures can be the sample.");
+        m_lacksPassword = problem.getErrorCode() == qpdf_e_password;
+        if (m_lacksPassword)
+            return password.empty() ? text(u"The document needs a password.") : text(u"The password is wrong.");
+        return text(u"Only PDF documents and PNG, JPEG and TIFF pictures can be the sample.");
     } catch (const std::exception&) {
         return text(u"The file cannot be read.");
     }
 }
 
-std::optional<QString> SampleDocument::choose(const fs::path& file) {
+std::optional<QString> SampleDocument::choose(const fs::path& file, const std::string& password) {
     std::error_code none;
     const auto whole = fs::absolute(file, none);
     std::vector<Page> pages;
-    if (auto problem = read(whole, pages))
+    if (auto problem = read(whole, password, pages))
         return problem;
     dropPicture();
     m_file = whole;
+    m_password = password;
     m_pages = std::move(pages);
     m_page = 1;
     m_time = fs::last_write_time(m_file, none);
@@ -116,6 +169,7 @@ std::optional<QString> SampleDocument::choose(const fs::path& file) {
 void SampleDocument::chooseSupplied() {
     dropPicture();
     m_file.clear();
+    m_password.clear();
     m_pages.clear();
     m_page = 1;
     remember();
@@ -143,7 +197,7 @@ void SampleDocument::remember() const {
         defaults.removeObjectForKey(pageKey);
         return;
     }
-    defaults.setObjectForKey(QString::fromStdString(m_file.string()).toStdU16String(), fileKey);
+    defaults.setObjectForKey(shown(m_file).toStdU16String(), fileKey);
     defaults.setObjectForKey(QString::number(m_page).toStdU16String(), pageKey);
 }
 
@@ -166,13 +220,13 @@ std::optional<fs::path> SampleDocument::picture() {
     if (time != m_time) {
         // It was written anew, and may have other pages now.
         const auto page = m_page;
-        if (choose(m_file))
+        if (choose(fs::path(m_file), std::string(m_password)))
             return std::nullopt;
         m_page = std::min(page, m_pages.size());
         remember();
     }
     if (m_pages.front().width == 0)
-        return m_file; // a picture
+        return m_file; // which is read as it is
     if (m_picture.empty()) {
         m_picture = m_folder / ("sample-" + std::to_string(m_page) + ".png");
         draw(m_picture);
@@ -184,18 +238,26 @@ void SampleDocument::draw(const fs::path& target) const {
     const auto& page = m_pages[m_page - 1];
     const double dots = resolutionFor(page.width, page.height);
     QProcess program;
-    program.setStandardInputFile(QProcess::nullDevice());
+    // What is encrypted is handed over decrypted, and only the page that is shown: an argument or a file could be read
+    // by others.
+    const auto decrypted = m_password.empty() ? nullptr : decryptedPage(m_file, m_password, m_page - 1);
+    if (!decrypted)
+        program.setStandardInputFile(QProcess::nullDevice());
     program.setStandardOutputFile(QProcess::nullDevice());
     program.setStandardErrorFile(QProcess::nullDevice());
-    const auto number = QString::number(m_page);
+    const auto number = decrypted ? QStringLiteral("1") : QString::number(m_page);
     auto stem = target;
     stem.replace_extension();
     program.start(QStringLiteral("pdftoppm"),
                   {QStringLiteral("-png"), QStringLiteral("-singlefile"), QStringLiteral("-cropbox"),
                    QStringLiteral("-r"), QString::number(dots, 'f', 3), QStringLiteral("-f"), number,
-                   QStringLiteral("-l"), number, QString::fromStdString(m_file.string()),
-                   QString::fromStdString(stem.string())});
-    const bool finished = program.waitForStarted() && program.waitForFinished(longestDrawing);
+                   QStringLiteral("-l"), number, decrypted ? QStringLiteral("-") : shown(m_file), shown(stem)});
+    bool finished = program.waitForStarted();
+    if (finished && decrypted) {
+        program.write(reinterpret_cast<const char*>(decrypted->getBuffer()), static_cast<qint64>(decrypted->getSize()));
+        program.closeWriteChannel();
+    }
+    finished = finished && program.waitForFinished(longestDrawing);
     if (!finished)
         program.kill();
     program.waitForFinished(1000);
@@ -208,7 +270,7 @@ void SampleDocument::draw(const fs::path& target) const {
     const auto dotsPerMeter = static_cast<int>(std::lround(dots / 0.0254));
     blank.setDotsPerMeterX(dotsPerMeter);
     blank.setDotsPerMeterY(dotsPerMeter);
-    blank.save(QString::fromStdString(target.string()), "png");
+    blank.save(shown(target), "png");
 }
 
 } // namespace app

@@ -10,7 +10,8 @@
 namespace app {
 
 /// The user's own document that previews show in place of the supplied sample page: a PDF document, of which one page
-/// at a time is shown, or a PNG or JPEG picture. It is remembered in the user's settings.
+/// at a time is shown, a TIFF file, likewise, or a PNG or JPEG picture. It is remembered in the user's settings; the
+/// password of an encrypted document is not, nor is it written anywhere.
 ///
 /// Pages are drawn by the program `pdftoppm`, in a process of its own with a bounded time: what is wrong with a
 /// document ends that one. Where it is missing or fails, a page is blank, and has its size and turn all the same.
@@ -24,7 +25,9 @@ public:
     ~SampleDocument();
 
     /// From now on this document. Answers why it cannot be, in the user's language; the former one then stays.
-    std::optional<QString> choose(const std::filesystem::path& file);
+    std::optional<QString> choose(const std::filesystem::path& file, const std::string& password = {});
+    /// Whether a password was what the last choice lacked.
+    bool lacksPassword() const { return m_lacksPassword; }
     /// From now on the supplied page.
     void chooseSupplied();
     /// Takes the remembered one up again. Answers why that is impossible; it is then remembered no more.
@@ -41,13 +44,14 @@ public:
     std::optional<std::filesystem::path> picture();
 
 private:
-    /// The size of a page as it is shown, in points.
+    /// The size of a page as it is shown, in points; nothing for a page of a picture.
     struct Page {
         double width = 0;
         double height = 0;
     };
 
-    std::optional<QString> read(const std::filesystem::path& file, std::vector<Page>& pages) const;
+    std::optional<QString> read(const std::filesystem::path& file, const std::string& password,
+                                std::vector<Page>& pages);
     void draw(const std::filesystem::path& target) const;
     void remember() const;
     void dropPicture();
@@ -55,6 +59,8 @@ private:
     std::filesystem::path m_folder;
     std::filesystem::path m_file;
     std::vector<Page> m_pages;
+    std::string m_password; // empty for one that needs none
+    bool m_lacksPassword = false;
     std::size_t m_page = 1;
     std::filesystem::path m_picture; // of a page of a document
     std::filesystem::file_time_type m_time;

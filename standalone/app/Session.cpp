@@ -224,7 +224,7 @@ std::filesystem::path Session::chosenSample(const std::filesystem::path& supplie
 }
 
 void Session::giveUpSample(const QString& reason) {
-    const auto file = QString::fromStdString(m_sample->file().string());
+    const auto file = shown(m_sample->file());
     m_sample->chooseSupplied();
     m_previewStamper->setPage({});
     if (m_onSampleLost)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "StampRun.h"
 
+#include "DocumentsProgress.h"
 #include "HostBundle.h"
 #include "Sentences.h"
 
@@ -9,7 +10,6 @@
 #include <QApplication>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QProgressDialog>
 
 namespace app {
 
@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int steps = 1000; // of one document
 constexpr int shownRemarks = 10;
 
 struct Task {
@@ -26,12 +25,12 @@ struct Task {
 };
 
 QString named(const fs::path& path) {
-    return QString::fromStdString(path.filename().string());
+    return shown(path.filename());
 }
 
 /// Asks for what a document lacks to be stamped: a password, or leave to add to what was signed. False where there is
 /// nothing to ask or no answer.
-bool askFor(QProgressDialog& progress, const engine::Outcome& outcome, engine::StampJob& job) {
+bool askFor(DocumentsProgress& progress, const engine::Outcome& outcome, engine::StampJob& job) {
     const bool tried = !job.password.empty();
     const bool isSigned = outcome.code == engine::Code::isSigned && !job.allowSigned;
     if (!isSigned && outcome.code != engine::Code::encrypted && outcome.code != engine::Code::notPermitted)
@@ -59,21 +58,11 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
                  const std::shared_ptr<host::ImprinterConfiguration>& configuration, bool inPlace) {
     StampSummary summary;
     summary.all = tasks.size();
-    QProgressDialog progress(parent);
-    progress.setObjectName(QStringLiteral("stamping"));
-    progress.setWindowTitle(text(u"Stamp Document"));
-    progress.setCancelButtonText(text(u"Cancel"));
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(300);
-    progress.setAutoClose(false);
-    progress.setAutoReset(false);
-    progress.setRange(0, static_cast<int>(tasks.size()) * steps);
-    int before = 0;
+    DocumentsProgress progress(parent, text(u"Stamp Document"), tasks.size());
     const bool counts = tasks.size() > 1 && engine::usesRunningNumber({configuration});
     std::size_t nextNumber = 1;
     for (const auto& [input, output] : tasks) {
-        progress.setLabelText(named(input));
-        progress.setValue(before);
+        progress.begin(input);
         engine::StampJob job;
         job.input = input;
         job.output = output;
@@ -81,10 +70,7 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
         job.mayReplace = inPlace;
         job.configurations = {configuration};
         job.firstNumber = nextNumber;
-        job.progress = [&](std::size_t pages, std::size_t all) {
-            progress.setValue(before + static_cast<int>(pages * (steps - 1) / std::max<std::size_t>(all, 1)));
-            return !progress.wasCanceled();
-        };
+        job.progress = [&](std::size_t pages, std::size_t all) { return progress.goesOn(pages, all); };
         engine::Outcome outcome{engine::Code::cancelled, {}, input, {}, 0};
         while (!progress.wasCanceled()) {
             outcome = engine::stampFile(job);
@@ -101,7 +87,6 @@ StampSummary run(QWidget* parent, const std::vector<Task>& tasks,
         if (outcome)
             summary.inputs.push_back(input);
         (outcome ? summary.done : summary.failed).push_back(std::move(outcome));
-        before += steps;
     }
     return summary;
 }
@@ -111,7 +96,7 @@ QString placesOf(const StampSummary& summary) {
     QStringList places;
     for (const auto& outcome : summary.done) {
         std::error_code none;
-        const auto place = QString::fromStdString(fs::absolute(outcome.path, none).parent_path().string());
+        const auto place = shown(fs::absolute(outcome.path, none).parent_path());
         if (!places.contains(place))
             places.append(place);
     }
@@ -160,7 +145,7 @@ QString tellSummary(QWidget* parent, const StampSummary& summary, const std::vec
         line = text(u"%@ documents stamped.", {written(all)});
     if (!summary.done.empty())
         line += (line.isEmpty() ? QString() : QStringLiteral(" ")) + text(u"Stamped:") + u' ' +
-                (all == 1 ? QString::fromStdString(summary.done.front().path.string()) : placesOf(summary));
+                (all == 1 ? shown(summary.done.front().path) : placesOf(summary));
     if (remarks.isEmpty())
         return line;
     if (!line.isEmpty())

@@ -12,6 +12,8 @@
 
 #include <QApplication>
 #include <QCryptographicHash>
+#include <QScreen>
+#include <QStyle>
 
 #include <iostream>
 #include <map>
@@ -120,6 +122,8 @@ int runWindow(int& argc, char** argv, const std::filesystem::path& store,
         return 1;
     closeOnSignals(*window);
     window->offerDocuments(documents);
+    const int frame = window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    window->fitInto(window->screen()->availableGeometry().size() - QSize(0, frame));
     window->show();
     for (const auto& message : session.messages())
         window->warn(message);

@@ -5,6 +5,7 @@
 
 #include <QImage>
 
+#include <cstddef>
 #include <string_view>
 
 namespace engine {
@@ -18,5 +19,7 @@ struct DecodedPicture {
 /// The picture of a PNG or JPEG file, clear parts shown on white. Throws `Failure`.
 DecodedPicture decodePng(std::string_view file);
 DecodedPicture decodeJpeg(std::string_view file);
+/// The same for a page of a TIFF file, from 1.
+DecodedPicture decodeTiff(std::string_view file, std::size_t page);
 
 } // namespace engine

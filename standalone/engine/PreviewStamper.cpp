@@ -24,6 +24,7 @@ struct SampleKey {
     std::filesystem::path path;
     std::filesystem::file_time_type time;
     std::uintmax_t size = 0;
+    std::size_t page = 1; // of a file of several
     bool operator==(const SampleKey&) const = default;
 };
 
@@ -124,7 +125,7 @@ struct PreviewStamper::State {
 
     const DecodedPicture& decoded(const std::filesystem::path& path) {
         std::error_code error;
-        SampleKey wanted{path, std::filesystem::last_write_time(path, error), 0};
+        SampleKey wanted{path, std::filesystem::last_write_time(path, error), 0, page.number};
         if (!error)
             wanted.size = std::filesystem::file_size(path, error);
         if (error)
@@ -133,9 +134,9 @@ struct PreviewStamper::State {
             return sample;
         key.reset();
         const auto bytes = readWhole(path);
-        if (!isPng(bytes) && !isJpeg(bytes))
+        if (!isPng(bytes) && !isJpeg(bytes) && !isTiff(bytes))
             throw Failure(Code::unsupported, "The sample is no picture that can be stamped.");
-        sample = isPng(bytes) ? decodePng(bytes) : decodeJpeg(bytes);
+        sample = isPng(bytes) ? decodePng(bytes) : isJpeg(bytes) ? decodeJpeg(bytes) : decodeTiff(bytes, page.number);
         turnUpright(sample);
         files.setBase(bitmapHeader(sample.geometry), reinterpret_cast<const char*>(sample.image.constBits()),
                       sample.image.height(), static_cast<std::size_t>(sample.image.bytesPerLine()));

@@ -2,6 +2,7 @@
 // A stamped TIFF file is the file itself, with the strips and tiles that a stamp touches encoded anew behind its end,
 // and the directories' lists of them changed. (TIFF revision 6.0, sections 2, 7 and 15.)
 
+#include "DecodedPicture.h"
 #include "JpegPatch.h"
 #include "PictureFile.h"
 
@@ -620,6 +621,42 @@ std::size_t countTiffPages(std::string_view file) {
     while (TIFFReadDirectory(tiff.get()))
         ++pages;
     return pages;
+}
+
+DecodedPicture decodeTiff(std::string_view file, std::size_t page) {
+    MemoryFile memory;
+    memory.bytes = file;
+    const auto tiff = openTiff(memory, kReading);
+    for (std::size_t number = 1; number < page; ++number)
+        if (!TIFFReadDirectory(tiff.get()))
+            damaged();
+    Page sizes;
+    sizes.width = field<std::uint32_t>(tiff.get(), TIFFTAG_IMAGEWIDTH, 0);
+    sizes.height = field<std::uint32_t>(tiff.get(), TIFFTAG_IMAGELENGTH, 0);
+    checkSize(sizes.width, sizes.height);
+    DecodedPicture picture{{}, geometryOf(tiff.get(), sizes)};
+    char why[1024];
+    if (!TIFFRGBAImageOK(tiff.get(), why))
+        throw Failure(Code::unsupported, "A picture of this form cannot be shown.");
+    picture.image = QImage(picture.geometry.width, picture.geometry.height, QImage::Format_RGB32);
+    if (picture.image.isNull())
+        throw std::bad_alloc();
+    // As it is stored: asked for its own orientation, the library turns nothing.
+    const int orientation = picture.geometry.orientation;
+    const bool known = orientation >= ORIENTATION_TOPLEFT && orientation <= ORIENTATION_LEFTBOT;
+    auto* pixels = reinterpret_cast<std::uint32_t*>(picture.image.bits());
+    if (!TIFFReadRGBAImageOriented(tiff.get(), sizes.width, sizes.height, pixels,
+                                   known ? orientation : ORIENTATION_TOPLEFT, 0))
+        damaged();
+    // Colours come multiplied by what covers, and lie on white.
+    const auto count = std::size_t{sizes.width} * sizes.height;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto pixel = pixels[i];
+        const auto white = 255 - TIFFGetA(pixel);
+        const auto on = [white](std::uint32_t part) { return static_cast<int>(std::min(255U, part + white)); };
+        pixels[i] = qRgb(on(TIFFGetR(pixel)), on(TIFFGetG(pixel)), on(TIFFGetB(pixel)));
+    }
+    return picture;
 }
 
 std::string stampTiff(std::string_view file, const PagePartsFor& partsFor, std::size_t& stampedPages) {

@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QScreen>
+#include <QTableView>
 #include <QToolTip>
 
 using namespace platform;
@@ -51,6 +52,33 @@ protected:
         return *field;
     }
 };
+
+TEST_F(Help, NothingStaysSelectedWhereTheButtonBesideItHasDoneItsWork) {
+    const auto combined = model().createConfiguration(true);
+    combined->addConfiguration(at(2));
+    window->pane().show(combined, model());
+    settle();
+    for (const auto& [button, rows] :
+         {std::pair("addBtn", "allConfigsTableView"), std::pair("removeBtn", "combinedTableView")}) {
+        const auto first = [table = child<QTableView>(rows)] {
+            const auto place = table->visualRect(table->model()->index(0, 0)).center();
+            QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, place);
+            settle();
+        };
+        auto* table = child<QTableView>(rows);
+        auto* act = child<QAbstractButton>(button);
+        ASSERT_TRUE(table && act) << button;
+        first();
+        ASSERT_TRUE(act->isEnabled()) << button;
+        QTest::mouseClick(act, Qt::LeftButton);
+        settle();
+        EXPECT_FALSE(act->isEnabled()) << button;
+        EXPECT_GT(table->model()->rowCount(), 0) << rows;
+        EXPECT_FALSE(table->selectionModel()->hasSelection()) << rows;
+        first();
+        EXPECT_TRUE(act->isEnabled()) << button << " is there for the next ones";
+    }
+}
 
 TEST_F(Help, ADashInTheListOfPagesIsExplainedAndTakenForNothing) {
     auto& field = pages();

@@ -13,6 +13,7 @@
 #include <QDrag>
 #include <QImage>
 #include <QImageReader>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -165,19 +166,103 @@ TEST_F(Sample, MayBeAPicture) {
     EXPECT_EQ(preview().size(), supplied());
 }
 
+TEST_F(Sample, MayBeAFileOfSeveralScannedPages) {
+    // The second page is stored on its side, with a red mark in the corner that is shown at the top right.
+    ASSERT_EQ(std::system(("cd '" + folder.path().toStdString() +
+                           "' && convert -units PixelsPerInch -density 72 -size 300x200 xc:yellow first.tif"
+                           " && convert -units PixelsPerInch -density 72 -size 400x100 xc:blue -fill red"
+                           " -draw 'rectangle 0,0 20,20' -orient RightTop second.tif"
+                           " && convert first.tif second.tif scans.tif")
+                              .c_str()),
+              0);
+    chooseSample("scans.tif");
+    EXPECT_EQ(status(), "Sample: scans.tif, page 1 of 2");
+    EXPECT_EQ(preview().size(), QSize(300, 200));
+    EXPECT_EQ(QColor(preview().pixel(2, 2)), QColor(Qt::yellow));
+    choose("Next Page");
+    EXPECT_EQ(status(), "Sample: scans.tif, page 2 of 2");
+    EXPECT_EQ(preview().size(), QSize(100, 400));
+    EXPECT_EQ(QColor(preview().pixel(95, 5)), QColor(Qt::red));
+    EXPECT_EQ(QColor(preview().pixel(5, 395)), QColor(Qt::blue));
+    window->close();
+    close();
+    open();
+    EXPECT_EQ(preview().size(), QSize(100, 400)) << "it is remembered";
+}
+
+class LockedSample : public Sample {
+protected:
+    void SetUp() override {
+        Sample::SetUp();
+        ASSERT_EQ(std::system(("qpdf --encrypt Schlüssel owner 256 -- '" + path("three.pdf").string() + "' '" +
+                               path("locked.pdf").string() + "'")
+                                  .c_str()),
+                  0);
+    }
+    /// Types into the question, and keeps what it says.
+    static std::function<void(QWidget&)> type(const QString& password, QString* said = nullptr) {
+        return [=](QWidget& modal) {
+            auto* question = qobject_cast<QInputDialog*>(&modal);
+            ASSERT_TRUE(question);
+            EXPECT_EQ(question->textEchoMode(), QLineEdit::Password);
+            if (said)
+                *said = question->labelText();
+            question->setTextValue(password);
+            question->accept();
+        };
+    }
+};
+
+TEST_F(LockedSample, AsksForItsPassword) {
+    QString first;
+    QString second;
+    answering({take(path("locked.pdf")), type("wrong", &first), type("Schlüssel", &second)},
+              [&] { choose("Choose…"); });
+    EXPECT_EQ(first, "Password for locked.pdf:\nThe document needs a password.");
+    EXPECT_EQ(second, "Password for locked.pdf:\nThe password is wrong.");
+    EXPECT_EQ(status(), "Sample: locked.pdf, page 1 of 3");
+    const auto page = preview();
+    EXPECT_EQ(points(page), QSize(600, 800));
+    if (std::system("command -v pdftoppm >/dev/null") == 0) {
+        const double scale = page.width() / 600.0;
+        EXPECT_EQ(QColor(page.pixel(qRound(250 * scale), qRound((800 - 225) * scale))), QColor(Qt::blue));
+    }
+    choose("Next Page");
+    EXPECT_EQ(points(preview()), QSize(800, 600));
+}
+
+TEST_F(LockedSample, KeepsThePasswordNoLongerThanTheProgramRuns) {
+    answering({take(path("locked.pdf")), type("Schlüssel")}, [&] { choose("Choose…"); });
+    preview();
+    // Written anew meanwhile, it is read with the same one.
+    fs::last_write_time(path("locked.pdf"), fs::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_EQ(points(preview()), QSize(600, 800));
+    window->close();
+    close();
+    open();
+    EXPECT_EQ(preview().size(), supplied());
+    EXPECT_TRUE(status().endsWith("The document needs a password.")) << status().toStdString();
+}
+
+TEST_F(LockedSample, LeavesTheFormerOneWhereNoPasswordIsGiven) {
+    chooseSample("three.pdf");
+    choose("Next Page");
+    answering({take(path("locked.pdf")), [](QWidget& modal) { qobject_cast<QDialog*>(&modal)->reject(); }},
+              [&] { choose("Choose…"); });
+    EXPECT_EQ(points(preview()), QSize(800, 600));
+}
+
 TEST_F(Sample, IsRefusedWithTheReasonWhereItCannotBeOne) {
     chooseSample("three.pdf");
     write("notes.txt", "my notes");
-    ASSERT_EQ(std::system(("qpdf --encrypt secret owner 256 -- '" + path("three.pdf").string() + "' '" +
-                           path("locked.pdf").string() + "'")
-                              .c_str()),
-              0);
     QString said;
     answering({take(path("notes.txt")), press("OK", &said)}, [&] { choose("Choose…"); });
-    EXPECT_TRUE(said.endsWith("cannot be the sample: Only PDF documents and PNG and JPEG pictures can be the sample."))
+    EXPECT_TRUE(
+        said.endsWith("cannot be the sample: Only PDF documents and PNG, JPEG and TIFF pictures can be the sample."))
         << said.toStdString();
-    answering({take(path("locked.pdf")), press("OK", &said)}, [&] { choose("Choose…"); });
-    EXPECT_TRUE(said.endsWith("cannot be the sample: The document needs a password.")) << said.toStdString();
+    write("broken.tif", std::string("II*\0", 4) + "my notes");
+    answering({take(path("broken.tif")), press("OK", &said)}, [&] { choose("Choose…"); });
+    EXPECT_TRUE(said.endsWith("cannot be the sample: The file is damaged.")) << said.toStdString();
     EXPECT_EQ(points(preview()), QSize(600, 800)) << "the former one stays";
 }
 

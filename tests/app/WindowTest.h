@@ -2,11 +2,10 @@
 #pragma once
 
 #include "../support/MemoryDefaults.h"
+#include "../support/ProgramWindow.h"
 
 #include <AppKit/NSAlert.h>
 #include <Foundation/NSString.h>
-#include <HostBundle.h>
-#include <MainWindow.h>
 
 #include <QAbstractButton>
 #include <QAction>
@@ -39,10 +38,8 @@ protected:
     }
     void open() {
         session = std::make_unique<app::Session>(path("store/configurations.json"));
-        std::string error;
-        auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-        ASSERT_TRUE(pane) << error;
-        window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+        window = makeWindow(*session);
+        ASSERT_TRUE(window);
         window->show();
         window->activateWindow();
         window->afterFirstPaint();

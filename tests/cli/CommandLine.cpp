@@ -409,7 +409,9 @@ TEST_F(CommandLine, ADisplayThatIsNotThereIsSaidToBeNone) {
 TEST_F(CommandLine, LeavesPicturesOfTheProgramWithoutADisplay) {
     const auto run = imprinter("pictures out");
     EXPECT_EQ(run.status, 0) << run.output;
-    for (const char* name : {"pane-location.png", "pane-appearance.png", "pane-combined.png", "pane-empty.png"}) {
+    for (const char* name :
+         {"pane-location.png", "pane-appearance.png", "pane-combined.png", "pane-empty.png", "preflight.png",
+          "import.png", "unsaved.png", "progress.png", "menu-edit.png", "menu-sample.png"}) {
         const QImage picture(QString::fromStdString((folder / "out" / name).string()));
         EXPECT_GE(picture.width(), 800) << name;
         EXPECT_NE(run.output.find(std::string("out/") + name), std::string::npos) << run.output;

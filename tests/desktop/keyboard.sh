@@ -40,9 +40,32 @@ screenshot keyboard-preview
 keys Escape
 until_true "the preview closes" no_others
 
+# The action menu shows where the next key goes, from the first one on.
+menu_mark() {
+    local place
+    place=$(xdotool getwindowgeometry --shell "$(others | head -n 1)" 2>/dev/null) || return
+    eval "$place"
+    import -window root -crop "1x$HEIGHT+$((X + WIDTH - 6))+$Y" +repage -depth 8 txt:- 2>/dev/null |
+        grep -n -i -m 1 '#308CC6' | cut -d: -f1
+}
+is_marked() { [ -n "$(menu_mark)" ]; }
+is_marked_below() { [ "$(menu_mark)" -gt "$1" ] 2>/dev/null; }
+is_marked_at() { [ "$(menu_mark)" = "$1" ]; }
+keys Tab Tab space
+until_true "the action menu opens" has_others
+until_true "its first command is marked" is_marked
+first=$(menu_mark)
+screenshot keyboard-actions
+keys Down
+until_true "the next one is marked" is_marked_below "$first"
+keys Up
+until_true "the first one is marked again" is_marked_at "$first"
+keys Return
+until_true "the menu closes" no_others
+
 stop_program
 [ "$program_status" = 0 ] || fail "the program ended with $program_status"
-json_is "len(c)" 1 || fail "there are $(json "len(c)") configurations"
+json_is "len(c)" 2 || fail "there are $(json "len(c)") configurations"
 json_is "c[0]['position']" 2 || fail "the place is $(json "c[0]['position']")"
 title=$(json "''.join(t if isinstance(t, str) else '[run]' for t in c[0]['titleTokens'])")
 [ "$title" = "[run]RECEIVED page %pageNumber% of %recordPageCount%" ] || fail "the title is $title"

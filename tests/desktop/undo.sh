@@ -29,8 +29,7 @@ start_program
 fill 605 88 40 Return
 until_true "the edit is in a journal" unsaved
 screenshot undo-1-edited
-click $(row 0)
-keys ctrl+z
+keys Tab ctrl+z # in a field with nothing of its own to undo
 until_true "there is nothing to keep once the edit is undone" nothing_unsaved
 screenshot undo-2-undone
 keys ctrl+shift+z
@@ -64,6 +63,7 @@ json_is "c[3]['members'] == [c[1]['uniqueID'], c[0]['uniqueID']]" True ||
 
 # Deleted, undone by the menu, done again by the menu: it is gone.
 start_program
+click $(row 0) # the other one was selected last, and a click on it would rename it
 click $(row 1)
 delete_selected
 until_true "the deletion is in a journal" unsaved

@@ -4,8 +4,8 @@
 #include "../support/Environment.h"
 #include "../support/MemoryDefaults.h"
 
+#include "../support/ProgramWindow.h"
 #include "HostBundle.h"
-#include "MainWindow.h"
 #include "SettingsDialog.h"
 #include "Signals.h"
 
@@ -60,10 +60,8 @@ protected:
 
     void open(const fs::path& store) {
         session = std::make_unique<app::Session>(store);
-        std::string error;
-        auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-        ASSERT_TRUE(pane) << error;
-        window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+        window = testing_support::makeWindow(*session);
+        ASSERT_TRUE(window);
         window->show();
         QApplication::processEvents();
     }
@@ -474,10 +472,8 @@ TEST_F(HostLife, WhatAnotherProgramSavedIsShownAfterASave) {
 
 TEST_F(HostLife, PreviewsWaitUntilTheWindowWasPainted) {
     session = std::make_unique<app::Session>(folder / "configurations.json");
-    std::string error;
-    auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-    ASSERT_TRUE(pane) << error;
-    window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+    window = testing_support::makeWindow(*session);
+    ASSERT_TRUE(window);
     auto& model = session->model();
     const auto sample = NSURL::fileURLWithPath(app::bundleFolder() / "ImprinterPrefPane.prefPane" / "Preview.jpg");
     const auto preview = [&] { return model.imprintFileAtURLWithIndex(sample, current(), 0); };

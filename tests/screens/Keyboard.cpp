@@ -105,7 +105,7 @@ protected:
         poll.start(1);
         open();
         if (!opened)
-            opened = QTest::qWaitFor([&] { return opened; }, 500);
+            opened = QTest::qWaitFor([&] { return opened; });
         if (auto* bar = qobject_cast<QMenuBar*>(QApplication::focusWidget()))
             QTest::keyClick(bar, Qt::Key_Escape);
         settle();

@@ -6,14 +6,18 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QStatusBar>
 #include <QStyleOptionComboBox>
 #include <QTabBar>
+#include <QTest>
 #include <QToolButton>
 
 #include <set>
@@ -166,6 +170,53 @@ TEST_F(Room, TheWindowFitsOnASmallScreen) {
     // Nobody has to read the language whose texts are longer by half.
     EXPECT_LE(smallest.width(), (language() == "qps" ? 1200 : 1000) * letters);
     EXPECT_LE(smallest.height(), 620 * letters);
+}
+
+TEST_F(Room, WhatAScreenHasNoRoomForIsScrolled) {
+    open();
+    // A screen of 1280 by 720 pixels at one and a half, with a bar of the desktop and a frame.
+    const QSize room(853, 430);
+    window->fitInto(room);
+    settle();
+    window->resize(1, 1);
+    settle();
+    EXPECT_LE(window->width(), room.width());
+    EXPECT_LE(window->height(), room.height());
+    auto* area = child<QAbstractScrollArea>("paneArea");
+    ASSERT_TRUE(area);
+    // Each control is seen as soon as it is reached.
+    std::string unseen;
+    for (const char16_t* page : {u"Location", u"Appearance"}) {
+        showEditor(page);
+        child("tableView")->setFocus(Qt::TabFocusReason);
+        for (int presses = 0; presses < 40; ++presses) {
+            auto* focus = QApplication::focusWidget();
+            ASSERT_TRUE(focus);
+            const QRect place(focus->mapTo(area->viewport(), QPoint(0, 0)), focus->size());
+            const auto seen = place & area->viewport()->rect();
+            const auto* view = area->viewport();
+            const bool fits = focus->height() <= view->height() && focus->width() <= view->width();
+            if (presses > 0 && fits && area->isAncestorOf(focus) && seen != place)
+                unseen += " " + nameOf(*focus);
+            QTest::keyClick(focus, Qt::Key_Tab);
+            settle();
+        }
+    }
+    EXPECT_EQ(unseen, "");
+    Problems problems;
+    const RoomOf looked("small screen", *window, problems);
+    EXPECT_TRUE(problems.empty()) << listed(problems);
+}
+
+TEST_F(Room, AScreenWithRoomShowsThePaneWhole) {
+    open();
+    window->fitInto({2000, 1500});
+    window->resize(1, 1);
+    window->statusBar()->showMessage(QStringLiteral("…"));
+    settle();
+    const auto* area = child<QAbstractScrollArea>("paneArea");
+    ASSERT_TRUE(area);
+    EXPECT_FALSE(area->verticalScrollBar()->isVisible() || area->horizontalScrollBar()->isVisible());
 }
 
 TEST_F(Room, FramesAreWholeAtEveryScale) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Screens.h"
 
+#include "../support/ProgramWindow.h"
 #include "ExchangeCommands.h"
 #include "HostBundle.h"
 #include "Language.h"
@@ -51,10 +52,8 @@ void Screens::TearDown() {
 
 void Screens::open() {
     session = std::make_unique<app::Session>(folder / "configurations.json");
-    std::string error;
-    auto pane = app::PaneHost::load(app::bundleFolder() / "ImprinterPrefPane.prefPane", error);
-    ASSERT_TRUE(pane) << error;
-    window = std::make_unique<app::MainWindow>(*session, std::move(pane));
+    window = makeWindow(*session);
+    ASSERT_TRUE(window);
     window->show();
     window->activateWindow();
     window->afterFirstPaint();

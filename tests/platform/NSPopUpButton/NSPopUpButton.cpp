@@ -306,6 +306,32 @@ TEST_F(PopUpTest, KeysOpenTheMenuAndChooseInIt) {
     }
 }
 
+TEST_F(PopUpTest, AKeyOpensAPullDownMenuAtItsFirstItemThatIsShown) {
+    for (const auto key : {Qt::Key_Space, Qt::Key_Up, Qt::Key_Down}) {
+        showPullDown(); // its first item is its face
+        popUp->itemAtIndex(1)->setHidden(true);
+        QString marked;
+        EXPECT_TRUE(withMenu([&] { QTest::keyClick(face, key); },
+                             [&](QMenu& shown) {
+                                 marked = shown.activeAction() ? shown.activeAction()->text() : QString();
+                                 QTest::keyClick(&shown, Qt::Key_Return);
+                             }));
+        EXPECT_EQ(marked, "Three");
+        EXPECT_EQ(owner->taken(), (Log{"dismiss 2", "act"}));
+        owner->connected.clear();
+        contents = {};
+        window.reset();
+    }
+}
+
+TEST_F(PopUpTest, AClickOpensAPullDownMenuWithoutAMark) {
+    showPullDown();
+    open([](QMenu& shown) {
+        EXPECT_EQ(shown.activeAction(), nullptr);
+        QTest::keyClick(&shown, Qt::Key_Escape);
+    });
+}
+
 TEST_F(PopUpTest, OtherKeysChangeNothingSilently) {
     showPopUp();
     QTest::keyClick(face, Qt::Key_End);

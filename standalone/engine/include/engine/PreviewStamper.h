@@ -31,7 +31,8 @@ public:
     /// For what is stamped from now on; page 1 of 1 before, whatever pages a configuration is meant for.
     void setPage(Page page);
 
-    /// Stamps `configuration` onto the PNG or JPEG picture `sample`. A blank title gives the sample itself.
+    /// Stamps `configuration` onto the PNG or JPEG picture `sample`, or onto that page of a TIFF file. A blank title
+    /// gives the sample itself.
     ///
     /// The outcome's path names the result. Each configuration has two names, which take turns, so that a viewer that
     /// compares names sees the change; a file is whole as soon as its name is given out, and stays so until three other
