@@ -417,15 +417,21 @@ Coefficients readCoefficients(Decompressor& source, std::launch way) {
     return std::async(way, [&source] { return jpeg_read_coefficients(&source.info); });
 }
 
+/// To be asked before coefficients are on their way: a damaged file may have a second header, which changes what the
+/// first one said before it is refused.
+Grid gridOf(const jpeg_decompress_struct& file) {
+    Grid grid{8 * file.max_h_samp_factor, 8 * file.max_v_samp_factor, 0, 0, {}};
+    grid.columns = (static_cast<int>(file.image_width) + grid.width - 1) / grid.width;
+    grid.rows = (static_cast<int>(file.image_height) + grid.height - 1) / grid.height;
+    grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
+    return grid;
+}
+
 /// The stream of `source`, whose header was read and whose coefficients are on their way, with the patches painted in;
 /// what follows its end in `file` stays. `keepsCodes`: whether the codes shall be kept; afterwards whether they were.
-std::string patched(Decompressor& source, Coefficients coefficients, std::string_view file,
+std::string patched(Decompressor& source, Grid grid, Coefficients coefficients, std::string_view file,
                     const std::vector<Patch>& patches, bool& keepsCodes) {
     // 1. The units of the file that the stamps touch.
-    Grid grid{8 * source.info.max_h_samp_factor, 8 * source.info.max_v_samp_factor, 0, 0, {}};
-    grid.columns = (static_cast<int>(source.info.image_width) + grid.width - 1) / grid.width;
-    grid.rows = (static_cast<int>(source.info.image_height) + grid.height - 1) / grid.height;
-    grid.touched.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
     for (const auto& patch : patches)
         grid.touch(patch);
     const QRect units = grid.bounds();
@@ -487,7 +493,8 @@ std::string patchJpeg(std::string_view stream, const std::vector<Patch>& patches
     for (const auto& patch : patches)
         if (!whole.contains(patch.area))
             throw Failure(Code::damaged, "The picture is damaged.");
-    auto result = patched(source, readCoefficients(source, std::launch::deferred), stream, patches, keepsCodes);
+    const auto grid = gridOf(source.info);
+    auto result = patched(source, grid, readCoefficients(source, std::launch::deferred), stream, patches, keepsCodes);
     hasNewCodes = !keepsCodes;
     return result;
 }
@@ -498,13 +505,14 @@ std::string stampJpeg(std::string_view file, const PartsFor& partsFor, Report& r
     const auto geometry = geometryOf(source.info);
     const QSize size(geometry.width, geometry.height);
     const Matrix toPixels = pixelsFromShown(geometry);
+    const auto grid = gridOf(source.info);
     // While the fonts are looked for and the titles set; where there can be no thread more, when they are asked for.
     auto coefficients = readCoefficients(source, std::launch::async | std::launch::deferred);
     std::vector<Patch> patches;
     for (const auto& part : partsFor(geometry))
         patches.push_back(paintStamp(*part.stamp, part.shownFromStamp.then(toPixels), size, false));
     bool keepsCodes = false;
-    auto result = patched(source, std::move(coefficients), file, patches, keepsCodes);
+    auto result = patched(source, grid, std::move(coefficients), file, patches, keepsCodes);
     if (source.info.err->num_warnings > 0)
         report.warn(Warning::Kind::pictureDamaged);
     return result;

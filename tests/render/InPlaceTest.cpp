@@ -321,7 +321,7 @@ TEST_F(InPlace, ANameThatWasFreeAndIsTakenMeanwhileIsLeftToWhoeverTookIt) {
             return true;
         };
         const auto outcome = engine::stampFile(task);
-        EXPECT_EQ(outcome.code, Code::unwritable) << outcome.sentence;
+        EXPECT_EQ(outcome.code, Code::cannotWrite) << outcome.sentence;
         EXPECT_NE(outcome.sentence.find("File exists"), std::string::npos) << outcome.sentence;
         EXPECT_EQ(outcome.path, task.output);
         EXPECT_EQ(readFile(task.output), "of another program");
