@@ -330,6 +330,13 @@ QWidget* NibWidgetLoader::createWidget(const QString& className, QWidget* parent
     return widget;
 }
 
+QLayout* NibWidgetLoader::createLayout(const QString& className, QObject* parent, const QString& name) {
+    if (auto* layout = QUiLoader::createLayout(className, parent, name))
+        return layout;
+    m_unknown.push_back(className);
+    return QUiLoader::createLayout(QStringLiteral("QVBoxLayout"), parent, name);
+}
+
 void NibWidgetLoader::readCustomClasses(QIODevice& file) {
     QXmlStreamReader xml(&file);
     QString className;

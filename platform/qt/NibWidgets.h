@@ -40,6 +40,8 @@ public:
     QWidget* loadFile(const QString& path);
 
     QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override;
+    /// A vertical one for a class that is not known; the builder of the toolkit would go on with none.
+    QLayout* createLayout(const QString& className, QObject* parent, const QString& name) override;
 
     /// The name of the widget's class in the file; empty for what the toolkit made for itself.
     QString classOf(const QWidget* widget) const { return m_classes.value(widget); }

@@ -56,6 +56,16 @@ TEST_F(NibProblems, AFileThatIsLargerThanAnyScreenIsReported) {
     }
 }
 
+TEST_F(NibProblems, ALayoutThatIsNotKnownIsReported) {
+    write("Odd.ui", R"(<ui version="4.0"><class>view</class><widget class="QWidget" name="view">
+        <layout class="QCircleLayout" name="layout"><item><widget class="QStackedWidget" name="qt_pages"/></item></layout>
+        </widget></ui>)");
+    const auto bundle = NSBundle::bundleWithPath(folder.path().toStdString());
+    contents = loadNibNamedOwner(*bundle, u"Odd", owner);
+    EXPECT_TRUE(contents.window);
+    EXPECT_TRUE(hasProblem("QCircleLayout")) << ::testing::PrintToString(contents.problems);
+}
+
 TEST_F(NibProblems, AControlThatNobodyReachesIsReported) {
     loadFile({}, column({widget("QPushButton", "saveBtn")}));
     onlyProblem("saveBtn: Owner has no outlet saveBtn");
