@@ -60,29 +60,49 @@ private:
     jpeg_error_mgr m_errors{};
 };
 
-/// Compresses into memory.
+/// Compresses into memory, which is this object's own at any time: the library's destination gives and takes what it
+/// grows only at the end, which a failure does not come to.
 class Compressor {
 public:
     Compressor() {
         info.err = quietErrors(m_errors);
         jpeg_create_compress(&info);
-        jpeg_mem_dest(&info, &m_bytes, &m_size);
+        m_target.init_destination = [](j_compress_ptr file) { targetOf(file).grow(); };
+        m_target.empty_output_buffer = [](j_compress_ptr file) -> boolean {
+            targetOf(file).grow();
+            return TRUE;
+        };
+        m_target.term_destination = [](j_compress_ptr file) {
+            auto& target = targetOf(file);
+            target.bytes.resize(target.bytes.size() - target.free_in_buffer);
+        };
+        info.dest = &m_target;
     }
-    ~Compressor() {
-        jpeg_destroy_compress(&info);
-        std::free(m_bytes); // as jpeg_mem_dest asks
-    }
+    ~Compressor() { jpeg_destroy_compress(&info); }
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
 
-    std::string bytes() const { return {reinterpret_cast<const char*>(m_bytes), m_size}; }
+    /// Once it has finished.
+    const std::string& bytes() const { return m_target.bytes; }
 
     jpeg_compress_struct info{};
 
 private:
+    struct Target : jpeg_destination_mgr {
+        std::string bytes;
+
+        /// When all that was there is used.
+        void grow() {
+            const auto used = bytes.size();
+            bytes.resize(std::max(2 * used, std::size_t{64} << 10));
+            next_output_byte = reinterpret_cast<JOCTET*>(&bytes[used]);
+            free_in_buffer = bytes.size() - used;
+        }
+    };
+    static Target& targetOf(j_compress_ptr file) { return *static_cast<Target*>(file->dest); }
+
     jpeg_error_mgr m_errors{};
-    unsigned char* m_bytes = nullptr;
-    unsigned long m_size = 0;
+    Target m_target{};
 };
 
 constexpr int kFirstApplicationMarker = JPEG_APP0;
