@@ -58,14 +58,6 @@ const std::set<QString>& knownProperties() {
     return names;
 }
 
-/// As large as a window may be where sides are numbers of 15 bits.
-constexpr int mostPixels = 32767;
-
-QSize leastSize(const QWidget& root) {
-    const auto* layout = root.layout();
-    return root.minimumSize().expandedTo(layout ? layout->totalMinimumSize() : QSize());
-}
-
 class InterfaceReader final : private qt::NibText {
 public:
     InterfaceReader(const NSBundle& bundle, const std::shared_ptr<NSObject>& owner)
@@ -91,10 +83,6 @@ public:
         if (!kind || kind->role == NibKind::Role::cell) {
             delete root;
             return refuse("its outermost widget is no view");
-        }
-        if (const auto least = leastSize(*root); std::max(least.width(), least.height()) > mostPixels) {
-            delete root;
-            return refuse("it is larger than any screen");
         }
         root->setWindowTitle(qt::toQt(localized(root->windowTitle())));
         m_named["owner"] = m_owner;

@@ -42,20 +42,6 @@ TEST_F(NibProblems, AFileWhoseOutermostWidgetIsNoViewIsReported) {
         << ::testing::PrintToString(contents.problems);
 }
 
-TEST_F(NibProblems, AFileThatIsLargerThanAnyScreenIsReported) {
-    const auto bundle = NSBundle::bundleWithPath(folder.path().toStdString());
-    for (const std::string height : {"30000", "12717675"}) {
-        const std::string least =
-            "<property name=\"minimumSize\"><size><width>9</width><height>" + height + "</height></size></property>";
-        write("Tall.ui", R"(<ui version="4.0"><class>view</class><widget class="QWidget" name="view">
-            <layout class="QVBoxLayout" name="layout"><item><widget class="QLabel" name="label">)" +
-                             least + "</widget></item></layout></widget></ui>");
-        contents = loadNibNamedOwner(*bundle, u"Tall", owner);
-        EXPECT_EQ(contents.window != nullptr, height == "30000");
-        EXPECT_EQ(hasProblem("Tall.ui cannot be read: it is larger than any screen"), height != "30000");
-    }
-}
-
 TEST_F(NibProblems, ALayoutThatIsNotKnownIsReported) {
     write("Odd.ui", R"(<ui version="4.0"><class>view</class><widget class="QWidget" name="view">
         <layout class="QCircleLayout" name="layout"><item><widget class="QStackedWidget" name="qt_pages"/></item></layout>
