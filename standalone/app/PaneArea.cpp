@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PaneArea.h"
 
+#include <QEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -33,6 +34,12 @@ QSize PaneArea::minimumSizeHint() const {
     if (size.width() > m_room.width())
         size.rheight() += horizontalScrollBar()->sizeHint().height();
     return size.boundedTo(m_room);
+}
+
+bool PaneArea::eventFilter(QObject* object, QEvent* event) {
+    if (object == widget() && event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QScrollArea::eventFilter(object, event);
 }
 
 bool PaneArea::focusNextPrevChild(bool next) {

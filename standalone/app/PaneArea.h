@@ -19,6 +19,8 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    /// Passes on that what it shows needs another room.
+    bool eventFilter(QObject* object, QEvent* event) override;
     /// What gets the focus is seen, whole if it can be.
     bool focusNextPrevChild(bool next) override;
 
