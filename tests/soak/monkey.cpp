@@ -218,6 +218,7 @@ public:
         while (place >= chosen->weight)
             place -= chosen++->weight;
         m_act = chosen->name;
+        m_choices.clear();
         (this->*chosen->act)();
         QApplication::processEvents();
         expectAccount();
@@ -247,7 +248,7 @@ private:
     bool chance(unsigned oneIn) { return pick(oneIn) == 0; }
 
     [[noreturn]] void fail(const std::string& sentence) {
-        std::fprintf(stderr, "act %zu, %s, row %zd: %s\n", m_acts, m_act.c_str(),
+        std::fprintf(stderr, "act %zu, %s%s, row %zd: %s\n", m_acts, m_act.c_str(), m_choices.c_str(),
                      m_window ? static_cast<std::ptrdiff_t>(currentRow()) : -1, sentence.c_str());
         std::abort();
     }
@@ -257,6 +258,12 @@ private:
         compare(now(), "the model");
         remember(m_account);
     }
+    static std::string orderOf(const Account& account) {
+        std::string order;
+        for (const auto& properties : account)
+            order += " " + properties.at("identifier").substr(0, 4);
+        return order;
+    }
     void compare(const Account& found, const std::string& where) {
         if (found.size() != m_account.size())
             fail(where + " has " + std::to_string(found.size()) + " configurations, not " +
@@ -264,7 +271,9 @@ private:
         for (std::size_t i = 0; i < found.size(); ++i)
             for (const auto& [name, value] : m_account[i])
                 if (const auto at = found[i].find(name); at == found[i].end() || at->second != value)
-                    fail(where + ": row " + std::to_string(i) + ", " + name + " is " +
+                    fail((name == "identifier" ? "in the order" + orderOf(m_account) + " became" + orderOf(found) + "; "
+                                               : std::string()) +
+                         where + ": row " + std::to_string(i) + ", " + name + " is " +
                          (at == found[i].end() ? "missing" : at->second) + ", not " + value);
     }
 
@@ -841,6 +850,8 @@ private:
         const auto answer = pick(3);
         m_answer = answers[answer];
         m_asked = 0;
+        m_choices = " (changed there " + std::to_string(changed) + ", here " + std::to_string(mine) + ", gone " +
+                    (deleted ? std::to_string(gone) : "none") + ", answer " + std::to_string(answer) + ")";
         m_session->model().saveConfigurations();
         QApplication::processEvents();
         if (m_session->hasUnsaved())
@@ -986,6 +997,7 @@ private:
     int m_asked = 0;
     std::string m_said; // by the last message
     std::string m_act;
+    std::string m_choices; // that the act made
     std::size_t m_acts = 0;
 };
 
